@@ -1,0 +1,52 @@
+# The two commands of the README: `make run` and `make test`. Both install what is missing first.
+SHELL := /bin/bash
+JOBS ?= $(shell nproc)
+FUZZ_SECONDS ?= 300
+FIXTURES := $(abspath ../shared/fixtures)
+QB := build/release/apps/quillbrook/quillbrook
+
+.PHONY: all deps deps-web run test test-native test-asan test-wasm build-release fuzz bench format clean
+
+all: build-release
+
+deps:
+	@scripts/install-deps.sh
+
+deps-web:
+	@scripts/install-deps.sh --web
+
+build-release: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release -j $(JOBS)
+
+run: build-release
+	$(QB) info $(FIXTURES)/sample-cards.stk
+
+test: deps-web test-native test-asan test-wasm
+
+test-native: build-release
+	ctest --preset release -j $(JOBS)
+
+test-asan: deps
+	@cmake --preset asan >/dev/null
+	@cmake --build --preset asan -j $(JOBS)
+	ctest --preset asan -j $(JOBS)
+
+test-wasm: deps-web
+	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null
+	@cmake --build --preset wasm -j $(JOBS)
+	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
+
+fuzz: deps
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz -j $(JOBS)
+	scripts/run-fuzz.sh build/fuzz $(FUZZ_SECONDS)
+
+bench: build-release
+	build/release/bench/qb_bench
+
+format:
+	clang-format -i $$(git ls-files '*.cpp' '*.h')
+
+clean:
+	rm -rf build

@@ -1,0 +1,160 @@
+#include "memory/MemRef.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "memory/GlobalBlock.h"
+
+namespace {
+
+class MemRefTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(InitMemRefs()); }
+    void TearDown() override {
+        SetGlobalAllocFailAfter(-1);
+        InitMemRefs();
+    }
+
+    static MemRef MakeFilled(const std::vector<uint8_t>& bytes) {
+        MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
+        if (!bytes.empty()) std::memcpy(LockMemRef(ref), bytes.data(), bytes.size());
+        UnlockMemRef(ref);
+        return ref;
+    }
+    static std::vector<uint8_t> Contents(MemRef ref) {
+        MemRefLock lock(ref);
+        return {lock.data(), lock.data() + GetMemRefSize(ref)};
+    }
+    static uint32_t GuardBehind(MemRef ref) {
+        uint32_t guard;
+        MemRefLock lock(ref);
+        std::memcpy(&guard, lock.data() + GetMemRefSize(ref), 4);
+        return guard;
+    }
+};
+
+TEST_F(MemRefTest, SlotsAreHandedOutRoundRobinAndTheTableGrowsBy200) {
+    std::vector<MemRef> refs;
+    for (int i = 0; i < 201; ++i) refs.push_back(NewMemRef(4));
+    EXPECT_EQ(refs.back(), 201);
+    EXPECT_EQ(GetMemRefTable().capacity, 400);
+    EXPECT_EQ(GetMemRefTable().used, 201);
+
+    InitMemRefs();
+    for (int i = 0; i < 10; ++i) NewMemRef(1);
+    FreeMemRef(5);
+    EXPECT_FALSE(IsMemRef(5));
+    EXPECT_EQ(NewMemRef(1), 11);  // a freed value is not reused until the search comes round
+}
+
+TEST_F(MemRefTest, BlocksCarrySizeWordAndGuardBehindTheData) {
+    MemRef empty = NewMemRef(0);
+    ASSERT_NE(empty, 0);
+    EXPECT_EQ(GetMemRefSize(empty), 0u);
+    ASSERT_EQ(SetMemRefSize(empty, 10), 0);
+    EXPECT_EQ(Contents(empty), (std::vector<uint8_t>{0xEF, 0xBE, 0xCE, 0xFA, 0, 0, 0, 0, 0, 0}));
+
+    MemRef ref = MakeFilled({1, 2, 3, 4, 5, 6, 7, 8});
+    EXPECT_EQ(GuardBehind(ref), kMemRefGuard);
+    ASSERT_EQ(SetMemRefSize(ref, 3), 0);
+    EXPECT_EQ(GetMemRefSize(ref), 3u);
+    EXPECT_EQ(GuardBehind(ref), kMemRefGuard);
+    EXPECT_EQ(Contents(ref), (std::vector<uint8_t>{1, 2, 3}));
+
+    // Growth zero-fills behind the old guard, which stays in the data until overwritten.
+    ASSERT_EQ(SetMemRefSize(ref, 12), 0);
+    EXPECT_EQ(Contents(ref), (std::vector<uint8_t>{1, 2, 3, 0xEF, 0xBE, 0xCE, 0xFA, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(GuardBehind(ref), kMemRefGuard);
+}
+
+TEST_F(MemRefTest, LocksNestAndFreeingReleasesWhateverTheLockCount) {
+    MemRef ref = NewMemRef(16);
+    for (int i = 0; i < 3; ++i) ASSERT_NE(LockMemRef(ref), nullptr);
+    EXPECT_EQ(GetMemRefBlock(ref)->lockCount, 3);
+    UnlockMemRef(ref);
+    EXPECT_EQ(GetMemRefBlock(ref)->lockCount, 2);
+    EXPECT_EQ(FreeMemRef(ref), 0);
+    EXPECT_FALSE(IsMemRef(ref));
+    EXPECT_EQ(LockMemRef(ref), nullptr);
+    EXPECT_EQ(FreeMemRef(ref), 0);  // a free slot is a no-op
+}
+
+TEST_F(MemRefTest, ByteRangeHelpers) {
+    MemRef dst = MakeFilled({1, 2, 3, 4});
+    const uint8_t mid[] = {9, 9};
+    ASSERT_EQ(InsertBytes(dst, mid, 2, 2), 0);
+    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 2, 9, 9, 3, 4}));
+    ASSERT_EQ(DeleteBytes(dst, 1, 3), 0);
+    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 3, 4}));
+
+    // Padding an odd source copies one byte more: the first byte of its guard.
+    MemRef odd = MakeFilled({7, 7, 7, 7, 7});
+    ASSERT_EQ(InsertMemRef(dst, odd, 1, true), 0);
+    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 7, 7, 7, 7, 7, 0xEF, 3, 4}));
+
+    MemRef whole = MakeFilled({5, 6});
+    ASSERT_EQ(AppendMemRef(whole, dst), 0);
+    EXPECT_EQ(GetMemRefSize(dst), 11u);
+
+    MemRef copy = CopyBytes(dst, 1, 5);
+    EXPECT_EQ(Contents(copy), (std::vector<uint8_t>(5, 7)));
+    MemRef cut = ExtractBytes(dst, 0, 7);
+    EXPECT_EQ(GetMemRefSize(cut), 7u);
+    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{3, 4, 5, 6}));
+    EXPECT_EQ(CopyBytes(dst, 3, 2), 0);  // a range outside the block gives nothing
+}
+
+TEST_F(MemRefTest, ReplaceBytesByLength) {
+    struct Case {
+        std::vector<uint8_t> src;
+        std::vector<uint8_t> expected;
+    };
+    const Case cases[] = {
+        {{8, 8}, {1, 8, 8, 4}},
+        {{8, 8, 8, 8}, {1, 8, 8, 8, 8, 4}},
+        {{8}, {1, 8, 4}},
+        {{}, {1, 4}},
+    };
+    for (const Case& c : cases) {
+        MemRef dst = MakeFilled({1, 2, 3, 4});
+        MemRef src = MakeFilled(c.src);
+        ASSERT_EQ(ReplaceBytes(dst, src, 1, 2), 0);
+        EXPECT_EQ(Contents(dst), c.expected) << "source of " << c.src.size();
+    }
+
+    // The same length copies over in place: the block does not move even when allocation fails.
+    MemRef dst = MakeFilled({1, 2, 3, 4});
+    MemRef src = MakeFilled({5, 6});
+    const uint8_t* before = LockMemRef(dst);
+    UnlockMemRef(dst);
+    SetGlobalAllocFailAfter(0);
+    EXPECT_EQ(ReplaceBytes(dst, src, 2, 2), 0);
+    SetGlobalAllocFailAfter(-1);
+    EXPECT_EQ(LockMemRef(dst), before);
+    UnlockMemRef(dst);
+    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 2, 5, 6}));
+}
+
+TEST_F(MemRefTest, RefusedMemoryLeavesEverythingAsItWas) {
+    MemRef ref = MakeFilled({1, 2, 3});
+    MemRef longer = MakeFilled({9, 9, 9, 9, 9});
+    SetGlobalAllocFailAfter(0);
+    EXPECT_EQ(NewMemRef(4), 0);
+    EXPECT_EQ(SetMemRefSize(ref, 100), -1);
+    EXPECT_EQ(ReplaceBytes(ref, longer, 0, 1), -1);
+    MemRef same = ref;
+    EXPECT_EQ(DuplicateMemRef(&same), -1);
+    EXPECT_EQ(same, ref);
+    SetGlobalAllocFailAfter(-1);
+    EXPECT_EQ(Contents(ref), (std::vector<uint8_t>{1, 2, 3}));
+
+    ASSERT_EQ(DuplicateMemRef(&same), 0);
+    EXPECT_NE(same, ref);
+    EXPECT_TRUE(MemRefsEqual(same, ref));
+    ASSERT_EQ(SetMemRefSize(same, 2), 0);
+    EXPECT_FALSE(MemRefsEqual(same, ref));
+}
+
+}  // namespace
