@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "memory/MemRef.h"
+#include "support/StackBytes.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     InitMemRefs();
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    RemoveTempFiles();
+    return result;
 }

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "stack/ByteOrder.h"
+
 MemRef NewCardMemRef(uint32_t size) {
     if (size > UINT32_MAX - 8) return 0;
     MemRef ref = NewMemRef(size + 2);
@@ -11,4 +13,9 @@ MemRef NewCardMemRef(uint32_t size) {
     MemRefLock lock(ref);
     std::memcpy(lock.data() + size, &sentinel, 4);
     return ref;
+}
+
+uint32_t ItemChainStart(const uint8_t* card) {
+    if (ReadS16(card + kCardKind) != kCardKindPicture) return kCardHeadSize;
+    return kCardHeadSize + Read32(card + kCardHeadSize + kBgLength);
 }

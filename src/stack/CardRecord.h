@@ -68,17 +68,26 @@ inline constexpr uint16_t kItemFlagOddPad = 0x200;
 inline constexpr uint32_t kGraphicHeadSize = 80;
 inline constexpr uint32_t kGraphicRect2 = 30;
 inline constexpr uint32_t kGraphicName = 38;  // 16 bytes, length-prefixed
+inline constexpr uint32_t kGraphicAction = 56;
 inline constexpr uint32_t kGraphicPictureSize = 60;
 inline constexpr uint32_t kGraphicFileRef = 80;
 
 // Button head; an Actn record has the same shape.
 inline constexpr uint32_t kButtonHeadSize = 136;
 inline constexpr uint32_t kButtonName = 28;  // 32 bytes, length-prefixed
-inline constexpr uint32_t kButtonShape = 16;
+inline constexpr uint32_t kButtonShape = 60;
+inline constexpr uint32_t kButtonFlags = 64;
+inline constexpr uint32_t kButtonTextColor = 66;
+inline constexpr uint32_t kButtonFillColor = 68;
+inline constexpr uint32_t kButtonIconId = 78;
+inline constexpr uint32_t kButtonCursorId = 80;
+inline constexpr uint16_t kItemFlagHover = 128;
+inline constexpr uint16_t kItemFlagNoPressTracking = 0x100;
 
 // Text field head.
 inline constexpr uint32_t kTextHeadSize = 128;
 inline constexpr uint32_t kTextName = 72;  // 16 bytes, length-prefixed
+inline constexpr uint32_t kTextAction = 102;
 inline constexpr uint32_t kTextBlockHeadSize = 16;
 inline constexpr uint32_t kTextBlockDataLength = 8;
 inline constexpr uint32_t kTextBlockLength = 12;
@@ -91,3 +100,6 @@ inline constexpr uint32_t kSubHeadSize = 32;
 // A card block of size + 2 bytes with the 32-bit value 0xFACE at `size`: the tail's end mark
 // (already zero) and sentinel come ready-made.
 MemRef NewCardMemRef(uint32_t size);
+// Where the item chain of a native card starts: behind the head, or behind the background chunk
+// of a kind 1 card.
+uint32_t ItemChainStart(const uint8_t* card);

@@ -1,0 +1,21 @@
+# Turns resources/strings.txt into a C++ table, so every host has the same texts without files.
+# Called as: cmake -DINPUT=... -DOUTPUT=... -P EmbedStrings.cmake
+# List separators and brackets in the texts are hidden while the file is split into lines.
+file(READ "${INPUT}" content)
+string(REPLACE ";" "@SEMI@" content "${content}")
+string(REPLACE "[" "@LB@" content "${content}")
+string(REPLACE "]" "@RB@" content "${content}")
+string(REPLACE "\n" ";" lines "${content}")
+set(body "")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^([0-9]+) (.*)$")
+    set(text "${CMAKE_MATCH_2}")
+    string(REPLACE "@SEMI@" ";" text "${text}")
+    string(REPLACE "@LB@" "[" text "${text}")
+    string(REPLACE "@RB@" "]" text "${text}")
+    string(APPEND body "    {${CMAKE_MATCH_1}, \"${text}\"},\n")
+  endif()
+endforeach()
+file(WRITE "${OUTPUT}.tmp" "// Generated from resources/strings.txt.\n#include \"ui/StringTable.h\"\n\nconst StringEntry kStringTable[] = {\n${body}};\nconst unsigned kStringTableSize = sizeof(kStringTable) / sizeof(kStringTable[0]);\n")
+file(COPY_FILE "${OUTPUT}.tmp" "${OUTPUT}" ONLY_IF_DIFFERENT)
+file(REMOVE "${OUTPUT}.tmp")

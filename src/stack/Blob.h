@@ -1,0 +1,70 @@
+// The blob store: the typed records of a stack (actions, links, sounds, sprites, icons, ...) in the
+// area at the end of the stack file. Only the table is in memory; each record is read when first
+// asked for. Fetching works on the current store; opening a store makes it current.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "memory/MemRef.h"
+
+// Four-character codes, first character in the high byte: FourCC("Actn").
+constexpr uint32_t FourCC(const char (&code)[5]) {
+    return uint32_t(uint8_t(code[0])) << 24 | uint32_t(uint8_t(code[1])) << 16 |
+           uint32_t(uint8_t(code[2])) << 8 | uint32_t(uint8_t(code[3]));
+}
+std::string FourCCText(uint32_t type);
+
+// Entry head in the file.
+inline constexpr uint32_t kBlobHeadSize = 68;
+inline constexpr uint32_t kBlobHeadType = 0;
+inline constexpr uint32_t kBlobHeadId = 4;
+inline constexpr uint32_t kBlobHeadReserved6 = 6;
+inline constexpr uint32_t kBlobHeadName = 8;  // 32 bytes, length-prefixed
+inline constexpr uint32_t kBlobHeadFlags = 40;
+inline constexpr uint32_t kBlobHeadSizeField = 44;
+inline constexpr uint32_t kBlobHeadNext = 48;
+inline constexpr uint32_t kBlobNameSize = 32;
+inline constexpr uint32_t kBlobDeleted = 0x80000000u;
+inline constexpr uint32_t kMaxBlobEntries = 0x10000;
+
+// A record's length in the file: head plus data padded to a multiple of 4.
+constexpr uint32_t BlobFileLength(uint32_t size) { return kBlobHeadSize + ((size + 3) & ~3u); }
+
+// A table row, in native order.
+struct BlobEntryInfo {
+    uint32_t type = 0;
+    uint16_t id = 0;
+    uint16_t reserved = 0;
+    uint8_t name[kBlobNameSize] = {};  // length-prefixed, as in the file
+    uint32_t flags = 0;
+    uint32_t size = 0;
+    MemRef handle = 0;
+    uint32_t position = 0;  // file offset of the entry's head
+};
+
+// Opens the store of the file in `slot`. Returns the store's number, or 0 on failure; on a table
+// that leaves the file (a damaged stack) `*faultOffset`, if given, says where.
+uint32_t OpenBlobStore(int slot, uint32_t areaOffset, uint32_t countPosition, uint32_t idPosition,
+                       uint64_t* faultOffset = nullptr);
+void CloseBlobStore(uint32_t ref);
+void CloseAllBlobStores();
+uint32_t CurrentBlobStore();
+
+MemRef GetBlobById(uint32_t type, uint16_t id);
+MemRef GetBlobByIndex(uint32_t type, uint32_t index);
+MemRef GetBlobByName(uint32_t type, const uint8_t* name);  // length-prefixed
+void SetBlobLoading(bool flag);
+
+void DetachBlob(MemRef handle);
+void ReleaseBlob(MemRef handle);
+int32_t GetBlobInfo(MemRef handle, uint32_t* type, uint16_t* id, uint8_t* name, uint32_t* flags);
+bool GetBlobName(uint32_t type, uint16_t id, uint8_t* name);
+uint32_t GetBlobSize(uint32_t ref, uint32_t type, uint16_t id);
+int16_t GetBlobPosition(uint32_t ref, uint32_t type, uint16_t id);
+uint32_t CountBlobs(uint32_t type);
+uint32_t TotalBlobBytes(uint32_t ref);
+
+// The whole table, deleted entries included, for listing a stack's records.
+uint32_t CountBlobEntries(uint32_t ref);
+bool GetBlobEntry(uint32_t ref, uint32_t index, BlobEntryInfo* entry);

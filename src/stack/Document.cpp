@@ -1,0 +1,40 @@
+#include "stack/Document.h"
+
+#include "stack/Blob.h"
+#include "stack/ByteOrder.h"
+
+namespace {
+Document gDocument;
+inline constexpr uint32_t kCardRowSize = 16;
+}  // namespace
+
+Document& GetDocument() { return gDocument; }
+
+int16_t CardCount() {
+    return gDocument.cardList ? static_cast<int16_t>(GetMemRefSize(gDocument.cardList) / kCardRowSize) : 0;
+}
+
+MemRef GetCardByPosition(int32_t position) {
+    if (position < 1 || position > CardCount()) return 0;
+    MemRefLock lock(gDocument.cardList);
+    return static_cast<MemRef>(Read32(lock.data() + (position - 1) * kCardRowSize));
+}
+
+int32_t InsertCardAt(int32_t position, MemRef card) {
+    if (!gDocument.cardList) {
+        gDocument.cardList = NewMemRef(0);
+        if (!gDocument.cardList) return 16;
+    }
+    if (position < 0 || position > CardCount()) return -1;
+    uint8_t row[kCardRowSize] = {};
+    Write32(row, static_cast<uint32_t>(card));
+    return InsertBytes(gDocument.cardList, row, position * kCardRowSize, kCardRowSize);
+}
+
+void CloseStack() {
+    for (int32_t i = 1; i <= CardCount(); ++i) FreeMemRef(GetCardByPosition(i));
+    if (gDocument.cardList) FreeMemRef(gDocument.cardList);
+    if (gDocument.stackHeader) FreeMemRef(gDocument.stackHeader);
+    if (gDocument.storeRef) CloseBlobStore(gDocument.storeRef);
+    gDocument = Document{};
+}

@@ -1,0 +1,124 @@
+#include "support/StackBytes.h"
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <unistd.h>
+
+void PutBE16(Bytes& b, size_t at, uint16_t v) {
+    b[at] = static_cast<uint8_t>(v >> 8);
+    b[at + 1] = static_cast<uint8_t>(v);
+}
+void PutBE32(Bytes& b, size_t at, uint32_t v) {
+    PutBE16(b, at, static_cast<uint16_t>(v >> 16));
+    PutBE16(b, at + 2, static_cast<uint16_t>(v));
+}
+void AppendBE16(Bytes& b, uint16_t v) {
+    b.resize(b.size() + 2);
+    PutBE16(b, b.size() - 2, v);
+}
+void AppendBE32(Bytes& b, uint32_t v) {
+    b.resize(b.size() + 4);
+    PutBE32(b, b.size() - 4, v);
+}
+void Append(Bytes& b, const Bytes& more) { b.insert(b.end(), more.begin(), more.end()); }
+
+Bytes StoredHeader(const HeaderSpec& spec) {
+    Bytes h(128, 0);
+    PutBE16(h, 4, spec.cardCount);
+    PutBE16(h, 8, spec.version);
+    PutBE16(h, 10, 1);
+    PutBE16(h, 12, 1);
+    PutBE16(h, 16, spec.depth);
+    PutBE16(h, 20, 1);
+    PutBE16(h, 56, spec.cardWidth);
+    PutBE16(h, 58, spec.cardHeight);
+    PutBE32(h, 64, spec.blobCount);
+    PutBE32(h, 68, spec.nextBlobId);
+    return h;
+}
+
+Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>& items, uint16_t kind,
+                 uint16_t ownerId) {
+    Bytes c(96, 0);
+    PutBE16(c, 0, id);
+    PutBE16(c, 6, kind);
+    PutBE16(c, 8, ownerId);
+    c[32] = static_cast<uint8_t>(name.size());
+    std::memcpy(&c[33], name.data(), name.size());
+    for (const Bytes& item : items) Append(c, item);
+    Append(c, {0, 0, 0xFA, 0xCE});
+    PutBE32(c, 2, static_cast<uint32_t>(c.size()));
+    return c;
+}
+
+Bytes StoredItem(uint16_t kind, uint16_t id, int16_t left, int16_t top, int16_t right, int16_t bottom,
+                 const Bytes& headRest, uint16_t itemFlags) {
+    Bytes i(16, 0);
+    PutBE16(i, 0, kind);
+    PutBE16(i, 2, id);
+    PutBE16(i, 4, static_cast<uint16_t>(top));
+    PutBE16(i, 6, static_cast<uint16_t>(left));
+    PutBE16(i, 8, static_cast<uint16_t>(bottom));
+    PutBE16(i, 10, static_cast<uint16_t>(right));
+    Append(i, headRest);
+    if (i.size() >= 24) PutBE16(i, 22, itemFlags);
+    PutBE32(i, 12, static_cast<uint32_t>(i.size()));
+    return i;
+}
+
+Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data,
+                   uint32_t flags) {
+    Bytes r(68, 0);
+    std::memcpy(&r[0], type, 4);
+    PutBE16(r, 4, id);
+    if (!name.empty()) {
+        r[8] = static_cast<uint8_t>(name.size());
+        std::memcpy(&r[9], name.data(), name.size());
+    }
+    PutBE32(r, 40, flags);
+    PutBE32(r, 44, static_cast<uint32_t>(data.size()));
+    const uint32_t padded = (static_cast<uint32_t>(data.size()) + 3) & ~3u;
+    PutBE32(r, 48, padded);
+    Append(r, data);
+    r.resize(68 + padded, 0);
+    return r;
+}
+
+Bytes StoredStack(const HeaderSpec& spec, const std::vector<Bytes>& cards, const std::vector<Bytes>& records) {
+    HeaderSpec s = spec;
+    if (s.blobCount == 0) s.blobCount = static_cast<uint32_t>(records.size());
+    Bytes file = StoredHeader(s);
+    for (const Bytes& c : cards) Append(file, c);
+    PutBE32(file, 60, static_cast<uint32_t>(file.size()));
+    for (const Bytes& r : records) Append(file, r);
+    return file;
+}
+
+namespace {
+std::filesystem::path TempDir() {
+    return std::filesystem::temp_directory_path() / ("quillbrook-tests-" + std::to_string(::getpid()));
+}
+}  // namespace
+
+void RemoveTempFiles() {
+    std::error_code ignored;
+    std::filesystem::remove_all(TempDir(), ignored);
+}
+
+std::string WriteTempFile(const std::string& name, const Bytes& bytes) {
+    const std::filesystem::path dir = TempDir();
+    std::filesystem::create_directories(dir);
+    const std::string path = (dir / name).string();
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return path;
+}
+
+Bytes ReadWholeFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
