@@ -24,6 +24,20 @@ int32_t NormaliseButton(MemRef record, uint32_t offset);
 int32_t NormaliseActn(MemRef record);
 int32_t NormaliseHlnk(MemRef record);
 
+// 'Hlnk' head. The hot text stands at 23 in the file and at 24 in memory; the action block, if
+// any, stands at 24 + padLength + textLength in both. Moving the text up a byte overwrites the
+// byte at 23 + textLength, so the reader keeps that byte at 23, which no one else reads: the
+// writer takes it from 23, moves the text down and puts it back at 23 + textLength, and after the
+// write moves the text up again and returns the byte to 23.
+inline constexpr uint32_t kHlnkLinkId = 0;
+inline constexpr uint32_t kHlnkFieldId = 2;
+inline constexpr uint32_t kHlnkPadLength = 4;
+inline constexpr uint32_t kHlnkTextLength = 6;
+inline constexpr uint32_t kHlnkHasAction = 8;  // one byte; tested with the zero at 9 as a 16-bit word
+inline constexpr uint32_t kHlnkStoredText = 23;
+inline constexpr uint32_t kHlnkText = 24;
+inline constexpr uint32_t kHlnkDisplacedByte = 23;
+
 // Stored file reference -> native form (zero-terminated path with "\" separators and a drive,
 // pad, six zero bytes, zero-terminated name). `source` holds `available` bytes of stored reference.
 // Returns 0 if the reference does not fit in `available`. The drive of a path from the other

@@ -1,0 +1,768 @@
+#include "stack/Normalise.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "memory/GlobalBlock.h"
+#include "memory/MemRef.h"
+#include "stack/PathSlot.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+// --- Stored bytes, built by hand from the record layouts -------------------------------------
+
+void LE16(Bytes& b, size_t at, uint16_t v) {
+    b[at] = static_cast<uint8_t>(v);
+    b[at + 1] = static_cast<uint8_t>(v >> 8);
+}
+void LE32(Bytes& b, size_t at, uint32_t v) {
+    LE16(b, at, static_cast<uint16_t>(v));
+    LE16(b, at + 2, static_cast<uint16_t>(v >> 16));
+}
+uint16_t GetLE16(const Bytes& b, size_t at) { return static_cast<uint16_t>(b[at] | b[at + 1] << 8); }
+uint32_t GetLE32(const Bytes& b, size_t at) { return GetLE16(b, at) | uint32_t{GetLE16(b, at + 2)} << 16; }
+
+// Neighbouring bytes always differ, so a missing or extra swap shows.
+void Pattern(Bytes& b, uint8_t seed) {
+    for (size_t i = 0; i < b.size(); ++i) b[i] = static_cast<uint8_t>(i * 37 + seed);
+}
+Bytes Cat(std::initializer_list<Bytes> parts) {
+    Bytes out;
+    for (const Bytes& p : parts) out.insert(out.end(), p.begin(), p.end());
+    return out;
+}
+Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
+Bytes Splice(Bytes b, size_t at, size_t oldLength, const Bytes& with) {
+    b.erase(b.begin() + static_cast<std::ptrdiff_t>(at), b.begin() + static_cast<std::ptrdiff_t>(at + oldLength));
+    b.insert(b.begin() + static_cast<std::ptrdiff_t>(at), with.begin(), with.end());
+    return b;
+}
+
+// A stored file reference: length-prefixed path, pad, six zero bytes, length-prefixed name.
+Bytes StoredRef(const std::string& path, const std::string& name) {
+    Bytes b{static_cast<uint8_t>(path.size())};
+    b.insert(b.end(), path.begin(), path.end());
+    if (b.size() & 1) b.push_back(0);
+    b.insert(b.end(), 6, 0);
+    b.push_back(static_cast<uint8_t>(name.size()));
+    b.insert(b.end(), name.begin(), name.end());
+    return b;
+}
+
+constexpr uint8_t kEndMark[] = {0, 0, 0xFA, 0xCE};
+
+Bytes Card(uint16_t kind, const std::vector<Bytes>& chunks) {
+    Bytes c(96);
+    Pattern(c, 1);
+    PutBE16(c, 6, kind);
+    for (const Bytes& chunk : chunks) c.insert(c.end(), chunk.begin(), chunk.end());
+    c.insert(c.end(), std::begin(kEndMark), std::end(kEndMark));
+    PutBE32(c, 2, static_cast<uint32_t>(c.size()));
+    return c;
+}
+Bytes Item(uint16_t kind, uint32_t size, uint16_t flags = 0) {
+    Bytes b(size);
+    Pattern(b, static_cast<uint8_t>(kind));
+    PutBE16(b, 0, kind);
+    PutBE32(b, 12, size);
+    PutBE16(b, 22, flags);
+    return b;
+}
+Bytes Background(uint16_t format, uint32_t tableSize, uint32_t imageLength) {
+    Bytes b(24 + tableSize + imageLength);
+    Pattern(b, 5);
+    PutBE16(b, 0, 8);
+    PutBE16(b, 2, format);
+    PutBE32(b, 12, static_cast<uint32_t>(b.size()));
+    PutBE32(b, 16, tableSize);
+    return b;
+}
+Bytes PictureCard(uint16_t red, uint16_t green, uint16_t blue) {
+    Bytes bg = Background(2, 16, 16);
+    PutBE16(bg, 34, red);
+    PutBE16(bg, 36, green);
+    PutBE16(bg, 38, blue);
+    return Card(1, {bg});
+}
+Bytes Graphic(const Bytes& reference, uint32_t pictureSize, bool padByte, uint16_t flags) {
+    const uint32_t size = 80 + static_cast<uint32_t>(reference.size()) + pictureSize + (padByte ? 1 : 0);
+    Bytes g = Item(16, size, static_cast<uint16_t>(flags | (padByte ? 0x200 : 0)));
+    PutBE32(g, 60, pictureSize);
+    std::copy(reference.begin(), reference.end(), g.begin() + 80);
+    return g;
+}
+Bytes Sub(uint16_t type, uint32_t length) {
+    Bytes b(length);
+    Pattern(b, static_cast<uint8_t>(type));
+    PutBE16(b, 0, type);
+    PutBE32(b, 12, length);
+    return b;
+}
+Bytes SubWithBody(uint16_t type, const Bytes& body, uint16_t flags) {
+    Bytes b = Sub(type, 32 + static_cast<uint32_t>(body.size()));
+    PutBE16(b, 22, flags);
+    std::copy(body.begin(), body.end(), b.begin() + 32);
+    return b;
+}
+Bytes Button(const std::vector<Bytes>& subs) {
+    Bytes b = Item(48, 136);
+    for (const Bytes& s : subs) b.insert(b.end(), s.begin(), s.end());
+    PutBE32(b, 12, static_cast<uint32_t>(b.size()));
+    return b;
+}
+Bytes TextBlock(uint32_t dataLength, uint32_t size) {
+    Bytes b(size);
+    Pattern(b, 99);
+    PutBE32(b, 8, dataLength);
+    PutBE32(b, 12, size);
+    return b;
+}
+Bytes TextField(const std::vector<Bytes>& blocks, uint16_t flags) {
+    Bytes t = Item(96, 128, flags);
+    for (const Bytes& b : blocks) t.insert(t.end(), b.begin(), b.end());
+    PutBE32(t, 12, static_cast<uint32_t>(t.size()));
+    return t;
+}
+
+// --- The conversion tables, as the format gives them ------------------------------------------
+
+struct Conversion {
+    std::vector<uint32_t> swap16, swap32, rects, cleared16;
+};
+const Conversion kCardHead{{0, 6, 8, 10, 16, 18, 20, 22, 48, 50, 52, 54, 56}, {2}, {}, {}};
+const Conversion kBackgroundHead{{0, 2, 10}, {12, 16}, {}, {}};
+const Conversion kItemHead{{0, 2, 22}, {12}, {4}, {}};
+const Conversion kGraphicHead{{16, 18, 20, 24, 28, 54, 56, 58}, {60}, {30}, {}};
+const Conversion kButtonHead{{16, 18, 20, 24, 26, 60, 62, 64, 66, 68, 70, 74, 76, 78, 80}, {}, {}, {}};
+const Conversion kTextHead{{20, 24, 26, 28, 30, 32, 34, 36, 38, 44, 50, 56, 58, 60, 62, 64, 66, 68, 70, 88, 102, 104},
+                           {16, 40, 46, 52},
+                           {},
+                           {}};
+const Conversion kTextBlockHead{{0, 2}, {4, 8, 12}, {}, {}};
+const Conversion kSubWalk{{0}, {12}, {}, {}};
+const Conversion kSub64{{22}, {}, {4}, {}};
+
+void Apply(Bytes& b, size_t base, const Conversion& c) {
+    for (uint32_t o : c.swap16) std::swap(b[base + o], b[base + o + 1]);
+    for (uint32_t o : c.swap32) std::reverse(b.begin() + static_cast<std::ptrdiff_t>(base + o),
+                                             b.begin() + static_cast<std::ptrdiff_t>(base + o + 4));
+    for (uint32_t o : c.rects) {
+        // stored top, left, bottom, right (big-endian) -> left, top, right, bottom (native)
+        const Bytes r(b.begin() + static_cast<std::ptrdiff_t>(base + o),
+                      b.begin() + static_cast<std::ptrdiff_t>(base + o + 8));
+        const uint8_t native[8] = {r[3], r[2], r[1], r[0], r[7], r[6], r[5], r[4]};
+        std::copy(std::begin(native), std::end(native), b.begin() + static_cast<std::ptrdiff_t>(base + o));
+    }
+    for (uint32_t o : c.cleared16) LE16(b, base + o, 0);
+}
+void Apply(Bytes& b, size_t base, const std::vector<Conversion>& cs) {
+    for (const Conversion& c : cs) Apply(b, base, c);
+}
+
+// What a card reads as: the stored head turned, then the given native chunks and the end mark.
+Bytes NativeCard(const Bytes& stored, std::initializer_list<Bytes> chunks) {
+    Bytes out(stored.begin(), stored.begin() + 96);
+    Apply(out, 0, kCardHead);
+    for (const Bytes& chunk : chunks) out.insert(out.end(), chunk.begin(), chunk.end());
+    out.insert(out.end(), std::begin(kEndMark), std::end(kEndMark));
+    return out;
+}
+Bytes NativeItem7() {
+    Bytes item = Item(7, 30);
+    Apply(item, 0, kItemHead);
+    return item;
+}
+
+testing::AssertionResult SameBytes(const Bytes& actual, const Bytes& expected) {
+    if (actual.size() != expected.size()) {
+        return testing::AssertionFailure() << "size " << actual.size() << ", expected " << expected.size();
+    }
+    for (size_t i = 0; i < actual.size(); ++i) {
+        if (actual[i] != expected[i]) {
+            return testing::AssertionFailure() << "first difference at offset " << i << ": "
+                                               << int(actual[i]) << ", expected " << int(expected[i]);
+        }
+    }
+    return testing::AssertionSuccess();
+}
+
+class NormaliseTest : public testing::Test {
+protected:
+    void SetUp() override {
+        savedStackPath_ = GetSlotPath(kSlotStack);
+        ASSERT_TRUE(SetSlotPath(kSlotStack, "D:\\Stacks\\x.stk"));
+        ResetWhiteFirstTest();
+    }
+    void TearDown() override {
+        SetGlobalAllocFailAfter(-1);
+        for (MemRef ref : refs_) FreeMemRef(ref);
+        SetSlotPath(kSlotStack, savedStackPath_);
+        ResetWhiteFirstTest();
+    }
+
+    MemRef Make(const Bytes& bytes) {
+        MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
+        EXPECT_NE(ref, 0);
+        {
+            MemRefLock lock(ref);
+            if (!bytes.empty()) std::memcpy(lock.data(), bytes.data(), bytes.size());
+        }
+        refs_.push_back(ref);
+        return ref;
+    }
+    static Bytes Contents(MemRef ref) {
+        MemRefLock lock(ref);
+        return Bytes(lock.data(), lock.data() + GetMemRefSize(ref));
+    }
+    // Normalises a stored card and returns what memory then holds.
+    Bytes ReadCard(const Bytes& stored) {
+        MemRef card = Make(stored);
+        EXPECT_EQ(NormaliseCard(card), 0);
+        return Contents(card);
+    }
+
+private:
+    std::vector<MemRef> refs_;
+    std::string savedStackPath_;
+};
+
+using NormaliseCardTest = NormaliseTest;
+using NormaliseButtonTest = NormaliseTest;
+using NormaliseRecordTest = NormaliseTest;
+using NormaliseMalformedTest = NormaliseTest;
+
+// --- Cards -------------------------------------------------------------------------------------
+
+TEST_F(NormaliseCardTest, AppliesTheHeadTablesOfCardsChunksAndItems) {
+    Bytes group = Card(3, {Item(7, 30)});
+    PutBE16(group, 8, 12);  // ownerId
+    const Conversion imageFields{{}, {28 + 32, 36 + 32}, {}, {}};
+    struct Case {
+        const char* name;
+        Bytes stored;
+        std::vector<std::pair<size_t, std::vector<Conversion>>> behindHead;
+    };
+    const Case cases[] = {
+        {"blank card", Card(0, {}), {}},
+        {"picture card, format 2: the image's two fields too", Card(1, {Background(2, 32, 20)}),
+         {{96, {kBackgroundHead, imageFields}}}},
+        {"picture card, format 1: the image stays as stored", Card(1, {Background(1, 32, 20), Item(7, 30)}),
+         {{96, {kBackgroundHead}}, {96 + 76, {kItemHead}}}},
+        {"group member: items at 96 whatever ownerId says", group, {{96, {kItemHead}}}},
+        {"unknown kind gets the common head and is walked over",
+         Card(0, {Item(7, 30), Graphic({}, 0, false, 0)}), {{96, {kItemHead}}, {126, {kItemHead, kGraphicHead}}}},
+        {"graphic head", Card(0, {Graphic({}, 0, false, 0x11)}), {{96, {kItemHead, kGraphicHead}}}},
+        {"button head", Card(0, {Button({})}), {{96, {kItemHead, kButtonHead}}}},
+        {"text field head and its blocks, chained by their length",
+         Card(0, {TextField({TextBlock(10, 30), TextBlock(2, 20)}, 0x10)}),
+         {{96, {kItemHead, kTextHead}}, {96 + 128, {kTextBlockHead}}, {96 + 158, {kTextBlockHead}}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ResetWhiteFirstTest();
+        Bytes expected = c.stored;
+        Apply(expected, 0, kCardHead);
+        for (const auto& [at, conversions] : c.behindHead) Apply(expected, at, conversions);
+        EXPECT_TRUE(SameBytes(ReadCard(c.stored), expected));
+    }
+}
+
+TEST_F(NormaliseCardTest, WhiteFirstIsDecidedByTheFirstColourTableOnly) {
+    const Bytes white = PictureCard(0xFFFF, 0xFFFF, 0xFFFF);
+    const Bytes black = PictureCard(0, 0, 0);
+    Bytes noTable = Card(1, {Background(2, 0, 16)});
+    struct Case {
+        const char* name;
+        std::vector<Bytes> cards;
+        bool whiteFirst;
+    };
+    const Case cases[] = {
+        {"white entry 0", {white}, true},
+        {"black entry 0", {black}, false},
+        {"blue one short of white", {PictureCard(0xFFFF, 0xFFFF, 0xFFFE)}, false},
+        {"red one short of white", {PictureCard(0xFEFF, 0xFFFF, 0xFFFF)}, false},
+        {"a later white table changes nothing", {black, white}, false},
+        {"a later black table changes nothing", {white, black}, true},
+        {"cards without a table are not the first table", {Card(0, {}), noTable, white}, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ResetWhiteFirstTest();
+        for (const Bytes& card : c.cards) ASSERT_EQ(NormaliseCard(Make(card)), 0);
+        EXPECT_EQ(IsWhiteFirstStack(), c.whiteFirst);
+    }
+
+    // A newly opened stack is examined afresh.
+    ResetWhiteFirstTest();
+    EXPECT_FALSE(IsWhiteFirstStack());
+    ASSERT_EQ(NormaliseCard(Make(black)), 0);
+    ResetWhiteFirstTest();
+    ASSERT_EQ(NormaliseCard(Make(white)), 0);
+    EXPECT_TRUE(IsWhiteFirstStack());
+}
+
+TEST_F(NormaliseCardTest, GraphicPictureSizeComesFromTheRectUnlessOnlyTheHeightIsZero) {
+    struct Case {
+        const char* name;
+        uint16_t width, height;
+        bool padByte;
+        uint16_t expectWidth, expectHeight;
+    };
+    // rect: top 20, left -10, bottom 70, right 90: 100 wide, 50 high
+    const Case cases[] = {
+        {"no stored size", 0, 0, false, 100, 50},
+        {"stored width zero", 0, 40, false, 100, 50},
+        {"stored height alone zero keeps both", 30, 0, false, 30, 0},
+        {"both stored", 30, 40, false, 100, 50},
+        {"pad byte behind the picture", 0, 0, true, 100, 50},
+        {"pad byte, stored height alone zero", 30, 0, true, 30, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Bytes g = Graphic({}, 12, c.padByte, 0);
+        PutBE16(g, 4, 20);
+        PutBE16(g, 6, static_cast<uint16_t>(-10));
+        PutBE16(g, 8, 70);
+        PutBE16(g, 10, 90);
+        PutBE16(g, 80, c.width);
+        PutBE16(g, 82, c.height);
+        const Bytes stored = Card(0, {g, Item(7, 30)});
+        Bytes e = stored;
+        Apply(e, 0, kCardHead);
+        Apply(e, 96, {kItemHead, kGraphicHead});
+        LE16(e, 96 + 80, c.expectWidth);
+        LE16(e, 96 + 82, c.expectHeight);
+        LE32(e, 96 + 84, 0);
+        Apply(e, 96 + g.size(), kItemHead);
+        EXPECT_TRUE(SameBytes(ReadCard(stored), e));
+    }
+}
+
+TEST_F(NormaliseCardTest, GraphicFileReferenceIsConvertedInPlace) {
+    const Bytes native = Of("C:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);
+    struct Case {
+        const char* name;
+        Bytes stored;
+        uint32_t pictureSize;
+        bool padByte;
+        Bytes expected;
+    };
+    const Case cases[] = {
+        {"native form left alone", native, 0, false, native},
+        {"native form left alone, picture behind", native, 8, false, native},
+        {"written here: drive kept, same length", StoredRef("C::Pics:Sun", "Sun"), 0, false, native},
+        {"other platform: stack's drive, two bytes shorter", StoredRef("Disk:Pics:Sun", "Sun"), 0, false,
+         Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s)},
+        {"other platform with a picture and pad byte behind", StoredRef("Disk:Pics:Sun", "Sun"), 8, true,
+         Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s)},
+        {"odd result padded to even", StoredRef("Disk:Pics:Sun", "Suns"), 8, false,
+         Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0\0"s)},
+        {"empty volume: two bytes longer", StoredRef(":Pics:Sun", "Sun"), 0, false,
+         Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Bytes g = Graphic(c.stored, c.pictureSize, c.padByte, 0x40);
+        PutBE16(g, 4, 0);
+        PutBE16(g, 6, 0);
+        PutBE16(g, 8, 50);   // 50 high
+        PutBE16(g, 10, 60);  // 60 wide
+        if (c.pictureSize) {
+            const size_t picture = g.size() - c.pictureSize - (c.padByte ? 1 : 0);
+            PutBE32(g, picture, 0);  // no stored width or height
+        }
+        const Bytes stored = Card(0, {g, Item(7, 30)});
+
+        Bytes eg = g;
+        Apply(eg, 0, {kItemHead, kGraphicHead});
+        if (c.pictureSize) {
+            const size_t picture = eg.size() - c.pictureSize - (c.padByte ? 1 : 0);
+            LE16(eg, picture, 60);
+            LE16(eg, picture + 2, 50);
+            LE32(eg, picture + 4, 0);
+        }
+        eg = Splice(eg, 80, c.stored.size(), c.expected);
+        LE32(eg, 12, static_cast<uint32_t>(eg.size()));
+        EXPECT_TRUE(SameBytes(ReadCard(stored), NativeCard(stored, {eg, NativeItem7()})));
+    }
+}
+
+TEST_F(NormaliseCardTest, TextFieldFileReferenceIsConvertedAndTheLengthsFollow) {
+    // Behind the reference the block keeps the rest of the text record: a style tail of 12 bytes.
+    const Bytes tail = {0, 3, 0, 1, 0, 12, 0x11, 0x11, 0x22, 0x22, 0x33, 0x33};
+    const Bytes native = Of("C:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s);
+    struct Case {
+        const char* name;
+        uint16_t flags;
+        Bytes stored;
+        Bytes expected;
+    };
+    const Case cases[] = {
+        {"native form left alone", 0x40, native, native},
+        {"written here: drive kept", 0x40, StoredRef("C::Notes:Read Me", "Read Me"), native},
+        {"other platform: stack's drive", 0x40, StoredRef("Disk:Notes:Read Me", "Read Me"),
+         Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s)},
+        {"odd result padded to even", 0x40, StoredRef("Disk:Notes:Read Me", "ReadMe"),
+         Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0ReadMe\0\0"s)},
+        {"without bit 6 the block is text", 0, Of("Disk:Pics:Sun"), Of("Disk:Pics:Sun")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Bytes block = Cat({Bytes(16), c.stored, tail});
+        Pattern(block, 7);
+        std::copy(c.stored.begin(), c.stored.end(), block.begin() + 16);
+        std::copy(tail.begin(), tail.end(), block.end() - 12);
+        PutBE32(block, 8, static_cast<uint32_t>(c.stored.size()));
+        PutBE32(block, 12, static_cast<uint32_t>(block.size()));
+        const Bytes text = TextField({block}, c.flags);
+        const Bytes stored = Card(0, {text, Item(7, 30)});
+
+        Bytes et = text;
+        Apply(et, 0, {kItemHead, kTextHead});
+        Apply(et, 128, kTextBlockHead);
+        et = Splice(et, 144, c.stored.size(), c.expected);
+        LE32(et, 128 + 8, static_cast<uint32_t>(c.expected.size()));
+        LE32(et, 128 + 12, static_cast<uint32_t>(16 + c.expected.size() + 12));
+        LE32(et, 12, static_cast<uint32_t>(et.size()));
+        EXPECT_TRUE(SameBytes(ReadCard(stored), NativeCard(stored, {et, NativeItem7()})));
+    }
+}
+
+// --- Buttons and their sub-records -------------------------------------------------------------
+
+TEST_F(NormaliseButtonTest, EachSubRecordTypeGetsItsReaderRule) {
+    Bytes launchEmpty = Sub(59, 32);
+    PutBE32(launchEmpty, 18, 0);
+    Bytes film = Sub(56, 32 + 24);
+    std::memcpy(film.data() + 32, "Sprt", 4);
+    Bytes animation = Sub(56, 32 + 18 + 20 + 24);
+    PutBE16(animation, 40, 2);  // frame count
+    PutBE32(animation, 50 + 8, 20);
+    PutBE32(animation, 70 + 8, 24);
+    Bytes stillAnimation = Sub(56, 32 + 18 + 6);
+    PutBE16(stillAnimation, 40, 0);
+
+    struct Case {
+        const char* name;
+        Bytes sub;
+        Conversion rule;
+    };
+    const std::vector<uint32_t> animationHead = {22, 32, 34, 36, 38, 40, 42, 44};
+    const Case cases[] = {
+        {"51 NBA", Sub(51, 40), {{22, 16}, {}, {}, {}}},
+        {"56 sprite film: body kept", film, {{22}, {}, {4}, {}}},
+        {"56 body too short for an animation head", Sub(56, 32 + 8), {{22}, {}, {4}, {}}},
+        {"56 frame-delta animation: head words and each frame's tag and size", animation,
+         {{22, 32, 34, 36, 38, 40, 42, 44, 50, 70}, {58, 78}, {4}, {}}},
+        {"56 frame-delta animation without frames", stillAnimation, {animationHead, {}, {4}, {}}},
+        {"59 launch without paths", launchEmpty, {{22, 16}, {18}, {}, {}}},
+        {"60 other stack without a path: nothing", Sub(60, 32), {}},
+        {"64 Logo", Sub(64, 48), kSub64},
+        {"82 sound file without a path", Sub(82, 32), {{22, 24, 4}, {}, {}, {}}},
+        {"83 stack sound", Sub(83, 32), {{22, 24, 4, 16}, {}, {}, {}}},
+        {"89 movie without a path", Sub(89, 32), {{22, 2, 20}, {16}, {4}, {}}},
+        {"119 laser disc", Sub(119, 96), {{22, 18, 20, 24}, {}, {4}, {}}},
+        {"129: nothing", Sub(129, 40), {}},
+        {"130 icon sizes, two words cleared", Sub(130, 40), {{22, 32, 34}, {}, {}, {36, 38}}},
+        {"foreign type walked over", Sub(77, 44), {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes button = Button({c.sub, Sub(64, 32)});
+        const Bytes stored = Card(0, {button});
+        Bytes e = stored;
+        Apply(e, 0, kCardHead);
+        Apply(e, 96, {kItemHead, kButtonHead});
+        Apply(e, 96 + 136, {kSubWalk, c.rule});
+        Apply(e, 96 + 136 + c.sub.size(), {kSubWalk, kSub64});
+        EXPECT_TRUE(SameBytes(ReadCard(stored), e));
+    }
+}
+
+TEST_F(NormaliseButtonTest, PathSubRecordsTakeTheConvertedReference) {
+    const Bytes sun = StoredRef("Disk:Pics:Sun", "Sun");          // 24 bytes
+    const Bytes sunNative = Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);  // 22
+    const Bytes suns = StoredRef("Disk:Pics:Sun", "Suns");        // 25
+    const Bytes sunsNative = Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0"s);  // 23
+    const Bytes paint = StoredRef("Disk:Apps:Paint", "Paint");    // 28
+    const Bytes paintNative = Of("D:\\Apps\\Paint\0\0\0\0\0\0\0Paint\0"s);  // 26
+    const Bytes bells = StoredRef("C::Sounds:bells.wav", "bells.wav");  // 36
+    const Bytes bellsNative = Of("C:\\Sounds\\bells.wav\0\0\0\0\0\0\0bells.wav\0"s);
+
+    struct Case {
+        const char* name;
+        uint16_t type;
+        Bytes body;
+        uint32_t documentLength;  // type 59
+        Conversion rule;
+        Bytes expectedBody;
+        bool oddRounded;
+        uint32_t expectedDocumentLength;
+    };
+    const Conversion none{};
+    const Conversion launch{{22, 16}, {18}, {}, {}};
+    const Conversion soundFile{{22, 24, 4}, {}, {}, {}};
+    const Conversion movie{{22, 2, 20}, {16}, {4}, {}};
+    const Case cases[] = {
+        {"60 other platform", 60, sun, 0, none, sunNative, false, 0},
+        {"60 odd result rounded, flags 0x200", 60, suns, 0, none, Cat({sunsNative, {0}}), true, 0},
+        {"82 written here keeps its length", 82, bells, 0, soundFile, bellsNative, false, 0},
+        {"82 stored pad byte dropped", 82, Cat({sun, {0}}), 0, soundFile, sunNative, false, 0},
+        {"89 other platform", 89, sun, 0, movie, sunNative, false, 0},
+        {"59 document only", 59, sun, 24, launch, sunNative, false, 22},
+        {"59 document and program", 59, Cat({sun, paint}), 24, launch, Cat({sunNative, paintNative}), false,
+         22},
+        {"59 program only", 59, paint, 0, launch, paintNative, false, 0},
+        {"59 odd document with its pad byte", 59, Cat({suns, {0}}), 25, launch, Cat({sunsNative, {0}}), true,
+         23},
+        {"59 odd document and program rounded together", 59, Cat({suns, paint}), 25, launch,
+         Cat({sunsNative, paintNative, {0}}), true, 23},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Bytes sub = SubWithBody(c.type, c.body, c.oddRounded ? 0 : 0x0104);
+        if (c.type == 59) PutBE32(sub, 18, c.documentLength);
+        const Bytes stored = Card(0, {Button({sub, Sub(64, 32)})});
+
+        Bytes es = sub;
+        Apply(es, 0, {kSubWalk, c.rule});
+        es = Splice(es, 32, c.body.size(), c.expectedBody);
+        LE32(es, 12, static_cast<uint32_t>(es.size()));
+        if (c.oddRounded) LE16(es, 22, 0x200);
+        if (c.type == 59) LE32(es, 18, c.expectedDocumentLength);
+        Bytes tailSub = Sub(64, 32);
+        Apply(tailSub, 0, {kSubWalk, kSub64});
+        Bytes eb = Cat({Bytes(stored.begin() + 96, stored.begin() + 96 + 136), es, tailSub});
+        Apply(eb, 0, {kItemHead, kButtonHead});
+        LE32(eb, 12, static_cast<uint32_t>(eb.size()));
+        EXPECT_TRUE(SameBytes(ReadCard(stored), NativeCard(stored, {eb})));
+    }
+}
+
+TEST_F(NormaliseButtonTest, GrowthOfItsSubRecordsGoesIntoTheButtonLength) {
+    // ":Pics:Sun" has an empty volume: each reference comes out two bytes longer.
+    const Bytes ref = StoredRef(":Pics:Sun", "Sun");
+    Bytes launch = SubWithBody(59, Cat({ref, ref}), 0);
+    PutBE32(launch, 18, static_cast<uint32_t>(ref.size()));
+    const Bytes button =
+        Button({SubWithBody(60, ref, 0), SubWithBody(82, ref, 0), SubWithBody(89, ref, 0), launch});
+    Bytes graphic = Graphic({}, 0, false, 0);
+    PutBE16(graphic, 4, 7);   // top
+    PutBE16(graphic, 6, 11);  // left
+    const Bytes stored = Card(0, {button, graphic});
+
+    const Bytes card = ReadCard(stored);
+    ASSERT_EQ(card.size(), stored.size() + 10);
+    EXPECT_EQ(GetLE32(card, 96 + 12), button.size() + 10);
+    const size_t next = 96 + button.size() + 10;
+    EXPECT_EQ(GetLE16(card, next), 16);
+    EXPECT_EQ(GetLE16(card, next + 4), 11);  // native left first
+    EXPECT_EQ(GetLE16(card, next + 6), 7);
+    EXPECT_EQ(GetLE32(card, next + 12), 80u);
+    EXPECT_TRUE(SameBytes(Bytes(card.end() - 4, card.end()), Bytes(std::begin(kEndMark), std::end(kEndMark))));
+}
+
+// --- Typed records -----------------------------------------------------------------------------
+
+TEST_F(NormaliseRecordTest, ActnIsAButtonWithItsCommonHeadAtZero) {
+    const Bytes ref = StoredRef(":Pics:Sun", "Sun");
+    struct Case {
+        const char* name;
+        Bytes sub;
+        Bytes expectedSub;
+    };
+    Bytes sound = Sub(83, 32);
+    Bytes soundNative = sound;
+    Apply(soundNative, 0, {kSubWalk, Conversion{{22, 24, 4, 16}, {}, {}, {}}});
+    Bytes stack = SubWithBody(60, ref, 0);
+    Bytes stackNative = Splice(stack, 32, ref.size(), Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s));
+    Apply(stackNative, 0, kSubWalk);
+    LE32(stackNative, 12, 32 + 22);
+    const Case cases[] = {
+        {"stack sound", sound, soundNative},
+        {"other stack whose path grows by two", stack, stackNative},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes stored = Button({c.sub});
+        MemRef record = Make(stored);
+        ASSERT_EQ(NormaliseActn(record), 0);
+        Bytes head(stored.begin(), stored.begin() + 136);
+        Apply(head, 0, {kItemHead, kButtonHead});
+        LE32(head, 12, static_cast<uint32_t>(136 + c.expectedSub.size()));
+        EXPECT_TRUE(SameBytes(Contents(record), Cat({head, c.expectedSub})));
+    }
+}
+
+TEST_F(NormaliseRecordTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
+    struct Case {
+        const char* name;
+        uint16_t padLength;
+        std::string text;
+        bool withAction;
+    };
+    const Case cases[] = {
+        {"text and pad, no action", 3, "hello", false},
+        {"empty text", 0, "", false},
+        {"action right behind the text", 0, "go", true},
+        {"action behind a pad, path growing", 2, "hello", true},
+    };
+    const Bytes ref = StoredRef(":Pics:Sun", "Sun");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const size_t n = c.text.size();
+        const size_t action = 24 + c.padLength + n;
+        Bytes head(action);
+        PutBE16(head, 0, 0x0102);
+        PutBE16(head, 2, 0x0304);
+        PutBE16(head, 4, c.padLength);
+        PutBE16(head, 6, static_cast<uint16_t>(n));
+        head[8] = c.withAction ? 1 : 0;
+        std::copy(c.text.begin(), c.text.end(), head.begin() + 23);
+        for (size_t i = 23 + n; i < action; ++i) head[i] = static_cast<uint8_t>(0xA0 + i);
+        const Bytes actn = c.padLength ? Button({SubWithBody(60, ref, 0)}) : Button({Sub(83, 32)});
+        const Bytes stored = c.withAction ? Cat({head, actn}) : head;
+        MemRef record = Make(stored);
+        ASSERT_EQ(NormaliseHlnk(record), 0);
+        const Bytes memory = Contents(record);
+
+        Bytes expected = head;
+        LE16(expected, 0, 0x0102);
+        LE16(expected, 2, 0x0304);
+        LE16(expected, 4, c.padLength);
+        LE16(expected, 6, static_cast<uint16_t>(n));
+        expected[23] = head[23 + n];
+        std::copy(c.text.begin(), c.text.end(), expected.begin() + 24);
+        if (c.withAction) {
+            MemRef alone = Make(actn);
+            ASSERT_EQ(NormaliseActn(alone), 0);
+            expected = Cat({expected, Contents(alone)});
+        }
+        EXPECT_TRUE(SameBytes(memory, expected));
+
+        // The writer's undo: the byte kept at 23 goes back behind the text moved down.
+        Bytes written(memory.begin(), memory.begin() + static_cast<std::ptrdiff_t>(action));
+        const uint8_t kept = written[23];
+        std::memmove(written.data() + 23, written.data() + 24, n);
+        written[23 + n] = kept;
+        for (size_t at : {0, 2, 4, 6}) std::swap(written[at], written[at + 1]);
+        EXPECT_TRUE(SameBytes(written, head));
+    }
+}
+
+// --- Damaged records ---------------------------------------------------------------------------
+
+TEST_F(NormaliseMalformedTest, DamagedRecordsGiveMinusOneAndStayInside) {
+    enum class As { Card, Actn, Hlnk };
+    struct Case {
+        const char* name;
+        As as;
+        Bytes bytes;
+    };
+    const Bytes sun = StoredRef("Disk:Pics:Sun", "Sun");
+    auto cardWith = [](Bytes item) { return Card(0, {std::move(item)}); };
+    auto with16 = [](Bytes b, size_t at, uint16_t v) {
+        PutBE16(b, at, v);
+        return b;
+    };
+    auto with32 = [](Bytes b, size_t at, uint32_t v) {
+        PutBE32(b, at, v);
+        return b;
+    };
+    auto cut = [](Bytes b, size_t size) {
+        b.resize(size);
+        return b;
+    };
+    Bytes lyingRef = sun;
+    lyingRef[0] = 60;
+    Bytes animation = Sub(56, 32 + 18 + 20);
+    PutBE16(animation, 40, 1);
+    PutBE32(animation, 58, 20);
+    // A block that holds only the path of its 24-byte reference: the six zero bytes behind the
+    // field would pass for the end of the chain if the reference were taken whole.
+    Bytes refBlock = Cat({TextBlock(24, 16), Bytes(sun.begin(), sun.begin() + 14)});
+    PutBE32(refBlock, 12, 30);
+    const Bytes shortBlockRef = Card(0, {TextField({refBlock}, 0x40), Bytes(sun.begin() + 14, sun.end())});
+    Bytes hlnk(28);  // four bytes of text at 23, so an action would stand at 28
+    PutBE16(hlnk, 6, 4);
+    Bytes hlnkAction = Cat({hlnk, Button({Sub(83, 32)})});
+    hlnkAction[8] = 1;
+
+    const Case cases[] = {
+        {"card shorter than its head", As::Card, cut(Card(0, {}), 60)},
+        {"no room for the background head", As::Card, cut(Card(1, {}), 100)},
+        {"background length below its head", As::Card, with32(Card(1, {Background(1, 0, 8)}), 96 + 12, 10)},
+        {"background length of zero", As::Card, with32(Card(1, {Background(1, 0, 8)}), 96 + 12, 0)},
+        {"background past the card", As::Card, with32(Card(1, {Background(1, 0, 8)}), 96 + 12, 400)},
+        {"colour table past the chunk", As::Card, with32(Card(1, {Background(1, 16, 8)}), 96 + 16, 100)},
+        {"colour table without its first entry", As::Card, with32(Card(1, {Background(1, 16, 8)}), 96 + 16, 8)},
+        {"format 2 without room for the image fields", As::Card, Card(1, {Background(2, 16, 8)})},
+        {"no end mark", As::Card, cut(Card(0, {Item(7, 30)}), 96 + 30)},
+        {"no end mark behind the background", As::Card, cut(Card(1, {Background(1, 0, 8)}), 96 + 32)},
+        {"item length of zero", As::Card, cardWith(with32(Item(7, 30), 12, 0))},
+        {"item length below its head", As::Card, cardWith(with32(Item(7, 30), 12, 20))},
+        {"item past the card", As::Card, cardWith(with32(Item(7, 30), 12, 300))},
+        {"item head cut by the card's end", As::Card, cut(Card(0, {Item(7, 30)}), 106)},
+        {"graphic shorter than its head", As::Card, cardWith(Item(16, 40))},
+        {"picture larger than the chunk", As::Card, cardWith(with32(Graphic({}, 8, false, 0), 60, 9))},
+        {"picture size that wraps", As::Card, cardWith(with32(Graphic({}, 8, true, 0), 60, 0xFFFFFFFF))},
+        {"picture too small for its size words", As::Card, cardWith(Graphic({}, 4, false, 0))},
+        {"pad byte with no room", As::Card, cardWith(Graphic({}, 0, false, 0x240))},
+        {"picture and pad byte larger than the chunk", As::Card, cardWith(Graphic({}, 8, false, 0x200))},
+        {"reference path longer than its bytes", As::Card, cardWith(Graphic(lyingRef, 0, false, 0x40))},
+        {"reference cut before its name", As::Card, cardWith(Graphic(cut(sun, 20), 0, false, 0x40))},
+        {"button shorter than its head", As::Card, cardWith(Item(48, 100))},
+        {"sub-record length of zero", As::Card, cardWith(Button({with32(Sub(51, 40), 12, 0)}))},
+        {"sub-record length below its head", As::Card, cardWith(Button({with32(Sub(51, 40), 12, 20)}))},
+        {"sub-record past the button", As::Card, Card(0, {Button({with32(Sub(51, 40), 12, 48)}), Item(7, 30)})},
+        {"bytes left over too few for a sub-record", As::Card, cardWith(Button({Sub(51, 40), Bytes(10)}))},
+        {"icon sub-record without its sizes", As::Card, cardWith(Button({Sub(130, 32)}))},
+        {"laser disc sub-record without its head", As::Card, cardWith(Button({Sub(119, 40)}))},
+        {"animation frame of size zero", As::Card, cardWith(Button({with32(animation, 58, 0)}))},
+        {"animation frames past the sub-record", As::Card, cardWith(Button({with16(animation, 40, 3)}))},
+        {"launch document longer than the body", As::Card,
+         cardWith(Button({with32(SubWithBody(59, sun, 0), 18, 25)}))},
+        {"path longer than its sub-record", As::Card, cardWith(Button({SubWithBody(60, lyingRef, 0)}))},
+        {"text field shorter than its head", As::Card, cardWith(Item(96, 100))},
+        {"text block length of zero", As::Card, cardWith(TextField({with32(TextBlock(4, 30), 12, 0)}, 0))},
+        {"text block past the field", As::Card, cardWith(TextField({with32(TextBlock(4, 30), 12, 31)}, 0))},
+        {"text block remainder below a block head, at the card's end", As::Card,
+         cut(cardWith(TextField({TextBlock(4, 30), Bytes(8)}, 0)), 96 + 128 + 38)},
+        {"text reference longer than its block", As::Card, shortBlockRef},
+        {"Actn shorter than a button head", As::Actn, cut(Button({}), 100)},
+        {"Actn length past the record", As::Actn, with32(Button({Sub(83, 32)}), 12, 400)},
+        {"Hlnk shorter than its head", As::Hlnk, Bytes(20)},
+        {"Hlnk text past the record", As::Hlnk, with16(hlnk, 6, 17)},
+        {"Hlnk action past the record", As::Hlnk, with16(hlnkAction, 4, 100)},
+        {"Hlnk action with a sub-record of length zero", As::Hlnk,
+         with32(hlnkAction, 28 + 136 + 12, 0)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ResetWhiteFirstTest();
+        MemRef ref = Make(c.bytes);
+        const int32_t result = c.as == As::Card ? NormaliseCard(ref)
+                               : c.as == As::Actn ? NormaliseActn(ref)
+                                                  : NormaliseHlnk(ref);
+        EXPECT_EQ(result, -1);
+    }
+}
+
+TEST_F(NormaliseMalformedTest, ARefusedConversionGivesMinusOneAndKeepsTheCardsSize) {
+    const Bytes stored = Card(0, {Graphic(StoredRef("Disk:Pics:Sun", "Sun"), 0, false, 0x40)});
+    MemRef card = Make(stored);
+    SetGlobalAllocFailAfter(0);
+    EXPECT_EQ(NormaliseCard(card), -1);
+    SetGlobalAllocFailAfter(-1);
+    EXPECT_EQ(GetMemRefSize(card), stored.size());
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "memory/MemRef.h"
+#include "stack/Normalise.h"
+#include "stack/PathSlot.h"
+
+namespace {
+
+using namespace std::string_literals;
+using Bytes = std::vector<uint8_t>;
+
+// A stored reference: length-prefixed path, pad if needed, six zero bytes, length-prefixed name.
+Bytes Stored(const std::string& path, const std::string& name) {
+    Bytes b{static_cast<uint8_t>(path.size())};
+    b.insert(b.end(), path.begin(), path.end());
+    if (b.size() & 1) b.push_back(0);
+    b.insert(b.end(), 6, 0);
+    b.push_back(static_cast<uint8_t>(name.size()));
+    b.insert(b.end(), name.begin(), name.end());
+    return b;
+}
+
+Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
+
+class StoredPathTest : public testing::Test {
+protected:
+    void SetUp() override {
+        savedStackPath_ = GetSlotPath(kSlotStack);
+        ASSERT_TRUE(SetSlotPath(kSlotStack, "D:\\Stacks\\x.stk"));
+    }
+    void TearDown() override { SetSlotPath(kSlotStack, savedStackPath_); }
+    std::string savedStackPath_;
+
+    // The converted bytes, or nothing when the conversion refused the reference.
+    static bool Convert(const Bytes& source, uint32_t available, bool pad, Bytes* out, bool* odd) {
+        MemRef ref = ConvertStoredPath(source.data(), available, odd, pad);
+        if (!ref) return false;
+        {
+            MemRefLock lock(ref);
+            out->assign(lock.data(), lock.data() + GetMemRefSize(ref));
+        }
+        FreeMemRef(ref);
+        return true;
+    }
+};
+
+TEST_F(StoredPathTest, ConvertsStoredReferencesToTheNativeForm) {
+    const std::string longPath(255, 'f');
+    const std::string longName(255, 'n');
+    struct Case {
+        const char* name;
+        Bytes stored;
+        bool pad;
+        std::string native;
+        bool odd;
+    };
+    const Case cases[] = {
+        {"other platform: volume gives way to the stack's drive", Stored("Disk:Pics:Sun", "Sun"), true,
+         "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
+        {"written here: the drive stays, the stack's drive is not used",
+         Stored("C::Stacks:art.bmp", "art.bmp"), true, "C:\\Stacks\\art.bmp\0\0\0\0\0\0\0art.bmp\0"s, false},
+        {"odd path with terminator gets a pad byte", Stored("Disk:Pic:Sun", "Sun"), true,
+         "D:\\Pic\\Sun\0\0\0\0\0\0\0\0Sun\0"s, false},
+        {"the name is found behind the stored pad, not the native one", Stored("Mac:Pics:Sun", "Sun"), true,
+         "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
+        {"odd total rounded up with padding", Stored("Disk:Pics:Sun", "Suns"), true,
+         "D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0\0"s, true},
+        {"odd total left odd without padding", Stored("Disk:Pics:Sun", "Suns"), false,
+         "D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0"s, true},
+        {"empty volume", Stored(":Pics:Sun", "Sun"), true, "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
+        {"folder path keeps its last separator", Stored("Disk:Pics:", "x"), true,
+         "D:\\Pics\\\0\0\0\0\0\0\0\0x\0"s, false},
+        {"bare name without a volume", Stored("Sun", "Sun"), true, "D:\\Sun\0\0\0\0\0\0\0\0Sun\0"s, false},
+        {"the name is copied as it stands", Stored("C::a", "b:c"), true, "C:\\a\0\0\0\0\0\0\0\0b:c\0"s, false},
+        {"empty path stays empty", Stored("", "x"), true, "\0\0\0\0\0\0\0\0x\0"s, false},
+        {"longer than the 500-byte start", Stored(longPath, longName), true,
+         "D:\\" + longPath + "\0\0"s + std::string(6, '\0') + longName + "\0"s, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Bytes out;
+        bool odd = !c.odd;
+        ASSERT_TRUE(Convert(c.stored, static_cast<uint32_t>(c.stored.size()), c.pad, &out, &odd));
+        EXPECT_EQ(out, Of(c.native));
+        EXPECT_EQ(odd, c.odd);
+    }
+}
+
+TEST_F(StoredPathTest, TakesTheDriveOfTheCurrentStack) {
+    ASSERT_TRUE(SetSlotPath(kSlotStack, "E:\\x.stk"));
+    Bytes out;
+    bool odd = false;
+    const Bytes stored = Stored("Disk:Pics:Sun", "Sun");
+    ASSERT_TRUE(Convert(stored, static_cast<uint32_t>(stored.size()), true, &out, &odd));
+    EXPECT_EQ(out, Of("E:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s));
+}
+
+TEST_F(StoredPathTest, RefusesAReferenceThatDoesNotFit) {
+    const Bytes whole = Stored("Disk:Pics:Sun", "Sun");  // 24 bytes: 14 of path, 6, 4 of name
+    Bytes lying = whole;
+    lying[0] = 40;  // a path longer than the bytes there are
+    Bytes lyingName = whole;
+    lyingName[20] = 200;
+    struct Case {
+        const char* name;
+        const Bytes* source;
+        uint32_t available;
+        bool fits;
+    };
+    const Case cases[] = {
+        {"nothing there", &whole, 0, false},
+        {"path cut short", &whole, 10, false},
+        {"six-byte gap cut short", &whole, 18, false},
+        {"no room for the name's length", &whole, 20, false},
+        {"name cut short by one", &whole, 23, false},
+        {"exactly the reference", &whole, 24, true},
+        {"path length beyond the reference", &lying, 24, false},
+        {"name length beyond the reference", &lyingName, 24, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Bytes out;
+        bool odd = false;
+        EXPECT_EQ(Convert(*c.source, c.available, true, &out, &odd), c.fits);
+    }
+}
+
+TEST_F(StoredPathTest, IgnoresBytesBehindTheReference) {
+    Bytes stored = Stored("Disk:Pics:Sun", "Sun");
+    stored.insert(stored.end(), {'x', 'y', 'z'});
+    Bytes out;
+    bool odd = true;
+    ASSERT_TRUE(Convert(stored, static_cast<uint32_t>(stored.size()), true, &out, &odd));
+    EXPECT_EQ(out, Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s));
+    EXPECT_FALSE(odd);
+}
+
+}  // namespace
