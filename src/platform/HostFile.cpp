@@ -136,3 +136,15 @@ std::string HostTempFolder() {
     const char* dir = std::getenv("TMPDIR");
     return dir && *dir ? dir : "/tmp";
 }
+
+std::string HostProgramFile() {
+    char path[4096];
+    const ssize_t n = ::readlink("/proc/self/exe", path, sizeof(path) - 1);
+    if (n <= 0) return "/quillbrook";
+    return std::string(path, static_cast<size_t>(n));
+}
+
+std::string HostProgramFolder() {
+    const std::string file = HostProgramFile();
+    return FolderOf(file);
+}

@@ -46,3 +46,8 @@ struct FileFaults {
 };
 FileFaults& GetFileFaults();
 void ResetFileFaults();
+
+// The folder of the program's own files (preferences, media folders, NBAs), as a host path.
+std::string HostProgramFolder();
+// The program's own file, as a host path.
+std::string HostProgramFile();

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/HostFile.h"
+#include "stack/BlobStore.h"
 #include "stack/ByteOrder.h"
 #include "stack/Names.h"
 #include "stack/Normalise.h"
@@ -10,49 +11,8 @@
 
 namespace {
 
-// Table row in memory, 56 bytes, native order.
-inline constexpr uint32_t kRowSize = 56;
-inline constexpr uint32_t kRowType = 0;
-inline constexpr uint32_t kRowId = 4;
-inline constexpr uint32_t kRowReserved = 6;
-inline constexpr uint32_t kRowName = 8;
-inline constexpr uint32_t kRowFlags = 40;
-inline constexpr uint32_t kRowDataSize = 44;
-inline constexpr uint32_t kRowHandle = 48;
-inline constexpr uint32_t kRowPosition = 52;
-static_assert(kRowPosition + 4 == kRowSize);
-
-struct BlobStore {
-    uint32_t ref = 0;
-    uint32_t flags = 0;
-    uint32_t areaOffset = 0;
-    uint32_t count = 0;
-    uint16_t nextId = 0;
-    uint32_t countPosition = 0;
-    uint32_t idPosition = 0;
-    MemRef table = 0;
-    BlobStore* next = nullptr;
-    std::string hostPath;
-};
-
-struct StoreState {
-    BlobStore* head = nullptr;
-    BlobStore* current = nullptr;
-    uint32_t nextRef = 1;
-    bool loading = true;
-};
 StoreState gStores;
 
-BlobStore* FindStore(uint32_t ref) {
-    for (BlobStore* s = gStores.head; s; s = s->next) {
-        if (s->ref == ref) return s;
-    }
-    return nullptr;
-}
-
-uint8_t* Row(uint8_t* table, uint32_t index) { return table + index * kRowSize; }
-
-bool IsDeleted(const uint8_t* row) { return (Read32(row + kRowFlags) & kBlobDeleted) != 0; }
 
 // Reads one record's data and normalises it by type. 0 if the read or the record fails.
 MemRef ReadRecord(const BlobStore& store, const uint8_t* row) {
@@ -135,7 +95,7 @@ void FreeStore(BlobStore* store) {
         }
     }
     if (store->table) FreeMemRef(store->table);
-    if (store->flags & 1) DeleteHostFile(store->hostPath);
+    if (store->flags & kStoreInScratchFile) DeleteHostFile(store->hostPath);
     delete store;
 }
 
@@ -189,6 +149,25 @@ bool ReadTable(HostFile* file, BlobStore& store, uint64_t* faultOffset) {
 
 }  // namespace
 
+StoreState& BlobStores() { return gStores; }
+
+BlobStore* FindStore(uint32_t ref) {
+    for (BlobStore* s = gStores.head; s; s = s->next) {
+        if (s->ref == ref) return s;
+    }
+    return nullptr;
+}
+
+bool IsDeleted(const uint8_t* row) { return (Read32(row + kRowFlags) & kBlobDeleted) != 0; }
+
+uint32_t LinkStore(BlobStore* store) {
+    store->ref = gStores.nextRef++;
+    store->next = gStores.head;
+    gStores.head = store;
+    gStores.current = store;
+    return store->ref;
+}
+
 std::string FourCCText(uint32_t type) {
     std::string text(4, ' ');
     for (int i = 0; i < 4; ++i) text[i] = static_cast<char>(type >> (24 - 8 * i));
@@ -197,11 +176,16 @@ std::string FourCCText(uint32_t type) {
 
 uint32_t OpenBlobStore(int slot, uint32_t areaOffset, uint32_t countPosition, uint32_t idPosition,
                        uint64_t* faultOffset) {
+    return OpenBlobStoreAt(SlotHostPath(slot), areaOffset, countPosition, idPosition, faultOffset);
+}
+
+uint32_t OpenBlobStoreAt(const std::string& hostPath, uint32_t areaOffset, uint32_t countPosition,
+                         uint32_t idPosition, uint64_t* faultOffset) {
     uint64_t ignored = 0;
     if (!faultOffset) faultOffset = &ignored;
     *faultOffset = areaOffset;
     auto* store = new BlobStore;
-    store->hostPath = SlotHostPath(slot);
+    store->hostPath = hostPath;
     store->areaOffset = areaOffset;
     store->countPosition = countPosition;
     store->idPosition = idPosition;
@@ -217,11 +201,27 @@ uint32_t OpenBlobStore(int slot, uint32_t areaOffset, uint32_t countPosition, ui
         delete store;
         return 0;
     }
-    store->ref = gStores.nextRef++;
-    store->next = gStores.head;
-    gStores.head = store;
-    gStores.current = store;
-    return store->ref;
+    return LinkStore(store);
+}
+
+bool IsScratchStore(uint32_t ref) {
+    const BlobStore* store = FindStore(ref);
+    return store && (store->flags & kStoreInScratchFile);
+}
+
+std::string BlobStorePath(uint32_t ref) {
+    const BlobStore* store = FindStore(ref);
+    return store ? store->hostPath : "";
+}
+
+uint32_t BlobAreaOffset(uint32_t ref) {
+    const BlobStore* store = FindStore(ref);
+    return store ? store->areaOffset : 0;
+}
+
+uint16_t BlobNextId(uint32_t ref) {
+    const BlobStore* store = FindStore(ref);
+    return store ? store->nextId : 0;
 }
 
 void CloseBlobStore(uint32_t ref) {

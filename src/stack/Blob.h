@@ -7,6 +7,9 @@
 #include <string>
 
 #include "memory/MemRef.h"
+#include "stack/StagingBuffer.h"
+
+struct HostFile;
 
 // Four-character codes, first character in the high byte: FourCC("Actn").
 constexpr uint32_t FourCC(const char (&code)[5]) {
@@ -47,6 +50,18 @@ struct BlobEntryInfo {
 // that leaves the file (a damaged stack) `*faultOffset`, if given, says where.
 uint32_t OpenBlobStore(int slot, uint32_t areaOffset, uint32_t countPosition, uint32_t idPosition,
                        uint64_t* faultOffset = nullptr);
+// The same on a file named by its host path.
+uint32_t OpenBlobStoreAt(const std::string& hostPath, uint32_t areaOffset, uint32_t countPosition,
+                         uint32_t idPosition, uint64_t* faultOffset = nullptr);
+// A store in a scratch file of its own at `hostPath` (deleted when the store closes), for a new,
+// unsaved stack: a header with blobOffset 128, blobCount 0, nextBlobId 1, and no records.
+uint32_t NewScratchStore(const std::string& hostPath);
+// The blobOffset in the header of the stack file at `hostPath`, or 0.
+uint32_t GetBlobOffset(const std::string& hostPath);
+bool IsScratchStore(uint32_t ref);
+std::string BlobStorePath(uint32_t ref);
+uint32_t BlobAreaOffset(uint32_t ref);
+uint16_t BlobNextId(uint32_t ref);
 void CloseBlobStore(uint32_t ref);
 void CloseAllBlobStores();
 uint32_t CurrentBlobStore();
@@ -64,6 +79,19 @@ uint32_t GetBlobSize(uint32_t ref, uint32_t type, uint16_t id);
 int16_t GetBlobPosition(uint32_t ref, uint32_t type, uint16_t id);
 uint32_t CountBlobs(uint32_t type);
 uint32_t TotalBlobBytes(uint32_t ref);
+
+// Adds a record at the end of the file at once; `*id` of 0 takes a new id and gives it back.
+// `name` is length-prefixed or null. 0, 16 (no store, no data, type 0) or the file layer's error.
+int32_t AddBlob(MemRef data, uint32_t flags, uint32_t type, uint16_t* id, const uint8_t* name);
+// Frees the cached data and marks the record deleted, in memory and in the file.
+int32_t DeleteBlob(uint32_t type, uint16_t id);
+uint16_t NewBlobId(uint32_t ref);
+// For a save: compacts the live records to `newOffset` in the store's own file (down, or up from
+// the last), drops deleted rows and writes the new count.
+int32_t MoveBlobArea(uint32_t ref, uint32_t newOffset, StagingBuffer& buffer);
+// For a save to another file: copies every entry, deleted ones too, to `offset` of `destination`.
+int32_t CopyBlobArea(uint32_t ref, HostFile* source, HostFile* destination, uint32_t offset,
+                     StagingBuffer& buffer);
 
 // The whole table, deleted entries included, for listing a stack's records.
 uint32_t CountBlobEntries(uint32_t ref);

@@ -36,5 +36,12 @@ void CloseStack() {
     if (gDocument.cardList) FreeMemRef(gDocument.cardList);
     if (gDocument.stackHeader) FreeMemRef(gDocument.stackHeader);
     if (gDocument.storeRef) CloseBlobStore(gDocument.storeRef);
-    gDocument = Document{};
+    gDocument.cardList = 0;
+    gDocument.stackHeader = 0;
+    gDocument.storeRef = 0;
+    gDocument.hasFile = false;
+    gDocument.convertedFlags = 0;
+    gDocument.dirty = false;
+    gDocument.currentCard = 0;
+    gDocument.currentCardId = 0;
 }

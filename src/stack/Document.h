@@ -2,20 +2,40 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "memory/MemRef.h"
 
+inline constexpr uint32_t kConvertedVersion = 1;  // the version was raised at load
+inline constexpr uint32_t kConvertedDepth = 2;    // the colour depth changed at load
+
 struct Document {
-    MemRef stackHeader = 0;  // native StackHeader, 128 bytes
+    MemRef stackHeader = 0;  // native StackHeader, 128 bytes; always one while the program runs
     MemRef cardList = 0;     // 16-byte rows in card order; the first word is the card's MemRef
     uint32_t storeRef = 0;
-    bool hasFile = false;
+    bool hasFile = false;    // read from or saved to a file
     uint32_t convertedFlags = 0;
     bool dirty = false;
+    std::string stackName;   // Windows-1252, shown in the title
+    bool isHomeStack = false;
+    int16_t homeCardId = 0;
+    MemRef currentCard = 0;
+    int16_t currentCardId = 0;
+    // Settings taken out of the header when a stack opens.
+    bool autoSave = false;
+    bool autoTimers = true;
+    bool ignoreExtraClicks = false;
+    bool showCardNumber = false;  // kept from the previous stack for a new one
+    // The program's current card size and depth: the open stack's, or the defaults at start.
+    int16_t cardWidth = 512;
+    int16_t cardHeight = 342;
+    int16_t depth = 8;
+    // A flow that needs the stack on disk is waiting for the save (the stricter question).
+    bool saveNeededToContinue = false;
 };
 
 Document& GetDocument();
-// Frees header, cards and store: the document is empty after it.
+// Frees header, cards and store: the document is empty after it (settings stay).
 void CloseStack();
 
 int16_t CardCount();

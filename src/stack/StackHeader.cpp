@@ -3,10 +3,14 @@
 #include "stack/ByteOrder.h"
 #include "stack/Normalise.h"
 
-void NormaliseHeader(uint8_t* h) {
+void SwapHeader(uint8_t* h) {
     Swap16At(h, {0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 48, 50, 52, 54, 56, 58, 72, 74,
                  76, 78});
     Swap32At(h, {60, 64, 68});
+}
+
+void NormaliseHeader(uint8_t* h) {
+    SwapHeader(h);
     ResetWhiteFirstTest();
 }
 

@@ -48,6 +48,8 @@ inline constexpr uint32_t kMaxBlobCount = 0x10000;
 // The system's minimum window size, which is also the smallest card a stack may have.
 inline constexpr int16_t kMinCardSide = 40;
 
+// Exchanges every numeric field between stored and native order (its own inverse).
+void SwapHeader(uint8_t* header);
 // Turns a stored header to native order in place and starts the white-first test afresh.
 void NormaliseHeader(uint8_t* header);
 // The plausibility test, on a native header: the only way a file is recognised as a stack.

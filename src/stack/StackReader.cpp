@@ -18,7 +18,6 @@ namespace {
 
 inline constexpr int kAlertNotAStack = 2268;
 inline constexpr int kAlertBlackAndWhite = 2256;
-inline constexpr int kAlertMinimumSize = 2334;
 inline constexpr int kAlertTooNew = 2221;
 inline constexpr int kAlertTooOld = 2222;
 inline constexpr int kAlertSomeError = 2235;
@@ -111,7 +110,9 @@ int32_t ReadStackFile(const std::string& hostPath, LoadFault* fault) {
                                  : fmt::format("the file is {} bytes, shorter than a header", fileLength));
     } else if (depth == 1) {
         code = Refuse(fault, kAlertBlackAndWhite, kHdrDepth, "black and white stack (depth 1)");
-    } else if (version > kCurrentStackVersion) {
+    } else if ((fault->askMinimumSize = ReadS16(header + kHdrCardWidth) < kMinCardSide ||
+                                        ReadS16(header + kHdrCardHeight) < kMinCardSide),
+               version > kCurrentStackVersion) {
         code = Refuse(fault, kAlertTooNew, kHdrVersion, fmt::format("version {} is newer than 5", version));
     } else if (version < kOldestStackVersion) {
         code = Refuse(fault, kAlertTooOld, kHdrVersion, fmt::format("version {} is older than 4", version));
@@ -121,8 +122,6 @@ int32_t ReadStackFile(const std::string& hostPath, LoadFault* fault) {
         CloseStack();
         return code;
     }
-    fault->askMinimumSize =
-        ReadS16(header + kHdrCardWidth) < kMinCardSide || ReadS16(header + kHdrCardHeight) < kMinCardSide;
     {
         MemRefLock lock(doc.stackHeader);
         std::memcpy(lock.data(), header, kStackHeaderSize);

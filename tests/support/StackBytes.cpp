@@ -34,6 +34,7 @@ Bytes StoredHeader(const HeaderSpec& spec) {
     PutBE16(h, 12, 1);
     PutBE16(h, 16, spec.depth);
     PutBE16(h, 20, 1);
+    PutBE16(h, 50, 1);  // presentationColor: 0 would be raised to 1 at open
     PutBE16(h, 56, spec.cardWidth);
     PutBE16(h, 58, spec.cardHeight);
     PutBE32(h, 64, spec.blobCount);
@@ -47,6 +48,9 @@ Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>&
     PutBE16(c, 0, id);
     PutBE16(c, 6, kind);
     PutBE16(c, 8, ownerId);
+    // A card carries the stack's size, which the open writes over it anyway.
+    PutBE16(c, 20, 640);
+    PutBE16(c, 22, 480);
     c[32] = static_cast<uint8_t>(name.size());
     std::memcpy(&c[33], name.data(), name.size());
     for (const Bytes& item : items) Append(c, item);

@@ -25,7 +25,7 @@ struct HeaderSpec {
 };
 Bytes StoredHeader(const HeaderSpec& spec);  // blobOffset is filled in by StoredStack
 
-// A blank card (kind 0) of 100 bytes, or with the given item chunks between head and tail.
+// A blank card (kind 0) of 100 bytes, 640 by 480, or with the given item chunks between head and tail.
 Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>& items = {},
                  uint16_t kind = 0, uint16_t ownerId = 0xFFFF);
 // An item chunk: common head with the kind-specific head bytes (already big-endian) behind it.

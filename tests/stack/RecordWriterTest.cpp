@@ -1,0 +1,561 @@
+// The writer against bytes derived by hand from the format's tables: native records in, stored
+// bytes out, and the live record untouched. Round trips through the reader and the independent
+// fixture stacks prove that a load and a save give the file back.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "memory/MemRef.h"
+#include "platform/HostFile.h"
+#include "stack/Blob.h"
+#include "stack/ByteOrder.h"
+#include "stack/Document.h"
+#include "stack/Normalise.h"
+#include "stack/PathSlot.h"
+#include "stack/RecordWriter.h"
+#include "stack/StackReader.h"
+#include "stack/StagingBuffer.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+using namespace std::string_literals;
+using Offsets = std::vector<uint32_t>;
+
+// The same record in both forms. Both start as a pattern in which no two neighbouring bytes are
+// equal, so any exchange the writer makes where it shouldn't shows.
+struct Pair {
+    Bytes native, stored;
+};
+
+Pair Patterned(size_t size, uint8_t seed) {
+    Pair p;
+    for (size_t i = 0; i < size; ++i) p.native.push_back(static_cast<uint8_t>(seed + 7 * i));
+    p.stored = p.native;
+    return p;
+}
+void Word(Pair& p, uint32_t at) {
+    p.stored[at] = p.native[at + 1];
+    p.stored[at + 1] = p.native[at];
+}
+void Long(Pair& p, uint32_t at) {
+    for (uint32_t k = 0; k < 4; ++k) p.stored[at + k] = p.native[at + 3 - k];
+}
+// Native left, top, right, bottom -> stored top, left, bottom, right.
+void Rect(Pair& p, uint32_t at) {
+    const uint32_t from[4] = {2, 0, 6, 4};
+    for (uint32_t k = 0; k < 4; ++k) {
+        p.stored[at + 2 * k] = p.native[at + from[k] + 1];
+        p.stored[at + 2 * k + 1] = p.native[at + from[k]];
+    }
+}
+void Turn(Pair& p, const Offsets& words, const Offsets& longs, const Offsets& rects) {
+    for (uint32_t o : words) Word(p, o);
+    for (uint32_t o : longs) Long(p, o);
+    for (uint32_t o : rects) Rect(p, o);
+}
+void SetWord(Pair& p, uint32_t at, uint16_t v) {
+    std::memcpy(&p.native[at], &v, 2);
+    PutBE16(p.stored, at, v);
+}
+void SetLong(Pair& p, uint32_t at, uint32_t v) {
+    std::memcpy(&p.native[at], &v, 4);
+    PutBE32(p.stored, at, v);
+}
+void Join(Pair& to, const Pair& more) {
+    Append(to.native, more.native);
+    Append(to.stored, more.stored);
+}
+
+// An item chunk: common head (kind, id, flags, rect, length) plus the kind's own fields.
+Pair Item(uint16_t kind, uint32_t size, const Offsets& words, const Offsets& longs, const Offsets& rects) {
+    Pair p = Patterned(size, static_cast<uint8_t>(kind + 1));
+    Turn(p, words, longs, rects);
+    Turn(p, {2}, {}, {4});
+    SetWord(p, 0, kind);
+    SetLong(p, 12, size);
+    SetWord(p, 22, 0x0091);  // no file reference, no pad byte
+    return p;
+}
+const Offsets kButtonWords = {16, 18, 20, 24, 26, 60, 62, 64, 66, 68, 70, 74, 76, 78, 80};
+Pair ButtonHead(uint32_t length) {
+    Pair p = Item(48, 136, kButtonWords, {}, {});
+    SetLong(p, 12, length);
+    return p;
+}
+// A card of the given chunks. The size field lies: the writer takes the block's size. The tail
+// holds what NewCardMemRef leaves, a native 0xFACE.
+Pair Card(const std::vector<Pair>& chunks, uint16_t kind = 0) {
+    Pair c = Patterned(96, 3);
+    Turn(c, {0, 6, 8, 10, 16, 18, 20, 22, 48, 50, 52, 54, 56}, {}, {});
+    SetWord(c, 6, kind);
+    for (const Pair& chunk : chunks) Join(c, chunk);
+    Join(c, {{0, 0, 0xCE, 0xFA}, {0, 0, 0xFA, 0xCE}});
+    SetLong(c, 2, static_cast<uint32_t>(c.native.size()));
+    std::memcpy(&c.native[2], "lie!", 4);
+    return c;
+}
+
+// References: path, pad to even, six zero bytes, name; length-prefixed or zero-terminated.
+Bytes StoredRef(const std::string& path, const std::string& name) {
+    Bytes b{static_cast<uint8_t>(path.size())};
+    b.insert(b.end(), path.begin(), path.end());
+    b.resize(((b.size() + 1) & ~size_t{1}) + 6, 0);
+    b.push_back(static_cast<uint8_t>(name.size()));
+    b.insert(b.end(), name.begin(), name.end());
+    return b;
+}
+Bytes NativeRef(const std::string& path, const std::string& name) {
+    Bytes b(path.begin(), path.end());
+    b.push_back(0);
+    b.resize(((b.size() + 1) & ~size_t{1}) + 6, 0);
+    b.insert(b.end(), name.begin(), name.end());
+    b.push_back(0);
+    return b;
+}
+
+Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
+
+MemRef Block(const Bytes& bytes) {
+    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
+    MemRefLock lock(ref);
+    std::memcpy(lock.data(), bytes.data(), bytes.size());
+    return ref;
+}
+Bytes Contents(MemRef ref) {
+    MemRefLock lock(ref);
+    return Bytes(lock.data(), lock.data() + GetMemRefSize(ref));
+}
+
+class RecordWriterTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetFileFaults();
+        ASSERT_TRUE(InitPathSlots());
+        ASSERT_TRUE(SetSlotPath(kSlotStack, "D:\\Stacks\\x.stk"));
+    }
+    void TearDown() override {
+        ResetFileFaults();
+        CloseStack();
+    }
+
+    // What a writer puts in a file through a staging buffer that already holds `prefill` bytes.
+    static Bytes Emit(const std::function<int32_t(StagingBuffer&)>& write, int32_t expected = 0,
+                      uint32_t prefill = 0) {
+        const std::string path = WriteTempFile("writer.out", {});
+        HostFile* file = nullptr;
+        EXPECT_EQ(OpenHostFile(path, FileMode::Create, &file), 0);
+        StagingBuffer buffer;
+        EXPECT_EQ(NewStagingBuffer(&buffer, file), 0);
+        const Bytes zeros(prefill, 0);
+        if (prefill) WriteBuffered(buffer, zeros.data(), prefill);
+        EXPECT_EQ(write(buffer), expected);
+        FlushBuffered(buffer);
+        FreeStagingBuffer(&buffer);
+        CloseHostFile(file);
+        const Bytes all = ReadWholeFile(path);
+        return all.size() < prefill ? Bytes{} : Bytes(all.begin() + prefill, all.end());
+    }
+    // Each writer on a block holding `native`, which must come out of it unchanged.
+    static Bytes Write(const Bytes& native, const std::function<int32_t(StagingBuffer&, MemRef)>& write,
+                       int32_t expected = 0) {
+        const MemRef ref = Block(native);
+        const Bytes out = Emit([&](StagingBuffer& b) { return write(b, ref); }, expected);
+        EXPECT_EQ(Contents(ref), native) << "the live record changed";
+        FreeMemRef(ref);
+        return out;
+    }
+    static Bytes WriteCard(const Bytes& native, int32_t expected = 0) {
+        return Write(native, [](StagingBuffer& b, MemRef r) { return WriteCardRecord(b, r); }, expected);
+    }
+    static Bytes WriteButton(const Bytes& native, uint32_t* written, int32_t expected = 0) {
+        return Write(native, [&](StagingBuffer& b, MemRef r) { return WriteButtonRecord(b, r, 0, written); },
+                     expected);
+    }
+    static Bytes WriteHlnk(const Bytes& native, uint32_t* written, int32_t expected = 0) {
+        return Write(native, [&](StagingBuffer& b, MemRef r) { return WriteHlnkRecord(b, r, written); },
+                     expected);
+    }
+};
+
+TEST_F(RecordWriterTest, WritesEachItemKindThroughItsTables) {
+    // The picture: width and height turned, the rest and the pad byte behind it as they stand.
+    Pair graphic = Item(16, 89, {16, 18, 20, 24, 28, 54, 56, 58}, {}, {30});
+    SetWord(graphic, 22, 0x0291);
+    SetLong(graphic, 60, 8);
+    Turn(graphic, {80, 82}, {}, {});
+    Pair text = Item(96, 148,
+                     {20, 24, 26, 28, 30, 32, 34, 36, 38, 44, 50, 56, 58, 60, 62, 64, 66, 68, 70, 88, 102, 104},
+                     {16, 40, 46, 52}, {});
+    Turn(text, {128, 130}, {132}, {});  // one text block of four bytes
+    SetLong(text, 136, 4);
+    SetLong(text, 140, 20);
+    struct Case {
+        const char* name;
+        std::vector<Pair> chunks;
+    };
+    const Case cases[] = {
+        {"empty card: 100 bytes, the tail 00 00 FA CE whatever the block held", {}},
+        {"graphic with its picture", {graphic}},
+        {"text field with a block", {text}},
+        {"button without sub-records", {ButtonHead(136)}},
+        {"unknown kind: common head turned, body as it stands", {Item(32, 40, {}, {}, {})}},
+        {"all of them in one chain", {graphic, text, ButtonHead(136), Item(32, 40, {}, {}, {})}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Pair card = Card(c.chunks);
+        EXPECT_EQ(WriteCard(card.native), card.stored);
+        if (c.chunks.empty()) {
+            EXPECT_EQ(card.stored.size(), 100u);
+        }
+    }
+}
+
+TEST_F(RecordWriterTest, BackgroundImageFieldsAreTurnedOnlyForFormatTwo) {
+    for (uint16_t format : {1, 2, 3}) {
+        SCOPED_TRACE(format);
+        Pair bg = Patterned(24 + 16 + 20, 9);  // head, a colour table kept big-endian, the image
+        Turn(bg, {10}, {}, {});
+        SetWord(bg, 0, 8);
+        SetWord(bg, 2, format);
+        SetLong(bg, 12, 60);
+        SetLong(bg, 16, 16);
+        if (format == 2) Turn(bg, {}, {40 + 4, 40 + 12}, {});
+        const Pair card = Card({bg, ButtonHead(136)}, 1);
+        EXPECT_EQ(WriteCard(card.native), card.stored);
+    }
+}
+
+TEST_F(RecordWriterTest, SubRecordsFollowTheWritersOwnRules) {
+    struct Case {
+        const char* name;
+        uint16_t type;
+        uint32_t length;
+        Offsets words, longs;
+        bool rect;
+        uint32_t emitted;  // 0: dropped
+    };
+    const Case cases[] = {
+        {"51: offset 2 and the rect too, though the reader left them", 51, 40, {0, 2, 22, 16}, {12}, true, 40},
+        {"64: offset 2 and the rect", 64, 32, {0, 2, 22}, {12}, true, 32},
+        {"82 without a path: 16 as well, which the reader left", 82, 32, {0, 22, 16, 24, 4}, {12}, false, 32},
+        {"83: its body stays as it stands", 83, 36, {0, 22, 16, 24, 4}, {12}, false, 36},
+        {"89 without a path: offset 2 stays native", 89, 32, {0, 22, 20}, {12, 16}, true, 32},
+        {"119: cut to 96 bytes, offset 18 left native", 119, 100, {0, 2, 22, 24, 20}, {12}, true, 96},
+        {"129: written, body as it stands", 129, 38, {0, 2, 22}, {12}, true, 38},
+        {"56 with a sprite film: the film stays raw", 56, 40, {0, 22}, {12}, true, 40},
+        {"an unknown type is dropped", 77, 40, {}, {}, false, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Pair sub = Patterned(c.length, 5);
+        Turn(sub, c.words, c.longs, c.rect ? Offsets{4} : Offsets{});
+        SetWord(sub, 0, c.type);
+        SetLong(sub, 12, c.length);
+        if (c.type == 56) {
+            std::memcpy(&sub.native[32], "Sprt", 4);
+            std::memcpy(&sub.stored[32], "Sprt", 4);
+        }
+        Pair button = ButtonHead(136 + c.length);
+        Join(button, sub);
+        uint32_t written = 1;
+        const Bytes out = WriteButton(button.native, &written);
+        EXPECT_EQ(out, Bytes(button.stored.begin(), button.stored.begin() + 136 + c.emitted));
+        EXPECT_EQ(written, 1 + 136 + c.emitted);
+    }
+}
+
+TEST_F(RecordWriterTest, AnimationBodyAndIconSizes) {
+    // Head, the frame-delta head, one frame of 20 bytes, and two stray bytes that keep their place.
+    Pair anim = Patterned(32 + 18 + 20 + 2, 5);
+    Turn(anim, {0, 22, 32, 34, 36, 38, 42, 44}, {12}, {4});
+    SetWord(anim, 0, 56);
+    SetLong(anim, 12, 72);
+    SetWord(anim, 40, 1);  // frame count
+    Turn(anim, {50}, {}, {});
+    SetLong(anim, 58, 20);
+    Pair button = ButtonHead(136 + 72);
+    Join(button, anim);
+    EXPECT_EQ(WriteButton(button.native, nullptr), button.stored);
+
+    // Icon sizes: 36 and 38 go out as the button's left and top, and are zero in memory after.
+    Pair icon = Patterned(44, 5);
+    Turn(icon, {0, 22, 32, 34}, {12}, {});
+    SetWord(icon, 0, 130);
+    SetLong(icon, 12, 44);
+    button = ButtonHead(136 + 44);
+    Join(button, icon);
+    std::memcpy(&button.stored[136 + 36], &button.stored[6], 2);
+    std::memcpy(&button.stored[136 + 38], &button.stored[4], 2);
+    const MemRef ref = Block(button.native);
+    EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteButtonRecord(b, ref, 0, nullptr); }), button.stored);
+    std::memset(&button.native[136 + 36], 0, 4);
+    EXPECT_EQ(Contents(ref), button.native);
+    FreeMemRef(ref);
+}
+
+TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
+    Bytes junk = NativeRef("D:\\Pic\\Sun", "Sun");  // 10 + terminator: a pad byte follows
+    junk[11] = 0x55;
+    std::memset(&junk[12], 0xEE, 6);
+    Bytes junkStored = StoredRef("D::Pic:Sun", "Sun");
+    junkStored[11] = 0x55;
+    Bytes roundUp = NativeRef("C:\\a", "bc");
+    roundUp.push_back(0);
+    Bytes roundUpStored = StoredRef("C::a", "bc");
+    roundUpStored.push_back(0);
+    struct Case {
+        const char* name;
+        Bytes native, stored;
+    };
+    const Case cases[] = {
+        {"drive path", NativeRef("C:\\Stacks\\art.bmp", "art.bmp"), StoredRef("C::Stacks:art.bmp", "art.bmp")},
+        {"the pad byte stays, the six bytes are cleared", junk, junkStored},
+        {"empty path", NativeRef("", "x"), StoredRef("", "x")},
+        {"the name keeps its backslash", NativeRef("C:\\a", "b\\c"), StoredRef("C::a", "b\\c")},
+        {"a round-up byte goes out as it came", roundUp, roundUpStored},
+        {"no terminator", Of("C:\\abc"), {}},
+        {"no room for the six bytes", Of("C:\\a\0\0\0\0"s), {}},
+        {"name without its terminator", Of("C:\\a\0\0\0\0\0\0\0\0xy"s), {}},
+        {"path longer than a length byte holds", NativeRef(std::string(256, 'p'), "x"), {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const MemRef ref = ConvertNativePath(c.native.data(), static_cast<uint32_t>(c.native.size()));
+        EXPECT_EQ(ref ? Contents(ref) : Bytes{}, c.stored);
+        if (ref) FreeMemRef(ref);
+    }
+}
+
+TEST_F(RecordWriterTest, PathsInSubRecordsAndTheLaunchCount) {
+    const Bytes nat = NativeRef("C:\\Stacks\\art.bmp", "art.bmp");  // 32 bytes, as stored
+    const Bytes sto = StoredRef("C::Stacks:art.bmp", "art.bmp");
+    const Bytes oddNat = NativeRef("C:\\a", "bc");  // 15 bytes: the reader rounds it up to 16
+    const Bytes oddSto = StoredRef("C::a", "bc");
+    struct Case {
+        const char* name;
+        uint16_t type, flags;
+        uint32_t documentLength;
+        std::vector<Bytes> native, stored;  // body pieces
+    };
+    const Case cases[] = {
+        {"60: one path", 60, 0, 0, {nat}, {sto}},
+        {"82: one path behind the head", 82, 0, 0, {nat}, {sto}},
+        {"89: one path", 89, 0, 0, {nat}, {sto}},
+        {"59: document and program", 59, 0, 32, {nat, nat}, {sto, sto}},
+        {"59: the round-up byte belongs to the lone document", 59, 0x200, 15, {oddNat, {0}}, {oddSto, {0}}},
+        {"59: a pad flag with nothing behind keeps to the record", 59, 0x200, 32, {nat}, {sto}},
+        {"59: program alone", 59, 0, 0, {nat}, {sto}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Pair sub = Patterned(32, 5);
+        for (size_t i = 0; i < c.native.size(); ++i) Join(sub, {c.native[i], c.stored[i]});
+        const uint32_t length = static_cast<uint32_t>(sub.native.size());
+        SetWord(sub, 0, c.type);
+        SetLong(sub, 12, length);
+        SetWord(sub, 22, c.flags);
+        if (c.type == 59) SetLong(sub, 18, c.documentLength);
+        if (c.type == 59) Turn(sub, {2, 16}, {}, {4});
+        if (c.type == 60) Turn(sub, {2}, {}, {4});
+        if (c.type == 82) Turn(sub, {16, 24, 4}, {}, {});
+        if (c.type == 89) Turn(sub, {20}, {16}, {4});
+        Pair button = ButtonHead(136 + length);
+        Join(button, sub);
+        EXPECT_EQ(WriteButton(button.native, nullptr), button.stored);
+    }
+}
+
+TEST_F(RecordWriterTest, HlnkTextGoesBackDownAByte) {
+    // Native: the byte the reader kept at 23 ('Z') goes back behind the text.
+    Pair link = Patterned(28, 0);
+    std::memset(link.native.data() + 8, 0, 20);
+    link.stored = link.native;
+    SetWord(link, 0, 9);
+    SetWord(link, 2, 201);
+    SetWord(link, 4, 1);
+    SetWord(link, 6, 3);
+    std::memcpy(&link.native[23], "Zhot", 4);
+    std::memcpy(&link.stored[23], "hotZ", 4);
+    uint32_t written = 0;
+    EXPECT_EQ(WriteHlnk(link.native, &written), link.stored);
+    EXPECT_EQ(written, 28u);
+
+    // With an action block at 24 + pad + text, through the button writer.
+    link.native[8] = link.stored[8] = 1;
+    Join(link, ButtonHead(136));
+    written = 0;
+    EXPECT_EQ(WriteHlnk(link.native, &written), link.stored);
+    EXPECT_EQ(written, 28u + 136);
+}
+
+// Stored bytes written here with drive paths, read and written back: the same bytes.
+TEST_F(RecordWriterTest, ReadThenWrittenGivesTheStoredBytesBack) {
+    const Bytes ref = StoredRef("C::Stacks:art.bmp", "art.bmp");
+    Bytes graphicRest(64, 0);
+    PutBE32(graphicRest, 60 - 16, 8);
+    Append(graphicRest, ref);
+    Append(graphicRest, {0, 20, 0, 10, 0, 0, 0, 0});  // picture: width, height from the rect
+    Bytes textRest(112, 0);
+    for (const Bytes& data : {ref, Of("a\\b\0\0\0\0\0\0\0c\0"s)}) {  // only the first block is a reference
+        Bytes block(16, 0);
+        PutBE32(block, 8, static_cast<uint32_t>(data.size()));
+        PutBE32(block, 12, static_cast<uint32_t>(data.size() + 16));
+        Append(textRest, block);
+        Append(textRest, data);
+    }
+    Bytes buttonRest(120, 0);
+    for (uint16_t type : {60, 59, 83}) {
+        Bytes sub(32, 0);
+        PutBE16(sub, 0, type);
+        if (type == 59) PutBE32(sub, 18, 32), Append(sub, ref);
+        if (type != 83) Append(sub, ref);
+        PutBE32(sub, 12, static_cast<uint32_t>(sub.size()));
+        Append(buttonRest, sub);
+    }
+    const Bytes stored = StoredCard(7, "Trip", {StoredItem(16, 11, 5, 5, 25, 15, graphicRest, 0x40),
+                                                StoredItem(96, 12, 5, 5, 25, 15, textRest, 0x40),
+                                                StoredItem(48, 13, 5, 5, 25, 15, buttonRest)});
+    const MemRef card = Block(stored);
+    ASSERT_EQ(NormaliseCard(card), 0);
+    {
+        MemRefLock lock(card);
+        ASSERT_EQ(std::memcmp(lock.data() + 96 + 80, "C:\\Stacks\\art.bmp", 18), 0) << "the reader kept the path";
+    }
+    EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteCardRecord(b, card); }), stored);
+    FreeMemRef(card);
+
+    Bytes link(28, 0);
+    PutBE16(link, 0, 9);
+    PutBE16(link, 4, 1);
+    PutBE16(link, 6, 3);
+    link[8] = 1;
+    std::memcpy(&link[23], "hot", 3);
+    Bytes action(136, 0);
+    PutBE16(action, 0, 48);
+    PutBE32(action, 12, 168);
+    Append(action, Bytes(32, 0));
+    PutBE16(action, 136, 83);
+    PutBE32(action, 136 + 12, 32);
+    Append(link, action);
+    const MemRef hlnk = Block(link);
+    ASSERT_EQ(NormaliseHlnk(hlnk), 0);
+    EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteHlnkRecord(b, hlnk, nullptr); }), link);
+    FreeMemRef(hlnk);
+}
+
+TEST_F(RecordWriterTest, FixtureCardsAndActionComeBackAsStored) {
+    for (const char* name : {"sample-cards.stk", "sample-media.stk"}) {
+        SCOPED_TRACE(name);
+        const std::string path = std::string(QB_FIXTURES_DIR) + "/" + name;
+        const Bytes file = ReadWholeFile(path);
+        LoadFault fault;
+        ASSERT_EQ(ReadStackFile(path, &fault), 0) << fault.detail;
+        size_t at = 128;
+        for (int i = 1; i <= CardCount(); ++i) {
+            const uint32_t size = ReadBE32(&file[at + 2]);
+            const MemRef card = GetCardByPosition(i);
+            const Bytes live = Contents(card);
+            EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteCardRecord(b, card); }),
+                      Bytes(file.begin() + at, file.begin() + at + size))
+                << "card " << i;
+            EXPECT_EQ(Contents(card), live);
+            at += size;
+        }
+        if (std::string(name) == "sample-cards.stk") {
+            const size_t data = ReadBE32(&file[60]) + 68;
+            const MemRef actn = GetBlobById(FourCC("Actn"), 5);
+            ASSERT_NE(actn, 0);
+            uint32_t written = 0;
+            EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteButtonRecord(b, actn, 0, &written); }),
+                      Bytes(file.begin() + data, file.begin() + data + 136));
+            EXPECT_EQ(written, 136u);
+        }
+        CloseStack();
+    }
+}
+
+TEST_F(RecordWriterTest, LyingLengthsStopTheWrite) {
+    // A card around one chunk, with a long word of the chunk replaced.
+    auto card = [](const Pair& chunk, uint32_t at, uint32_t value, uint16_t kind = 0) {
+        Pair c = Card({chunk}, kind);
+        std::memcpy(&c.native[96 + at], &value, 4);
+        return c.native;
+    };
+    // A button holding one sub-record of `type` and `length`, with a native long word set.
+    auto button = [](uint16_t type, uint32_t length, uint32_t at = 12, uint32_t value = 0) {
+        Pair b = ButtonHead(136 + length);
+        Join(b, Patterned(length, 1));
+        SetWord(b, 136, type);
+        SetLong(b, 136 + 12, length);
+        if (at != 12 || value != 0) SetLong(b, 136 + at, value);
+        return b.native;
+    };
+    Pair graphic = Item(16, 88, {}, {}, {});
+    SetLong(graphic, 60, 8);
+    Pair text = Item(96, 144, {}, {}, {});
+    SetLong(text, 140, 16);
+    Pair bg = Patterned(56, 9);
+    SetWord(bg, 2, 2);
+    SetLong(bg, 12, 56);
+    SetLong(bg, 16, 16);
+    Bytes shortCard = Card({}).native;
+    shortCard.resize(99);
+    Bytes unended = Card({ButtonHead(136)}).native;
+    unended.resize(96 + 136 + 2);
+    Bytes frames = button(56, 80, 50 + 8, 15);
+    frames[136 + 40] = 1;
+    frames[136 + 41] = 0;
+    Pair imported = text;
+    SetWord(imported, 22, 0x0040);
+    Bytes zeroSub = button(77, 64);
+    std::memset(&zeroSub[136 + 12], 0, 4);
+    struct Case {
+        const char* name;
+        Bytes native;
+        bool card;
+    };
+    const Case cases[] = {
+        {"card smaller than its head and tail", shortCard, true},
+        {"item shorter than its common head", card(Item(32, 40, {}, {}, {}), 12, 8), true},
+        {"item length beyond the card", card(ButtonHead(136), 12, 137 + 4 + 1), true},
+        {"chain without its end mark", unended, true},
+        {"picture larger than the graphic", card(graphic, 60, 9 + 80), true},
+        {"text block beyond the field", card(text, 140, 17), true},
+        {"file reference longer than its text block", card(imported, 136, 1), true},
+        {"background beyond the card", card(bg, 12, 61, 1), true},
+        {"colour table beyond the background", card(bg, 16, 33, 1), true},
+        {"image head cut short", card(bg, 16, 17, 1), true},
+        {"laser disc record shorter than its head", button(119, 64), false},
+        {"sub-record beyond the button", button(60, 64, 12, 65), false},
+        {"sub-record of length zero", zeroSub, false},
+        {"launch document beyond the sub-record", button(59, 64, 18, 33), false},
+        {"animation frame shorter than its head", frames, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.card) WriteCard(c.native, -1);
+        if (!c.card) WriteButton(c.native, nullptr, -1);
+    }
+    Bytes link(30, 0);
+    link[6] = 7;  // text beyond the record
+    WriteHlnk(link, nullptr, -1);
+    link[6] = 3;
+    link[4] = 4;  // the action block beyond the record
+    link[8] = 1;
+    WriteHlnk(link, nullptr, -1);
+}
+
+TEST_F(RecordWriterTest, AFailingFileWriteIsReported) {
+    const Pair card = Card({ButtonHead(136)});
+    const MemRef ref = Block(card.native);
+    GetFileFaults().failWriteAt = 1;
+    Emit([&](StagingBuffer& b) { return WriteCardRecord(b, ref); }, -1, kStagingBufferSize - 100);
+    FreeMemRef(ref);
+}
+
+}  // namespace
