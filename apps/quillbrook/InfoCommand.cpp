@@ -8,13 +8,14 @@
 #include "stack/Blob.h"
 #include "stack/Document.h"
 #include "stack/StackReader.h"
-#include "ui/StringTable.h"
+#include "stack/StackHeader.h"
+#include "ui/Alert.h"
 
 namespace {
 
 void PrintFault(const std::string& path, const LoadFault& fault) {
     for (int alert : fault.alerts) {
-        fmt::print(stderr, "{}: alert {}: \"{}\"\n", path, alert, GetStringUtf8(alert));
+        fmt::print(stderr, "{}: alert {}: \"{}\"\n", path, alert, AlertMessageText(alert));
     }
     fmt::print(stderr, "{}: at file offset {}: {}\n", path, fault.offset, fault.detail);
 }
@@ -85,7 +86,8 @@ int RunValidate(const std::string& path) {
         }
     }
     if (fault.askMinimumSize) {
-        fmt::print("{}: note: \"{}\"\n", path, GetStringUtf8(2334));
+        SetAlertNumbers(kMinCardSide, kMinCardSide);
+        fmt::print("{}: note: \"{}\"\n", path, AlertMessageText(2334));
     }
     if (damaged == 0) fmt::print("{}: ok, {} cards, {} records\n", path, CardCount(), CountBlobEntries(store));
     CloseStack();

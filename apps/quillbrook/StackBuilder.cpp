@@ -1,0 +1,580 @@
+#include "StackBuilder.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <limits>
+
+#include "StackJson.h"
+#include "stack/Blob.h"
+#include "stack/ByteOrder.h"
+#include "stack/CardRecord.h"
+#include "stack/ItemFields.h"
+#include "stack/StackHeader.h"
+#include "text/Windows1252.h"
+
+using Json = nlohmann::ordered_json;
+using Bytes = std::vector<uint8_t>;
+
+namespace {
+
+constexpr int64_t kMin16 = std::numeric_limits<int16_t>::min();
+constexpr int64_t kMax16 = std::numeric_limits<uint16_t>::max();
+constexpr int64_t kMaxSigned16 = std::numeric_limits<int16_t>::max();
+constexpr int64_t kMin32 = std::numeric_limits<int32_t>::min();
+constexpr int64_t kMax32 = std::numeric_limits<uint32_t>::max();
+constexpr uint32_t kMaxStringLength = 255;  // what a length byte can say
+
+// Raised inside the builder only; BuildStack turns it into its error text.
+struct BuildError {
+    std::string message;
+};
+
+// A place in the description: a JSON value and the path that names it in messages.
+class Node {
+public:
+    Node(const Json& value, std::string path) : value_(&value), path_(std::move(path)) {}
+
+    const Json& value() const { return *value_; }
+    bool Has(const char* key) const {
+        return value_->is_object() && value_->contains(key) && !value_->at(key).is_null();
+    }
+    Node operator[](const std::string& key) const { return Node(value_->at(key), Join(key)); }
+    // The members of the array under `key`; none when the key is absent.
+    std::vector<Node> Elements(const char* key) const {
+        std::vector<Node> members;
+        if (!Has(key)) return members;
+        const Node list = (*this)[key];
+        if (!list.value().is_array()) list.Fail("must be an array");
+        for (size_t i = 0; i < list.value().size(); ++i) {
+            members.emplace_back(list.value()[i], fmt::format("{}[{}]", list.path_, i));
+        }
+        return members;
+    }
+
+    [[noreturn]] void Fail(const std::string& what) const { throw BuildError{path_ + ": " + what}; }
+    [[noreturn]] void FailAt(const std::string& key, const std::string& what) const {
+        throw BuildError{Join(key) + ": " + what};
+    }
+
+    int64_t Int(int64_t low, int64_t high) const {
+        if (!value_->is_number_integer()) Fail("must be a whole number");
+        if (value_->is_number_unsigned()) {
+            const uint64_t v = value_->get<uint64_t>();
+            if (v > static_cast<uint64_t>(high)) Fail(fmt::format("{} is out of range ({} to {})", v, low, high));
+            return static_cast<int64_t>(v);
+        }
+        const int64_t v = value_->get<int64_t>();
+        if (v < low || v > high) Fail(fmt::format("{} is out of range ({} to {})", v, low, high));
+        return v;
+    }
+    bool Bool() const {
+        if (!value_->is_boolean()) Fail("must be true or false");
+        return value_->get<bool>();
+    }
+    std::string Utf8() const {
+        if (!value_->is_string()) Fail("must be a string");
+        return value_->get<std::string>();
+    }
+    // Stacks hold Windows-1252; the description is UTF-8.
+    std::string Text() const { return Windows1252FromUtf8(Utf8()); }
+    Bytes Hex() const {
+        const std::string text = Utf8();
+        Bytes bytes;
+        int high = -1;
+        for (size_t i = 0; i < text.size(); ++i) {
+            const char c = text[i];
+            if (c == ' ' || c == '\n' || c == '\t' || c == '\r') continue;
+            int digit = -1;
+            if (c >= '0' && c <= '9') digit = c - '0';
+            if (c >= 'a' && c <= 'f') digit = c - 'a' + 10;
+            if (c >= 'A' && c <= 'F') digit = c - 'A' + 10;
+            if (digit < 0) Fail(fmt::format("'{}' at character {} is not a hex digit", c, i));
+            if (high < 0) {
+                high = digit;
+            } else {
+                bytes.push_back(static_cast<uint8_t>(high << 4 | digit));
+                high = -1;
+            }
+        }
+        if (high >= 0) Fail("hex has an odd number of digits");
+        return bytes;
+    }
+
+private:
+    std::string Join(const std::string& key) const { return path_.empty() ? key : path_ + "." + key; }
+
+    const Json* value_;
+    std::string path_;
+};
+
+int64_t IntOr(const Node& n, const char* key, int64_t fallback, int64_t low, int64_t high) {
+    return n.Has(key) ? n[key].Int(low, high) : fallback;
+}
+
+void PutField(uint8_t* p, uint32_t width, int64_t v) {
+    if (width == 4) {
+        WriteBE32(p, static_cast<uint32_t>(v));
+    } else {
+        WriteBE16(p, static_cast<uint16_t>(v));
+    }
+}
+
+int64_t FieldValue(const Node& n, uint32_t width) { return width == 4 ? n.Int(kMin32, kMax32) : n.Int(kMin16, kMax16); }
+
+// A length-prefixed name in a field of `fieldSize` bytes; the rest of the field stays zero.
+void PutName(uint8_t* field, uint32_t fieldSize, const Node& owner, const char* key) {
+    if (!owner.Has(key)) return;
+    const std::string text = owner[key].Text();
+    if (text.size() > fieldSize - 1) owner[key].Fail(fmt::format("longer than {} characters", fieldSize - 1));
+    field[0] = static_cast<uint8_t>(text.size());
+    std::memcpy(field + 1, text.data(), text.size());
+}
+
+void PutReserved(uint8_t* head, const Node& owner, const ReservedArea& area) {
+    if (!owner.Has(area.key)) return;
+    const Bytes bytes = owner[area.key].Hex();
+    if (bytes.size() != area.size) {
+        owner[area.key].Fail(fmt::format("needs {} bytes, not {}", area.size, bytes.size()));
+    }
+    std::memcpy(head + area.offset, bytes.data(), bytes.size());
+}
+
+// The description's [left, top, right, bottom] as stored: top, left, bottom, right.
+void PutRect(uint8_t* p, const Node& owner, const char* key) {
+    const Node rect = owner[key];
+    if (!rect.value().is_array() || rect.value().size() != 4) rect.Fail("needs four numbers [left, top, right, bottom]");
+    int64_t side[4];
+    for (size_t i = 0; i < 4; ++i) side[i] = Node(rect.value()[i], fmt::format("{}[{}]", key, i)).Int(kMin16, kMaxSigned16);
+    WriteBE16(p, static_cast<uint16_t>(side[1]));
+    WriteBE16(p + 2, static_cast<uint16_t>(side[0]));
+    WriteBE16(p + 4, static_cast<uint16_t>(side[3]));
+    WriteBE16(p + 6, static_cast<uint16_t>(side[2]));
+}
+
+// Stored bytes from a hex string or from a file beside the description; empty if neither is given.
+Bytes Content(const Node& owner, const char* hexKey, const char* fileKey, const std::filesystem::path& baseDir) {
+    if (owner.Has(hexKey) && owner.Has(fileKey)) owner.Fail(fmt::format("give either {} or {}, not both", hexKey, fileKey));
+    if (owner.Has(hexKey)) return owner[hexKey].Hex();
+    if (!owner.Has(fileKey)) return {};
+    const std::filesystem::path path = baseDir / owner[fileKey].Utf8();
+    std::ifstream in(path, std::ios::binary);
+    if (!in) owner[fileKey].Fail(fmt::format("cannot read \"{}\"", path.string()));
+    Bytes bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad()) owner[fileKey].Fail(fmt::format("cannot read \"{}\"", path.string()));
+    return bytes;
+}
+
+void Append(Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); }
+
+// What the cards need from the header, and the ids handed out so far.
+struct BuildState {
+    std::filesystem::path baseDir;
+    int64_t depth = 8;
+    int64_t cardWidth = 640;
+    int64_t cardHeight = 480;
+    int64_t lastCardId = 0;  // the highest id in use; cards without one get the next
+    int64_t lastItemId = 0;
+};
+
+int64_t NextId(int64_t* last) {
+    if (*last >= kMax16) throw BuildError{"no card or item id is left above 65535"};
+    return ++*last;
+}
+
+Bytes BuildBackground(const Node& bg, const BuildState& st) {
+    if (!bg.value().is_object()) bg.Fail("must be an object");
+    if (!bg.Has("format")) bg.FailAt("format", "needs 1, 2 or 3");
+    const int64_t format = bg["format"].Int(kMin16, kMax16);
+    if (format < 1 || format > 3) bg["format"].Fail(fmt::format("{} is not a background format (1, 2 or 3)", format));
+    // Colour table and image as stored. Pictures made from image files will come in here too.
+    Bytes content = Content(bg, "hex", "file", st.baseDir);
+    if (content.empty()) bg.Fail("needs its bytes behind the head, as hex or file");
+    const int64_t tableSize = IntOr(bg, "tableSize", 0, 0, kMax32);
+    if (tableSize > static_cast<int64_t>(content.size())) {
+        bg["tableSize"].Fail(fmt::format("{} is more than the {} bytes behind the head", tableSize, content.size()));
+    }
+    const bool odd = content.size() % 2 != 0;
+    if (odd) content.push_back(0);
+    const uint16_t flags = static_cast<uint16_t>((IntOr(bg, "flags", 0, 0, kMax16) & ~kBgFlagOddPad) | (odd ? kBgFlagOddPad : 0));
+
+    Bytes b(kBgHeadSize, 0);
+    for (const ReservedArea& area : kBackgroundReservedAreas) PutReserved(b.data(), bg, area);
+    WriteBE16(&b[kBgTag], 8);
+    WriteBE16(&b[kBgFormat], static_cast<uint16_t>(format));
+    WriteBE16(&b[kBgFlags], flags);
+    WriteBE32(&b[kBgLength], static_cast<uint32_t>(kBgHeadSize + content.size()));
+    WriteBE32(&b[kBgTableSize], static_cast<uint32_t>(tableSize));
+    Append(b, content);
+    return b;
+}
+
+// One reference of a sub-record, from `pathKey` and its optional `nameKey`.
+Bytes ReferenceOf(const Node& sub, const char* pathKey, const char* nameKey) {
+    const std::string path = sub[pathKey].Utf8();
+    const std::string name = sub.Has(nameKey) ? sub[nameKey].Utf8() : "";
+    if (Windows1252FromUtf8(path).size() > kMaxStringLength) sub[pathKey].Fail("longer than 255 characters");
+    if (Windows1252FromUtf8(name).size() > kMaxStringLength) sub[nameKey].Fail("longer than 255 characters");
+    Bytes reference;
+    std::string error;
+    StoredFileReference(path, name, &reference, &error);
+    return reference;
+}
+
+uint32_t SubFieldWidth(int64_t type, uint32_t offset) {
+    if (offset == kSubLength) return 4;
+    if (type == kSubLaunch && offset == kSubLaunchDocumentLength) return 4;
+    if (type == kSubMovie && offset == kSubMovieLong) return 4;
+    return 2;
+}
+
+// A sub-record: its stored bytes (or a zero head), with the file references, rectangle and fields
+// written over them, and last the type and the length, which the builder always owns.
+Bytes BuildSubRecord(const Node& sub) {
+    if (!sub.value().is_object()) sub.Fail("must be an object");
+    if (!sub.Has("type")) sub.FailAt("type", "needs the sub-record's type");
+    const int64_t type = sub["type"].Int(0, kMax16);
+    const uint32_t headSize = type == kSubLaserDisc ? kSubLaserDiscHeadSize : kSubHeadSize;
+    Bytes s = sub.Has("hex") ? sub["hex"].Hex() : Bytes(headSize, 0);
+    if (s.size() < headSize) {
+        sub["hex"].Fail(fmt::format("a type {} sub-record has at least {} bytes, not {}", type, headSize, s.size()));
+    }
+
+    const bool document = sub.Has("path");
+    const bool program = sub.Has("programPath");
+    const bool references = document || program;
+    uint32_t documentLength = 0;
+    bool padded = false;
+    if (references) {
+        const char* key = document ? "path" : "programPath";
+        if (type != kSubLaunch && type != kSubOtherStack && type != kSubSoundFile && type != kSubMovie) {
+            sub[key].Fail(fmt::format("a type {} sub-record carries no file reference (59, 60, 82 and 89 do)", type));
+        }
+        if (program && type != kSubLaunch) sub["programPath"].Fail("only a launch (type 59) names a program");
+        s.resize(kSubHeadSize);
+        if (document) {
+            const Bytes reference = ReferenceOf(sub, "path", "name");
+            documentLength = static_cast<uint32_t>(reference.size());
+            Append(s, reference);
+        }
+        if (program) Append(s, ReferenceOf(sub, "programPath", "programName"));
+        padded = s.size() % 2 != 0;
+        if (padded) s.push_back(0);
+    }
+    if (sub.Has("rect")) PutRect(&s[kSubRect], sub, "rect");
+    if (sub.Has("fields")) {
+        const Node fields = sub["fields"];
+        if (!fields.value().is_object()) fields.Fail("must be an object of offset: value");
+        for (auto it = fields.value().begin(); it != fields.value().end(); ++it) {
+            const Node field = fields[it.key()];
+            const std::string& key = it.key();
+            if (key.empty() || key.size() > 5 || !std::all_of(key.begin(), key.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+                field.Fail("not an offset");
+            }
+            const uint32_t offset = static_cast<uint32_t>(std::stoul(key));
+            const uint32_t width = SubFieldWidth(type, offset);
+            if (offset + width > s.size()) field.Fail(fmt::format("beyond the sub-record's {} bytes", s.size()));
+            PutField(&s[offset], width, FieldValue(field, width));
+        }
+    }
+    if (references) {
+        if (type == kSubLaunch) WriteBE32(&s[kSubLaunchDocumentLength], documentLength);
+        const uint16_t flags = static_cast<uint16_t>((ReadBE16(&s[kSubFlags]) & ~kSubFlagOddPad) | (padded ? kSubFlagOddPad : 0));
+        WriteBE16(&s[kSubFlags], flags);
+    }
+    WriteBE16(&s[kSubType], static_cast<uint16_t>(type));
+    WriteBE32(&s[kSubLength], static_cast<uint32_t>(s.size()));
+    return s;
+}
+
+struct ItemShape {
+    const char* noun;
+    uint32_t headSize;
+    uint32_t nameOffset;
+    uint32_t nameSize;
+    ItemFieldTable fields;
+};
+
+ItemShape ShapeOf(int64_t kind) {
+    if (kind == kItemKindGraphic) return {"graphic", kGraphicHeadSize, kGraphicName, 16, kGraphicFields};
+    if (kind == kItemKindButton) return {"button", kButtonHeadSize, kButtonName, 32, kButtonFields};
+    return {"text field", kTextHeadSize, kTextName, 16, kTextFields};
+}
+
+// The numeric head fields by offset, as `info` prints them; the width comes from the kind's table.
+void PutNumericFields(uint8_t* head, const Node& item, const ItemShape& shape) {
+    const Node fields = item["fields"];
+    if (!fields.value().is_object()) fields.Fail("must be an object of offset: value");
+    for (auto it = fields.value().begin(); it != fields.value().end(); ++it) {
+        const Node field = fields[it.key()];
+        uint32_t width = 0;
+        for (uint32_t at : shape.fields.words) {
+            if (std::to_string(at) == it.key()) width = 2;
+        }
+        for (uint32_t at : shape.fields.longs) {
+            if (std::to_string(at) == it.key()) width = 4;
+        }
+        if (width == 0) field.Fail(fmt::format("a {} has no numeric field at this offset", shape.noun));
+        PutField(head + std::stoul(it.key()), width, FieldValue(field, width));
+    }
+}
+
+Bytes BuildItem(const Node& item, BuildState& st) {
+    if (!item.value().is_object()) item.Fail("must be an object");
+    if (!item.Has("kind")) item.FailAt("kind", "needs 16 (graphic), 48 (button) or 96 (text field)");
+    const int64_t kind = item["kind"].Int(kMin16, kMax16);
+    if (kind != kItemKindGraphic && kind != kItemKindButton && kind != kItemKindText) {
+        item["kind"].Fail(fmt::format("{} is not an item kind (16 graphic, 48 button, 96 text field)", kind));
+    }
+    const ItemShape shape = ShapeOf(kind);
+    Bytes head(shape.headSize, 0);
+    uint8_t* h = head.data();
+
+    for (const ReservedArea& area : kItemReservedAreas) {
+        if (area.kind == kind) PutReserved(h, item, area);
+    }
+    if (item.Has("fields")) PutNumericFields(h, item, shape);
+    for (const NamedItemField& named : kNamedItemFields) {
+        if (named.kind == kind && item.Has(named.key)) PutField(h + named.offset, named.width, FieldValue(item[named.key], named.width));
+    }
+    if (kind == kItemKindGraphic && item.Has("pictureRect")) PutRect(h + kGraphicRect2, item, "pictureRect");
+    PutName(h + shape.nameOffset, shape.nameSize, item, "name");
+
+    const int64_t id = item.Has("id") ? item["id"].Int(kMin16, kMax16) : NextId(&st.lastItemId);
+    if (!item.Has("rect")) item.FailAt("rect", "needs four numbers [left, top, right, bottom]");
+    const int64_t itemFlags = IntOr(item, "itemFlags", 0, 0, kMax16);
+    WriteBE16(h + kItemKind, static_cast<uint16_t>(kind));
+    WriteBE16(h + kItemId, static_cast<uint16_t>(id));
+    PutRect(h + kItemRect, item, "rect");
+    WriteBE16(h + kItemFlags, static_cast<uint16_t>(itemFlags));
+
+    Bytes body;
+    if (kind == kItemKindButton && !item.Has("raw") && !item.Has("rawFile")) {
+        for (const Node& sub : item.Elements("subRecords")) Append(body, BuildSubRecord(sub));
+    } else {
+        body = Content(item, "raw", "rawFile", st.baseDir);
+    }
+    const bool pictureSizeGiven = item.Has("pictureSize") || (item.Has("fields") && item["fields"].Has("60"));
+    if (kind == kItemKindGraphic && !pictureSizeGiven && !(itemFlags & kItemFlagFileRef)) {
+        // Without a file reference the picture is all the body holds, less the pad byte.
+        const size_t pad = (itemFlags & kItemFlagOddPad) && !body.empty() ? 1 : 0;
+        WriteBE32(h + kGraphicPictureSize, static_cast<uint32_t>(body.size() - pad));
+    }
+    WriteBE32(h + kItemLength, static_cast<uint32_t>(head.size() + body.size()));
+    Append(head, body);
+    return head;
+}
+
+Bytes BuildCard(const Node& card, BuildState& st) {
+    if (!card.value().is_object()) card.Fail("must be an object");
+    const int64_t kind = IntOr(card, "kind", card.Has("background") ? kCardKindPicture : kCardKindBlank, kMin16, kMax16);
+    if (kind != kCardKindBlank && kind != kCardKindPicture && kind != kCardKindGroupMember) {
+        card["kind"].Fail(fmt::format("{} is not a card kind (0, 1 or 3)", kind));
+    }
+    if (kind == kCardKindGroupMember && !card.Has("ownerId")) {
+        card.FailAt("ownerId", "a kind 3 card needs the id of the card whose picture it shows");
+    }
+    const int64_t ownerFallback = kind == kCardKindBlank ? -1 : 0;
+
+    Bytes c(kCardHeadSize, 0);
+    uint8_t* h = c.data();
+    for (const ReservedArea& area : kCardReservedAreas) PutReserved(h, card, area);
+    const int64_t id = card.Has("id") ? card["id"].Int(kMin16, kMax16) : NextId(&st.lastCardId);
+    WriteBE16(h + kCardId, static_cast<uint16_t>(id));
+    WriteBE16(h + kCardKind, static_cast<uint16_t>(kind));
+    WriteBE16(h + kCardOwnerId, static_cast<uint16_t>(IntOr(card, "ownerId", ownerFallback, kMin16, kMax16)));
+    WriteBE16(h + kCardFlags, static_cast<uint16_t>(IntOr(card, "cardFlags", 0, kMin16, kMax16)));
+    WriteBE16(h + kCardMenuShown, static_cast<uint16_t>(IntOr(card, "menuShown", 0, kMin16, kMax16)));
+    WriteBE16(h + kCardDepth, static_cast<uint16_t>(IntOr(card, "depth", st.depth, kMin16, kMax16)));
+    WriteBE16(h + kCardWidth, static_cast<uint16_t>(IntOr(card, "width", st.cardWidth, kMin16, kMax16)));
+    WriteBE16(h + kCardHeight, static_cast<uint16_t>(IntOr(card, "height", st.cardHeight, kMin16, kMax16)));
+    PutName(h + kCardName, 16, card, "name");
+    WriteBE16(h + kCardArriveAction, static_cast<uint16_t>(IntOr(card, "arriveAction", 0, kMin16, kMax16)));
+    WriteBE16(h + kCardLeaveAction, static_cast<uint16_t>(IntOr(card, "leaveAction", 0, kMin16, kMax16)));
+    WriteBE16(h + kCardClickAction, static_cast<uint16_t>(IntOr(card, "clickAction", 0, kMin16, kMax16)));
+    WriteBE16(h + kCardCursor, static_cast<uint16_t>(IntOr(card, "cardCursor", 0, kMin16, kMax16)));
+    WriteBE16(h + kCardReserved56, static_cast<uint16_t>(IntOr(card, "reserved56", 0, kMin16, kMax16)));
+
+    if (kind == kCardKindPicture) {
+        if (!card.Has("background")) card.FailAt("background", "a kind 1 card needs its background");
+        Append(c, BuildBackground(card["background"], st));
+    } else if (card.Has("background")) {
+        card["background"].Fail("only a kind 1 card has a background of its own");
+    }
+    for (const Node& item : card.Elements("items")) Append(c, BuildItem(item, st));
+    Append(c, {0, 0, 0xFA, 0xCE});
+    WriteBE32(&c[kCardSize], static_cast<uint32_t>(c.size()));
+    return c;
+}
+
+Bytes BuildRecord(const Node& record, const BuildState& st) {
+    if (!record.value().is_object()) record.Fail("must be an object");
+    if (!record.Has("type")) record.FailAt("type", "needs four characters, as \"Actn\"");
+    const std::string type = record["type"].Text();
+    if (type.size() != 4) record["type"].Fail("needs four characters, as \"Actn\"");
+    if (!record.Has("id")) record.FailAt("id", "needs the record's id");
+
+    Bytes e(kBlobHeadSize, 0);
+    std::memcpy(&e[kBlobHeadType], type.data(), 4);
+    WriteBE16(&e[kBlobHeadId], static_cast<uint16_t>(record["id"].Int(0, kMax16)));
+    WriteBE16(&e[kBlobHeadReserved6], static_cast<uint16_t>(IntOr(record, "reserved6", 0, kMin16, kMax16)));
+    PutName(&e[kBlobHeadName], kBlobNameSize, record, "name");
+    uint32_t flags = static_cast<uint32_t>(IntOr(record, "flags", 0, kMin32, kMax32));
+    if (record.Has("deleted") && record["deleted"].Bool()) flags |= kBlobDeleted;
+    WriteBE32(&e[kBlobHeadFlags], flags);
+    PutReserved(e.data(), record, {0, "reserved52", kBlobHeadReserved52, kBlobHeadReserved52Size});
+
+    Bytes data = Content(record, "hex", "file", st.baseDir);
+    const uint32_t size = static_cast<uint32_t>(data.size());
+    WriteBE32(&e[kBlobHeadSizeField], size);
+    WriteBE32(&e[kBlobHeadNext], (size + 3) & ~3u);
+    data.resize((size + 3) & ~3u, 0);
+    Append(e, data);
+    return e;
+}
+
+struct HeaderWord {
+    const char* key;
+    uint32_t offset;
+};
+
+constexpr HeaderWord kHeaderWords[] = {
+    {"autoSave", kHdrAutoSave},
+    {"advancedUser", kHdrAdvancedUser},
+    {"reserved6", kHdrReserved6},
+    {"version", kHdrVersion},
+    {"nextCardId", kHdrNextCardId},
+    {"nextItemId", kHdrNextItemId},
+    {"stackFlags", kHdrStackFlags},
+    {"depth", kHdrDepth},
+    {"reserved18", kHdrReserved18},
+    {"autoTimers", kHdrAutoTimers},
+    {"reserved22", kHdrReserved22},
+    {"locked", kHdrLocked},
+    {"showCardNumber", kHdrShowCardNumber},
+    {"presentationMode", kHdrPresentationMode},
+    {"presentationColor", kHdrPresentationColor},
+    {"reserved52", kHdrReserved52},
+    {"windowFlags", kHdrWindowFlags},
+    {"cardWidth", kHdrCardWidth},
+    {"cardHeight", kHdrCardHeight},
+    {"arriveAction", kHdrArriveAction},
+    {"leaveAction", kHdrLeaveAction},
+    {"stackCursor", kHdrStackCursor},
+    {"clickAction", kHdrClickAction},
+};
+
+// What a new stack holds where the description says nothing.
+int64_t HeaderFallback(uint32_t offset, const BuildState& st) {
+    switch (offset) {
+        case kHdrVersion: return kCurrentStackVersion;
+        case kHdrNextCardId: return st.lastCardId + 1;
+        case kHdrNextItemId: return st.lastItemId + 1;
+        case kHdrDepth: return st.depth;
+        case kHdrAutoTimers: return 1;
+        case kHdrPresentationColor: return 1;
+        case kHdrCardWidth: return st.cardWidth;
+        case kHdrCardHeight: return st.cardHeight;
+        default: return 0;
+    }
+}
+
+Bytes BuildHeader(const Node& root, const BuildState& st, uint32_t cardCount, uint32_t blobOffset, uint32_t blobCount) {
+    Bytes h(kStackHeaderSize, 0);
+    for (const HeaderWord& word : kHeaderWords) {
+        WriteBE16(&h[word.offset], static_cast<uint16_t>(IntOr(root, word.key, HeaderFallback(word.offset, st), kMin16, kMax16)));
+    }
+    WriteBE16(&h[kHdrCardCount], static_cast<uint16_t>(cardCount));
+    PutReserved(h.data(), root, {0, "reserved28", kHdrReserved28, 4});
+    PutReserved(h.data(), root, {0, "reserved80", kHdrReserved80, kHdrReserved80Size});
+    if (root.Has("password")) {
+        // Zero-terminated in its 16 bytes.
+        const std::string password = root["password"].Text();
+        if (password.size() > 15) root["password"].Fail("longer than 15 characters");
+        std::memcpy(&h[kHdrPassword], password.data(), password.size());
+    }
+    WriteBE32(&h[kHdrBlobOffset], blobOffset);
+    WriteBE32(&h[kHdrBlobCount], blobCount);
+    WriteBE32(&h[kHdrNextBlobId], static_cast<uint32_t>(IntOr(root, "nextBlobId", 0, kMin32, kMax32)));
+    return h;
+}
+
+// The highest id given in the description, so that cards and items without one get fresh ids.
+void ScanIds(const std::vector<Node>& cards, BuildState* st) {
+    for (const Node& card : cards) {
+        if (card.Has("id")) st->lastCardId = std::max(st->lastCardId, card["id"].Int(kMin16, kMax16));
+        for (const Node& item : card.Elements("items")) {
+            if (item.Has("id")) st->lastItemId = std::max(st->lastItemId, item["id"].Int(kMin16, kMax16));
+        }
+    }
+}
+
+Bytes Build(const Json& description, const std::filesystem::path& baseDir) {
+    if (!description.is_object()) throw BuildError{"the description must be a JSON object"};
+    const Node root(description, "");
+    BuildState st;
+    st.baseDir = baseDir;
+    st.depth = IntOr(root, "depth", st.depth, kMin16, kMax16);
+    st.cardWidth = IntOr(root, "cardWidth", st.cardWidth, kMin16, kMax16);
+    st.cardHeight = IntOr(root, "cardHeight", st.cardHeight, kMin16, kMax16);
+
+    const std::vector<Node> cardNodes = root.Elements("cards");
+    if (cardNodes.empty()) root.FailAt("cards", "a stack needs at least one card");
+    if (cardNodes.size() > static_cast<size_t>(kMaxSigned16)) root.FailAt("cards", "more cards than a stack can count");
+    ScanIds(cardNodes, &st);
+    Bytes cards;
+    for (const Node& card : cardNodes) Append(cards, BuildCard(card, st));
+
+    const std::vector<Node> recordNodes = root.Elements("records");
+    if (recordNodes.size() > kMaxBlobEntries) root.FailAt("records", "more than 65,536 records");
+    Bytes records;
+    for (const Node& record : recordNodes) Append(records, BuildRecord(record, st));
+
+    const uint64_t blobOffset = kStackHeaderSize + cards.size();
+    if (blobOffset + records.size() > std::numeric_limits<uint32_t>::max()) throw BuildError{"the stack would pass 4 GB"};
+    Bytes file = BuildHeader(root, st, static_cast<uint32_t>(cardNodes.size()), static_cast<uint32_t>(blobOffset),
+                             static_cast<uint32_t>(recordNodes.size()));
+    Append(file, cards);
+    Append(file, records);
+    return file;
+}
+
+}  // namespace
+
+bool StoredFileReference(const std::string& path, const std::string& name, std::vector<uint8_t>* bytes,
+                         std::string* error) {
+    std::string stored = Windows1252FromUtf8(path);
+    std::string file = Windows1252FromUtf8(name);
+    if (file.empty()) {
+        const size_t separator = stored.find_last_of("\\:");
+        file = separator == std::string::npos ? stored : stored.substr(separator + 1);
+    }
+    // A drive path "C:\a\b" becomes "C::a:b": the form that tells a reader it was written here.
+    std::replace(stored.begin(), stored.end(), '\\', ':');
+    if (stored.size() > kMaxStringLength || file.size() > kMaxStringLength) {
+        *error = fmt::format("the {} is longer than 255 characters", stored.size() > kMaxStringLength ? "path" : "name");
+        return false;
+    }
+    bytes->clear();
+    bytes->push_back(static_cast<uint8_t>(stored.size()));
+    bytes->insert(bytes->end(), stored.begin(), stored.end());
+    if (bytes->size() % 2 != 0) bytes->push_back(0);
+    bytes->insert(bytes->end(), 6, 0);
+    bytes->push_back(static_cast<uint8_t>(file.size()));
+    bytes->insert(bytes->end(), file.begin(), file.end());
+    return true;
+}
+
+bool BuildStack(const nlohmann::ordered_json& description, const std::filesystem::path& baseDir,
+                std::vector<uint8_t>* bytes, std::string* error) {
+    try {
+        *bytes = Build(description, baseDir);
+        return true;
+    } catch (const BuildError& e) {
+        *error = e.message;
+        return false;
+    }
+}
