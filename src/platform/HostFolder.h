@@ -1,0 +1,12 @@
+// Folders of the player's own on the host: the private folder a streamed stack lives in, so that
+// what the stack may reach beside itself is nothing but itself.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Makes a new folder inside `parent`, named `prefix` and a unique tail, that only this user can
+// enter; returns its host path, or "" when it can't be made. Honours the file layer's locked folder.
+std::string MakePrivateHostFolder(const std::string& parent, const std::string& prefix);
+// Removes an empty folder: 0, or -1 (not empty, missing, or not a folder).
+int32_t RemoveHostFolder(const std::string& hostPath);

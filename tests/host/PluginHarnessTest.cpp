@@ -1,0 +1,545 @@
+// The plug-in module as a browser meets it: loaded with dlopen, given a browser's function table and
+// memory, and driven through its entry points in a browser's order. The module carries its own copy
+// of the player, so what the player shows is asked of the module through its probe.
+#ifdef QB_NPAPI_MODULE
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "PluginProbe.h"
+#include "host/PluginApi.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kFixtures = QB_FIXTURES_DIR;
+char kMimeType[] = "application/qbrk";
+
+using NP_GetEntryPointsProc = NPError (*)(NPPluginFuncs*);
+using NP_InitializeProc = NPError (*)(NPNetscapeFuncs*);
+using NP_ShutdownProc = NPError (*)();
+using NP_GetMIMEDescriptionProc = const char* (*)();
+using NP_GetValueProc = NPError (*)(void*, NPPVariable, void*);
+
+// The browser keeps one module per process, as the player keeps its state until the process ends.
+struct PluginModule {
+    void* handle = nullptr;
+    NP_GetEntryPointsProc getEntryPoints = nullptr;
+    NP_InitializeProc initialize = nullptr;
+    NP_ShutdownProc shutdown = nullptr;
+    NP_GetMIMEDescriptionProc getMimeDescription = nullptr;
+    NP_GetValueProc getValue = nullptr;
+    QB_TestStateProc state = nullptr;
+    QB_TestClearAlertsProc clearAlerts = nullptr;
+    QB_TestSetStreamFaultProc setStreamFault = nullptr;
+};
+
+template <typename Proc>
+void Find(void* handle, const char* name, Proc* proc) {
+    *proc = reinterpret_cast<Proc>(dlsym(handle, name));
+}
+
+const PluginModule& TheModule() {
+    static const PluginModule module = [] {
+        PluginModule m;
+        m.handle = dlopen(QB_NPAPI_MODULE, RTLD_NOW | RTLD_LOCAL);
+        if (!m.handle) return m;
+        Find(m.handle, "NP_GetEntryPoints", &m.getEntryPoints);
+        Find(m.handle, "NP_Initialize", &m.initialize);
+        Find(m.handle, "NP_Shutdown", &m.shutdown);
+        Find(m.handle, "NP_GetMIMEDescription", &m.getMimeDescription);
+        Find(m.handle, "NP_GetValue", &m.getValue);
+        Find(m.handle, "QB_TestState", &m.state);
+        Find(m.handle, "QB_TestClearAlerts", &m.clearAlerts);
+        Find(m.handle, "QB_TestSetStreamFault", &m.setStreamFault);
+        return m;
+    }();
+    return module;
+}
+
+// The browser's memory, and every call the module makes on the browser.
+struct BrowserLog {
+    std::vector<uint32_t> allocations;  // sizes asked for
+    std::set<void*> live;
+    bool refuse = false;
+    int otherCalls = 0;  // to anything but memory
+    int strayFrees = 0;  // of memory the browser never gave
+};
+BrowserLog gBrowser;
+
+void* BrowserMemAlloc(uint32_t size) {
+    gBrowser.allocations.push_back(size);
+    if (gBrowser.refuse) return nullptr;
+    void* p = std::malloc(std::max<uint32_t>(size, 1));
+    gBrowser.live.insert(p);
+    return p;
+}
+
+void BrowserMemFree(void* p) {
+    if (gBrowser.live.erase(p) == 0) {
+        ++gBrowser.strayFrees;
+        return;
+    }
+    std::free(p);
+}
+
+NPNetscapeFuncs BrowserTable() {
+    NPNetscapeFuncs t{};
+    t.size = sizeof(NPNetscapeFuncs);
+    t.version = 0x0013;
+    t.geturl = [](NPP, const char*, const char*) -> NPError { return ++gBrowser.otherCalls, 0; };
+    t.posturl = [](NPP, const char*, const char*, uint32_t, const char*, NPBool) -> NPError {
+        return ++gBrowser.otherCalls, 0;
+    };
+    t.requestread = [](NPStream*, NPByteRange*) -> NPError { return ++gBrowser.otherCalls, 0; };
+    t.newstream = [](NPP, NPMIMEType, const char*, NPStream**) -> NPError { return ++gBrowser.otherCalls, 0; };
+    t.write = [](NPP, NPStream*, int32_t, void*) -> int32_t { return ++gBrowser.otherCalls, 0; };
+    t.destroystream = [](NPP, NPStream*, NPReason) -> NPError { return ++gBrowser.otherCalls, 0; };
+    t.status = [](NPP, const char*) { ++gBrowser.otherCalls; };
+    t.uagent = [](NPP) -> const char* { return ++gBrowser.otherCalls, "harness"; };
+    t.memalloc = BrowserMemAlloc;
+    t.memfree = BrowserMemFree;
+    t.memflush = [](uint32_t) -> uint32_t { return ++gBrowser.otherCalls, 0; };
+    t.reloadplugins = [](NPBool) { ++gBrowser.otherCalls; };
+    return t;
+}
+
+// The smallest size fields at this platform's layout, worked out from the tables themselves.
+constexpr uint16_t kPluginMin = offsetof(NPPluginFuncs, event) + sizeof(NPP_HandleEventProcPtr);
+constexpr uint16_t kBrowserMin = offsetof(NPNetscapeFuncs, reloadplugins) + sizeof(NPN_ReloadPluginsProcPtr);
+
+std::vector<int> Alerts(const QbPluginProbe& p) { return std::vector<int>(p.alertIds, p.alertIds + p.alertCount); }
+
+class PluginHarness : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_NE(TheModule().handle, nullptr) << dlerror();
+        ASSERT_TRUE(TheModule().state && TheModule().clearAlerts && TheModule().setStreamFault);
+        gBrowser = BrowserLog{};
+        // The module's temporary folder, to see what it leaves there.
+        if (const char* old = std::getenv("TMPDIR")) oldTmp_ = old;
+        tmp_ = fs::temp_directory_path() / ("qb-plugin-harness-" + std::to_string(::getpid()));
+        fs::create_directories(tmp_);
+        ::setenv("TMPDIR", tmp_.c_str(), 1);
+        Module().setStreamFault(kQbNoFault);
+        Module().clearAlerts();
+        browser_ = BrowserTable();
+        plugin_.size = sizeof(NPPluginFuncs);
+        ASSERT_EQ(Module().getEntryPoints(&plugin_), NPERR_NO_ERROR);
+        ASSERT_EQ(Module().initialize(&browser_), NPERR_NO_ERROR);
+    }
+
+    void TearDown() override {
+        for (const auto& instance : instances_) {
+            if (instance->pdata) {
+                EXPECT_EQ(plugin_.destroy(instance.get(), nullptr), NPERR_NO_ERROR);
+            }
+        }
+        EXPECT_EQ(Module().shutdown(), NPERR_NO_ERROR);
+        Module().setStreamFault(kQbNoFault);
+        EXPECT_TRUE(gBrowser.live.empty()) << "instance data left with the browser";
+        EXPECT_EQ(gBrowser.strayFrees, 0);
+        EXPECT_EQ(gBrowser.otherCalls, 0) << "the instance code uses only the browser's memory";
+        if (oldTmp_.empty()) ::unsetenv("TMPDIR");
+        else ::setenv("TMPDIR", oldTmp_.c_str(), 1);
+        std::error_code ignored;
+        fs::remove_all(tmp_, ignored);
+    }
+
+    static const PluginModule& Module() { return TheModule(); }
+    static QbPluginProbe Probe() {
+        QbPluginProbe p{};
+        Module().state(&p);
+        return p;
+    }
+
+    NPP NewInstance() {
+        instances_.push_back(std::make_unique<NPP_t>());
+        NPP instance = instances_.back().get();
+        EXPECT_EQ(plugin_.newp(kMimeType, instance, NP_EMBED, 0, nullptr, nullptr, nullptr), NPERR_NO_ERROR);
+        return instance;
+    }
+
+    NPError SetWindow(NPP instance, void* handle) {
+        NPWindow window{};
+        window.window = handle;
+        window.width = 640;
+        window.height = 480;
+        window.type = NPWindowTypeWindow;
+        return plugin_.setwindow(instance, &window);
+    }
+
+    // A browser's delivery: ask how much the plug-in takes, offer at most that, in the chunk sizes
+    // given (repeated until the bytes are all out), then end the stream.
+    void Stream(NPP instance, const Bytes& bytes, const std::vector<size_t>& chunks, NPReason reason = NPRES_DONE) {
+        NPStream stream{};
+        stream.url = "http://example.test/stack.stk";
+        stream.end = static_cast<uint32_t>(bytes.size());
+        uint16_t stype = NP_NORMAL;
+        ASSERT_EQ(plugin_.newstream(instance, kMimeType, &stream, false, &stype), NPERR_NO_ERROR);
+        EXPECT_EQ(stype, NP_NORMAL);
+        size_t offset = 0;
+        for (size_t i = 0; offset < bytes.size(); ++i) {
+            const int32_t ready = plugin_.writeready(instance, &stream);
+            ASSERT_EQ(ready, 0x0FFFFFFF);
+            const size_t n = std::min({chunks[i % chunks.size()], bytes.size() - offset, size_t(ready)});
+            Bytes chunk(bytes.begin() + static_cast<ptrdiff_t>(offset), bytes.begin() + static_cast<ptrdiff_t>(offset + n));
+            ASSERT_EQ(plugin_.write(instance, &stream, static_cast<int32_t>(offset), static_cast<int32_t>(n), chunk.data()),
+                      static_cast<int32_t>(n));
+            offset += n;
+        }
+        EXPECT_EQ(plugin_.destroystream(instance, &stream, reason), NPERR_NO_ERROR);
+    }
+
+    int StreamFolders() const {
+        int n = 0;
+        for (const auto& entry : fs::directory_iterator(tmp_)) n += entry.path().filename().string().rfind("qbstream-", 0) == 0;
+        return n;
+    }
+
+    NPNetscapeFuncs browser_{};
+    NPPluginFuncs plugin_{};
+    std::vector<std::unique_ptr<NPP_t>> instances_;
+    fs::path tmp_;
+    std::string oldTmp_;
+    int windowA_ = 0, windowB_ = 0;  // their addresses are the host's window handles
+};
+
+TEST_F(PluginHarness, EntryPointsCheckTheTableSize) {
+    struct Case {
+        uint16_t size;
+        NPError expected;
+    };
+    for (const Case& c : {Case{0, 3}, Case{kPluginMin - 1, 3}, Case{kPluginMin, 0}, Case{sizeof(NPPluginFuncs), 0},
+                          Case{0xFFFF, 0}}) {
+        SCOPED_TRACE(c.size);
+        NPPluginFuncs table{};
+        std::memset(&table, 0xA5, sizeof(table));
+        table.size = c.size;
+        ASSERT_EQ(Module().getEntryPoints(&table), c.expected);
+        if (c.expected != 0) {
+            EXPECT_EQ(table.version, 0xA5A5) << "a refused table is left alone";
+            continue;
+        }
+        EXPECT_EQ(table.version, 6);
+        for (const void* slot : {(void*)table.newp, (void*)table.destroy, (void*)table.setwindow, (void*)table.newstream,
+                                 (void*)table.destroystream, (void*)table.asfile, (void*)table.writeready,
+                                 (void*)table.write, (void*)table.print})
+            EXPECT_NE(slot, nullptr);
+        EXPECT_EQ(table.event, nullptr) << "NPP_HandleEvent is not in the table";
+    }
+    EXPECT_EQ(Module().getEntryPoints(nullptr), 3);
+}
+
+TEST_F(PluginHarness, InitializeChecksTheMajorVersionThenTheSize) {
+    struct Case {
+        uint16_t size;
+        uint16_t version;
+        NPError expected;
+    };
+    const Case cases[] = {
+        {kBrowserMin - 1, 0x0013, 3}, {kBrowserMin, 0x0013, 0}, {sizeof(NPNetscapeFuncs), 0x00FF, 0},
+        {kBrowserMin, 0x0100, 8},     {kBrowserMin - 1, 0x0100, 8}, {kBrowserMin, 0x1206, 8},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "size " << c.size << " version " << c.version);
+        NPNetscapeFuncs table = BrowserTable();
+        table.size = c.size;
+        table.version = c.version;
+        EXPECT_EQ(Module().initialize(&table), c.expected);
+        EXPECT_EQ(Probe().browserFunctions, &table) << "the table is kept whatever the result";
+    }
+    NPNetscapeFuncs kept = BrowserTable();
+    ASSERT_EQ(Module().initialize(&kept), 0);
+    EXPECT_EQ(Module().initialize(nullptr), 3);
+    EXPECT_EQ(Probe().browserFunctions, &kept) << "a null table is not stored";
+    EXPECT_EQ(Module().shutdown(), 0);
+    EXPECT_EQ(Probe().browserFunctions, nullptr);
+    ASSERT_EQ(Module().initialize(&browser_), 0);
+}
+
+TEST_F(PluginHarness, TableThresholdsAtBothLayouts) {
+    struct Case {
+        size_t pointerSize;
+        int slots;
+        uint16_t size;
+        NPError expected;
+    };
+    const Case cases[] = {
+        {4, 10, 43, 3},
+        {4, 10, 44, 0},
+        {4, 12, 51, 3},
+        {4, 12, 52, 0},
+        {sizeof(void*), 10, kPluginMin - 1, 3},
+        {sizeof(void*), 10, kPluginMin, 0},
+        {sizeof(void*), 12, kBrowserMin - 1, 3},
+        {sizeof(void*), 12, kBrowserMin, 0},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(CheckTableSize(c.size, c.pointerSize, c.slots), c.expected)
+            << c.pointerSize << "-byte slots, " << c.slots << " slots, size " << c.size;
+    }
+}
+
+TEST_F(PluginHarness, ModuleDescribesItself) {
+    EXPECT_STREQ(Module().getMimeDescription(), "application/qbrk:stk:Quillbrook");
+    const char* text = nullptr;
+    ASSERT_EQ(Module().getValue(nullptr, NPPVpluginNameString, &text), 0);
+    EXPECT_STREQ(text, "Quillbrook");
+    ASSERT_EQ(Module().getValue(nullptr, NPPVpluginDescriptionString, &text), 0);
+    EXPECT_NE(std::string(text).find("Quillbrook"), std::string::npos);
+    EXPECT_EQ(Module().getValue(nullptr, static_cast<NPPVariable>(99), &text), NPERR_INVALID_PARAM);
+    EXPECT_EQ(Module().getValue(nullptr, NPPVpluginNameString, nullptr), NPERR_INVALID_PARAM);
+    EXPECT_NE(Probe().moduleInstance, nullptr) << "the module's load was recorded";
+}
+
+TEST_F(PluginHarness, InstanceFunctionsRefuseBadArguments) {
+    NPP_t noData{};
+    NPWindow window{};
+    uint16_t stype = NP_NORMAL;
+    EXPECT_EQ(plugin_.newp(kMimeType, nullptr, NP_EMBED, 0, nullptr, nullptr, nullptr), 2);
+    EXPECT_EQ(plugin_.destroy(nullptr, nullptr), 2);
+    EXPECT_EQ(plugin_.setwindow(nullptr, &window), 2);
+    EXPECT_EQ(plugin_.newstream(nullptr, kMimeType, nullptr, false, &stype), 2);
+    EXPECT_EQ(plugin_.destroystream(nullptr, nullptr, NPRES_DONE), 2);
+    EXPECT_EQ(plugin_.setwindow(&noData, &window), 1) << "no instance data";
+    EXPECT_EQ(plugin_.destroy(&noData, nullptr), 0);
+    NPP instance = NewInstance();
+    EXPECT_EQ(plugin_.setwindow(instance, nullptr), 1) << "no window record";
+    EXPECT_TRUE(gBrowser.allocations.size() == 1 && gBrowser.live.size() == 1);
+}
+
+TEST_F(PluginHarness, NewAsksTheBrowserForInstanceData) {
+    NPP instance = NewInstance();
+    ASSERT_NE(instance->pdata, nullptr);
+    // A pointer-sized window and a 16-bit mode, packed: six bytes on a 32-bit layout.
+    EXPECT_EQ(gBrowser.allocations, std::vector<uint32_t>{sizeof(void*) + 2});
+    EXPECT_EQ(plugin_.destroy(instance, nullptr), 0);
+    EXPECT_EQ(instance->pdata, nullptr);
+    EXPECT_TRUE(gBrowser.live.empty());
+
+    gBrowser.refuse = true;
+    NPP_t refused{};
+    EXPECT_EQ(plugin_.newp(kMimeType, &refused, NP_FULL, 0, nullptr, nullptr, nullptr), NPERR_OUT_OF_MEMORY_ERROR);
+    EXPECT_EQ(refused.pdata, nullptr);
+}
+
+TEST_F(PluginHarness, FirstWindowStartsThePlayerAndLaterOnesChangeNothing) {
+    NPP instance = NewInstance();
+    ASSERT_EQ(SetWindow(instance, &windowA_), 0);
+    QbPluginProbe p = Probe();
+    EXPECT_EQ(p.mainWindow, &windowA_);
+    EXPECT_EQ(p.handledWindow, &windowA_);
+    EXPECT_EQ(p.timerPeriodMs, 55u);
+    EXPECT_TRUE(p.applicationStarted);
+    EXPECT_NE(std::string(p.artFolder).find("\\QBArt\\"), std::string::npos) << p.artFolder;
+
+    Stream(instance, ReadWholeFile(kFixtures + "/sample-cards.stk"), {65536});
+    ASSERT_EQ(Probe().cardCount, 4);
+    // A second window, a resize of the first, a null handle: none of them is taken.
+    for (void* handle : {static_cast<void*>(&windowB_), static_cast<void*>(&windowA_), static_cast<void*>(nullptr)}) {
+        EXPECT_EQ(SetWindow(instance, handle), 0);
+        p = Probe();
+        EXPECT_EQ(p.mainWindow, &windowA_);
+        EXPECT_EQ(p.handledWindow, &windowA_);
+        EXPECT_EQ(p.cardCount, 4) << "the open stack is untouched";
+        EXPECT_EQ(p.currentCardId, 2);
+    }
+    EXPECT_EQ(gBrowser.allocations.size(), 1u);
+
+    // An instance that ends stops handling its window; the player itself lives on.
+    ASSERT_EQ(plugin_.destroy(instance, nullptr), 0);
+    p = Probe();
+    EXPECT_EQ(p.handledWindow, nullptr);
+    EXPECT_EQ(p.cardCount, 4);
+
+    // A later instance's first window takes over the running player without starting it again.
+    NPP next = NewInstance();
+    EXPECT_EQ(SetWindow(next, nullptr), 0);
+    EXPECT_EQ(Probe().mainWindow, &windowA_) << "a null handle is not a window";
+    EXPECT_EQ(SetWindow(next, &windowB_), 0);
+    p = Probe();
+    EXPECT_EQ(p.mainWindow, &windowB_);
+    EXPECT_EQ(p.handledWindow, &windowB_);
+    EXPECT_EQ(p.cardCount, 4);
+}
+
+TEST_F(PluginHarness, StreamedFixtureOpensAtItsFirstCard) {
+    const Bytes fixture = ReadWholeFile(kFixtures + "/sample-cards.stk");
+    ASSERT_EQ(fixture.size(), 49500u);
+    struct Case {
+        const char* name;
+        std::vector<size_t> chunks;
+    };
+    const Case cases[] = {
+        {"one byte at a time", {1}},
+        {"odd sizes", {3, 17, 4093, 1, 511}},
+        {"64 KB", {65536}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        NPP instance = NewInstance();
+        ASSERT_EQ(SetWindow(instance, &windowA_), 0);
+        const int repaints = Probe().repaintRequests;
+        Module().clearAlerts();
+        Stream(instance, fixture, c.chunks);
+
+        const QbPluginProbe p = Probe();
+        EXPECT_EQ(Alerts(p), std::vector<int>{});
+        EXPECT_EQ(p.cardCount, 4);
+        EXPECT_EQ(p.currentCardId, 2) << "the first card in the file is current";
+        EXPECT_TRUE(p.hasFile);
+        EXPECT_EQ(p.repaintRequests, repaints + 1);
+        // The file: "stk" and a number, alone in a folder that only this user can enter.
+        const fs::path file = p.streamPath;
+        EXPECT_EQ(file.filename().string().rfind("stk", 0), 0u) << file;
+        EXPECT_EQ(p.stackName, file.filename().string());
+        EXPECT_EQ(file.parent_path().parent_path(), tmp_);
+        EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()), 1);
+        struct stat st {};
+        ASSERT_EQ(::stat(file.parent_path().c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 0777, 0700u);
+        EXPECT_EQ(ReadWholeFile(file), fixture) << "written in order, every byte once";
+
+        ASSERT_EQ(plugin_.destroy(instance, nullptr), 0);
+        EXPECT_FALSE(fs::exists(file));
+        EXPECT_FALSE(fs::exists(file.parent_path()));
+    }
+}
+
+TEST_F(PluginHarness, DamagedStackGivesTheAlertAndABlankStack) {
+    const Bytes fixture = ReadWholeFile(kFixtures + "/sample-cards.stk");
+    struct Case {
+        const char* name;
+        Bytes bytes;
+        NPReason reason;
+        std::vector<int> alerts;
+    };
+    const Case cases[] = {
+        {"not a stack", Bytes(600, 'x'), NPRES_DONE, {2268}},
+        {"nothing came", Bytes{}, NPRES_DONE, {2268}},
+        {"broken off inside the header", Bytes(fixture.begin(), fixture.begin() + 100), NPRES_NETWORK_ERR, {2268}},
+        {"broken off inside the cards", Bytes(fixture.begin(), fixture.begin() + 200), NPRES_NETWORK_ERR, {2235, 2305}},
+    };
+    NPP instance = NewInstance();
+    ASSERT_EQ(SetWindow(instance, &windowA_), 0);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Module().clearAlerts();
+        Stream(instance, c.bytes, {4096}, c.reason);
+        QbPluginProbe p = Probe();
+        EXPECT_EQ(Alerts(p), c.alerts);
+        EXPECT_EQ(p.cardCount, 1);
+        EXPECT_EQ(p.currentCardId, 1);
+        EXPECT_FALSE(p.hasFile);
+        EXPECT_STREQ(p.stackName, "Untitled");
+
+        // The player stays usable: the next stream opens.
+        Module().clearAlerts();
+        Stream(instance, fixture, {65536});
+        p = Probe();
+        EXPECT_EQ(p.alertCount, 0);
+        EXPECT_EQ(p.cardCount, 4);
+        EXPECT_EQ(p.currentCardId, 2);
+    }
+}
+
+TEST_F(PluginHarness, WriteAfterAFailedNewStreamTakesNothing) {
+    const Bytes fixture = ReadWholeFile(kFixtures + "/sample-cards.stk");
+    for (QbStreamFault fault : {kQbTempFolderLocked, kQbNextOpenFails}) {
+        SCOPED_TRACE(fault);
+        NPP instance = NewInstance();
+        ASSERT_EQ(SetWindow(instance, &windowA_), 0);
+        Stream(instance, fixture, {65536});
+        const QbPluginProbe before = Probe();
+        const std::string earlier = before.streamPath;
+        ASSERT_TRUE(fs::exists(earlier));
+
+        Module().setStreamFault(fault);
+        NPStream stream{};
+        uint16_t stype = NP_NORMAL;
+        EXPECT_EQ(plugin_.newstream(instance, kMimeType, &stream, false, &stype), NPERR_GENERIC_ERROR);
+        Module().setStreamFault(kQbNoFault);
+        EXPECT_FALSE(Probe().streamFileSet);
+        EXPECT_EQ(StreamFolders(), 1) << "nothing is left of the failed stream";
+        Bytes junk(70000, 'j');
+        for (int32_t len : {1, 4096, 70000})
+            EXPECT_EQ(plugin_.write(instance, &stream, 0, len, junk.data()), len) << "the browser never stalls";
+        EXPECT_EQ(plugin_.destroystream(instance, &stream, NPRES_DONE), 0);
+
+        const QbPluginProbe after = Probe();
+        EXPECT_EQ(ReadWholeFile(earlier), fixture) << "the earlier stream's file is untouched";
+        EXPECT_EQ(after.repaintRequests, before.repaintRequests) << "no stack was opened";
+        EXPECT_EQ(after.cardCount, 4);
+        EXPECT_EQ(after.alertCount, before.alertCount);
+        ASSERT_EQ(plugin_.destroy(instance, nullptr), 0);
+    }
+}
+
+TEST_F(PluginHarness, DestroyDeletesTheStreamFileOnlyWithInstanceData) {
+    for (bool withData : {false, true}) {
+        SCOPED_TRACE(withData ? "with instance data" : "without");
+        // No window: the stream comes in, and the page goes away before it ends.
+        NPP instance = NewInstance();
+        NPStream stream{};
+        uint16_t stype = NP_NORMAL;
+        ASSERT_EQ(plugin_.newstream(instance, kMimeType, &stream, false, &stype), 0);
+        char bytes[] = "0123456789";
+        ASSERT_EQ(plugin_.write(instance, &stream, 0, 10, bytes), 10);
+        const fs::path file = Probe().streamPath;
+
+        NPP_t empty{};
+        EXPECT_EQ(plugin_.destroy(withData ? instance : &empty, nullptr), 0);
+        EXPECT_EQ(fs::exists(file), !withData);
+        if (!withData) {
+            EXPECT_EQ(fs::file_size(file), 10u);
+            ASSERT_EQ(plugin_.destroy(instance, nullptr), 0);
+            EXPECT_FALSE(fs::exists(file));
+        }
+    }
+}
+
+TEST_F(PluginHarness, PrintGivesAnEmbeddedStackItsTokenLine) {
+    NPP instance = NewInstance();
+    int device = 0, window = 0;
+    const int lines = Probe().printedLineCount;
+
+    NPPrint embedded{};
+    embedded.mode = NP_EMBED;
+    embedded.print.embedPrint.window.window = &window;
+    embedded.print.embedPrint.platformPrint = &device;
+    plugin_.print(instance, &embedded);
+    QbPluginProbe p = Probe();
+    ASSERT_EQ(p.printedLineCount, lines + 1);
+    EXPECT_EQ(p.printDevice, &device);
+    EXPECT_EQ(std::vector<int16_t>(p.printLine, p.printLine + 4), (std::vector<int16_t>{0, 0, 500, 500}));
+    EXPECT_EQ(embedded.print.embedPrint.window.window, &window) << "the record is only read";
+
+    NPPrint full{};
+    full.mode = NP_FULL;
+    full.print.fullPrint.pluginPrinted = true;
+    full.print.fullPrint.printOne = true;
+    plugin_.print(instance, &full);
+    EXPECT_FALSE(full.print.fullPrint.pluginPrinted) << "the browser prints a full page itself";
+    EXPECT_TRUE(full.print.fullPrint.printOne);
+
+    plugin_.print(instance, nullptr);
+    plugin_.print(nullptr, &embedded);
+    EXPECT_EQ(Probe().printedLineCount, lines + 1) << "only the embedded print draws";
+}
+
+}  // namespace
+
+#endif  // QB_NPAPI_MODULE
