@@ -25,6 +25,8 @@ struct Host {
     void (*SetTimer)(uint32_t periodMs) = nullptr;
     // Shows a modal alert; returns the button pressed, 1 to 3 in the order of the string.
     int (*ShowAlert)(const AlertLayout& layout) = nullptr;
+    // Shows a plain message box with an OK button (texts in Windows-1252).
+    void (*ShowMessageBox)(const std::string& title, const std::string& text) = nullptr;
     // Shows an open or save dialog; false when cancelled.
     bool (*ChooseFile)(const FileChoice& choice, std::string* hostPath) = nullptr;
     // Shows or restores the wait cursor.

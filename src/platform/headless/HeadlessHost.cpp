@@ -19,6 +19,10 @@ int HeadlessShowAlert(const AlertLayout& layout) {
     return answer;
 }
 
+void HeadlessShowMessageBox(const std::string& title, const std::string& text) {
+    gState.messageBoxesShown.push_back({title, text});
+}
+
 bool HeadlessChooseFile(const FileChoice&, std::string* hostPath) {
     if (gState.fileChoices.empty()) return false;
     *hostPath = gState.fileChoices.front();
@@ -36,6 +40,7 @@ Host HeadlessHost() {
     host.GetTickCount = HeadlessTickCount;
     host.SetTimer = HeadlessSetTimer;
     host.ShowAlert = HeadlessShowAlert;
+    host.ShowMessageBox = HeadlessShowMessageBox;
     host.ChooseFile = HeadlessChooseFile;
     host.SetWaitCursor = HeadlessSetWaitCursor;
     return host;

@@ -17,11 +17,17 @@ struct HeadlessAlert {
     int answer = 0;  // the button given back, 1 to 3
 };
 
+struct HeadlessMessageBox {
+    std::string title;
+    std::string text;
+};
+
 struct HeadlessState {
     uint32_t clockMs = 0;
     uint32_t timerPeriodMs = 0;
     std::deque<int> alertAnswers;           // taken in order; empty: the default button
     std::vector<HeadlessAlert> alertsShown;  // every alert shown, in order
+    std::vector<HeadlessMessageBox> messageBoxesShown;  // every message box shown, in order
     std::deque<std::string> fileChoices;     // host paths; "" cancels; empty queue cancels
     int waitCursorDepth = 0;
 };
