@@ -16,6 +16,7 @@ struct LoadFault {
     std::string detail;       // what was wrong there, for people
 };
 
-// Reads the stack at `hostPath` (slot 1 is set to it). Returns fault->code. A stack that cannot be
-// used leaves the document empty and says which alerts the open shows.
+// Reads the stack at `hostPath` (slot 1 is set to it). Returns fault->code and says which alerts the
+// open shows. A refused or cardless stack leaves the document empty; cards read before a damaged one
+// stay, for the open flow to drop.
 int32_t ReadStackFile(const std::string& hostPath, LoadFault* fault);
