@@ -32,18 +32,25 @@ test-asan: deps
 	@cmake --build --preset asan -j $(JOBS)
 	ctest --preset asan -j $(JOBS)
 
+# The unit tests compiled with emscripten and run under node; the preset carries node's settings.
 test-wasm: deps-web
+	@scripts/build-web-deps.sh
 	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null
 	@cmake --build --preset wasm -j $(JOBS)
 	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
 
+# libFuzzer targets built with clang-14 + ASan + UBSan; each runs FUZZ_SECONDS (make fuzz FUZZ_SECONDS=60).
 fuzz: deps
 	@cmake --preset fuzz >/dev/null
 	@cmake --build --preset fuzz -j $(JOBS)
 	scripts/run-fuzz.sh build/fuzz $(FUZZ_SECONDS)
 
-bench: build-release
+# The benchmark is left out of the release build's default targets, so `make test` never builds it.
+bench: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release -j $(JOBS) --target qb_bench qb_codec_bench
 	build/release/bench/qb_bench
+	build/release/bench/qb_codec_bench
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

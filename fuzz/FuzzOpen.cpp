@@ -1,0 +1,105 @@
+// Opens arbitrary bytes as a stack: header, plausibility test, cards and their normalisation, the
+// record table, then a fetch of every record, and closes the stack again. Besides the sanitizers'
+// findings, it stops on broken promises of the open: an opened stack without cards or store, a
+// refusal without an alert, and handle memory left behind after CloseStack.
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "memory/MemRef.h"
+#include "stack/Blob.h"
+#include "stack/Document.h"
+#include "stack/StackReader.h"
+
+namespace {
+
+struct Harness {
+    std::string path;      // the one input file of this process, written anew for every input
+    int16_t baseline = 0;  // MemRefs in use with no stack open
+    bool verbose = false;  // QB_FUZZ_VERBOSE=1: say what the reader made of each input
+};
+
+[[noreturn]] void Broken(const char* what) {
+    std::fprintf(stderr, "fuzz_open: %s\n", what);
+    std::fflush(stderr);
+    abort();
+}
+
+bool WriteInput(const std::string& path, const uint8_t* data, size_t size) {
+    FILE* file = std::fopen(path.c_str(), "wb");
+    if (!file) return false;
+    const bool written = size == 0 || std::fwrite(data, 1, size, file) == size;
+    return std::fclose(file) == 0 && written;
+}
+
+// Reads every byte a handle claims to hold, so a size that overstates the block is caught.
+uint32_t Touch(MemRef ref) {
+    MemRefLock lock(ref);
+    if (!lock) return 0;
+    uint32_t sum = 0;
+    const uint32_t size = GetMemRefSize(ref);
+    for (uint32_t i = 0; i < size; ++i) sum += lock.data()[i];
+    return sum;
+}
+
+Harness& GetHarness() {
+    static Harness harness = [] {
+        Harness h;
+        std::string pattern = "/tmp/qb-fuzz-open-XXXXXX";
+        if (const char* dir = getenv("TMPDIR"); dir && *dir)
+            pattern = std::string(dir) + "/qb-fuzz-open-XXXXXX";
+        const int fd = mkstemp(pattern.data());
+        if (fd < 0) Broken("cannot make a temporary file");
+        close(fd);
+        h.path = pattern;
+        h.verbose = getenv("QB_FUZZ_VERBOSE") != nullptr;
+        if (!InitMemRefs()) Broken("InitMemRefs failed");
+        // A first, failing read sets up what lives for the whole process (the path slots).
+        LoadFault fault;
+        ReadStackFile(h.path, &fault);
+        CloseStack();
+        unlink(h.path.c_str());
+        h.baseline = GetMemRefTable().used;
+        return h;
+    }();
+    return harness;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Harness& h = GetHarness();
+    if (!WriteInput(h.path, data, size)) Broken("cannot write the input file");
+
+    LoadFault fault;
+    const int32_t code = ReadStackFile(h.path, &fault);
+    if (fault.opened && (code != 0 || CardCount() < 1 || GetDocument().storeRef == 0))
+        Broken("a stack counts as opened without cards or record store");
+    if (!fault.opened && fault.alerts.empty()) Broken("a stack that did not open names no alert");
+
+    volatile uint32_t sink = 0;
+    for (int32_t i = 1; i <= CardCount(); ++i) sink = sink + Touch(GetCardByPosition(i));
+    const uint32_t store = CurrentBlobStore();
+    const uint32_t entries = CountBlobEntries(store);
+    for (uint32_t i = 0; i < entries; ++i) {
+        BlobEntryInfo entry;
+        if (!GetBlobEntry(store, i, &entry)) Broken("a table row below the count cannot be read");
+        if (MemRef handle = GetBlobById(entry.type, entry.id)) sink = sink + Touch(handle);
+    }
+
+    if (h.verbose) {
+        std::fprintf(stderr, "  code %d, %d cards, %u records, alerts", code, CardCount(), entries);
+        for (int alert : fault.alerts) std::fprintf(stderr, " %d", alert);
+        std::fprintf(stderr, "%s%s\n", fault.detail.empty() ? "" : ": ", fault.detail.c_str());
+    }
+
+    CloseStack();
+    // libFuzzer leaves with _Exit, past any atexit: the file goes after every input instead.
+    unlink(h.path.c_str());
+    if (CardCount() != 0) Broken("cards remain after CloseStack");
+    if (GetMemRefTable().used != h.baseline) Broken("handle memory left behind after CloseStack");
+    return 0;
+}
