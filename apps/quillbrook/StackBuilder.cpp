@@ -7,8 +7,16 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
+#include <map>
+#include <unordered_map>
 
+#include "PngFile.h"
 #include "StackJson.h"
+#include "imaging/Background.h"
+#include "imaging/DibImage.h"
+#include "imaging/OwnedMemRef.h"
+#include "imaging/PackedPixels.h"
+#include "imaging/Palette.h"
 #include "stack/Blob.h"
 #include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
@@ -170,6 +178,9 @@ Bytes Content(const Node& owner, const char* hexKey, const char* fileKey, const 
 
 void Append(Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); }
 
+// A card's 256 colours, which its indexed pixels and colour fields name.
+using Colors = std::vector<PaletteEntry>;
+
 // What the cards need from the header, and the ids handed out so far.
 struct BuildState {
     std::filesystem::path baseDir;
@@ -178,6 +189,8 @@ struct BuildState {
     int64_t cardHeight = 480;
     int64_t lastCardId = 0;  // the highest id in use; cards without one get the next
     int64_t lastItemId = 0;
+    std::map<int64_t, Colors> pictureColors;  // by card id, the colours of each picture card so far
+    Colors cardColors;                         // the colours of the card being built
 };
 
 int64_t NextId(int64_t* last) {
@@ -185,17 +198,161 @@ int64_t NextId(int64_t* last) {
     return ++*last;
 }
 
-Bytes BuildBackground(const Node& bg, const BuildState& st) {
+Colors DefaultColors() {
+    Colors colors(kPaletteSize);
+    DefaultPaletteEntries(colors.data());
+    return colors;
+}
+
+// A stored ColorTable of 256 entries: seed 0, so that a build gives the same bytes every time; each
+// value in the first byte of its word.
+Bytes StoredColorTable(const Colors& colors) {
+    Bytes table(8 + 8 * colors.size(), 0);
+    WriteBE16(&table[6], static_cast<uint16_t>(colors.size() - 1));
+    for (size_t i = 0; i < colors.size(); ++i) {
+        uint8_t* e = &table[8 + 8 * i];
+        WriteBE16(e, static_cast<uint16_t>(i));
+        e[2] = colors[i].red;
+        e[4] = colors[i].green;
+        e[6] = colors[i].blue;
+    }
+    return table;
+}
+
+// The colours of a stored ColorTable at the start of `bytes`; entries it lacks stay black.
+Colors ColorsOfTable(const Bytes& bytes, size_t tableSize) {
+    Colors colors(kPaletteSize);
+    if (tableSize < 8) return colors;
+    const size_t count = std::min<size_t>({size_t{ReadBE16(&bytes[6])} + 1, (tableSize - 8) / 8, kPaletteSize});
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t* e = &bytes[8 + 8 * i];
+        colors[i] = {e[2], e[4], e[6], 0};
+    }
+    return colors;
+}
+
+PngImage LoadPng(const Node& owner, const BuildState& st) {
+    PngImage png;
+    std::string error;
+    if (!ReadPng((st.baseDir / owner["png"].Utf8()).string(), &png, &error)) owner["png"].Fail(error);
+    return png;
+}
+
+// The picture's pixels at `depth`, one value each, rows top-down: at 8 bits an index into
+// `colors` (the file's own indices when `keepIndices`, else the nearest colour), at 16 a 5-5-5
+// word, at 32 0x00RRGGBB.
+std::vector<uint32_t> PixelValues(const PngImage& png, int64_t depth, const Colors& colors, bool keepIndices) {
+    const size_t count = png.rgba.size() / 4;
+    std::vector<uint32_t> values(count);
+    if (depth == 8 && keepIndices) {
+        std::copy(png.indices.begin(), png.indices.end(), values.begin());
+        return values;
+    }
+    std::unordered_map<uint32_t, uint32_t> nearest;
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t* p = &png.rgba[i * 4];
+        const uint32_t rgb = uint32_t{p[0]} << 16 | uint32_t{p[1]} << 8 | p[2];
+        if (depth == 32) {
+            values[i] = rgb;
+        } else if (depth == 16) {
+            values[i] = uint32_t{p[0]} >> 3 << 10 | uint32_t{p[1]} >> 3 << 5 | uint32_t{p[2]} >> 3;
+        } else {
+            auto [at, fresh] = nearest.try_emplace(rgb, 0);
+            if (fresh) at->second = NearestColorIndex(colors.data(), static_cast<uint32_t>(colors.size()), p[0], p[1], p[2]);
+            values[i] = at->second;
+        }
+    }
+    return values;
+}
+
+// A DibImage of the values: the codecs' display form (rows bottom-up, 16 and 32 bits as native
+// words) for a background, which CompressBackground turns to stored order itself; or stored rows
+// top-down with words high byte first for a graphic, whose packers take the bytes as they are.
+Bytes PackedPicture(const std::vector<uint32_t>& values, int32_t width, int32_t height, int64_t depth,
+                    const Node& where, bool background, bool byRows) {
+    OwnedMemRef image(NewDibImage(width, height, static_cast<int32_t>(depth)));
+    if (!image.ref()) where.Fail("no memory for the picture");
+    {
+        MemRefLock lock(image.ref());
+        uint8_t* pixels = DibPixels(lock.data());
+        const uint32_t rowBytes = DibImageRowBytes(lock.data());
+        for (int32_t y = 0; y < height; ++y) {
+            uint8_t* row = pixels + rowBytes * static_cast<uint32_t>(background ? height - 1 - y : y);
+            for (int32_t x = 0; x < width; ++x) {
+                const uint32_t v = values[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+                if (depth == 8) row[x] = static_cast<uint8_t>(v);
+                if (depth == 16) background ? Write16(row + 2 * x, static_cast<uint16_t>(v)) : WriteBE16(row + 2 * x, static_cast<uint16_t>(v));
+                if (depth == 32) background ? Write32(row + 4 * x, v) : WriteBE32(row + 4 * x, v);
+            }
+        }
+    }
+    OwnedMemRef packed(background ? CompressBackground(image.ref(), false)
+                                  : byRows ? EncodeRowPacked(image.ref()) : EncodeRunPacked(image.ref()));
+    if (!packed.ref()) where.Fail("no memory to compress the picture");
+    MemRefLock lock(packed.ref());
+    Bytes bytes(lock.data(), lock.data() + GetMemRefSize(packed.ref()));
+    if (background) {
+        // The codec keeps the run lengths native in memory; the file has them big-endian.
+        WriteBE32(&bytes[kRunHeadLength], Read32(&bytes[kRunHeadLength]));
+        WriteBE32(&bytes[kRunTailLength], Read32(&bytes[kRunTailLength]));
+    }
+    return bytes;
+}
+
+// The depth of a picture made from PNG: its own "depth", else the stack's.
+int64_t PictureDepth(const Node& owner, const BuildState& st) {
+    const int64_t depth = owner.Has("depth") ? owner["depth"].Int(kMin16, kMax16) : st.depth;
+    if (depth != 8 && depth != 16 && depth != 32) {
+        (owner.Has("depth") ? owner["depth"] : owner["png"]).Fail(fmt::format("a picture from PNG is of depth 8, 16 or 32, not {}", depth));
+    }
+    return depth;
+}
+
+// A background from PNG: format 2, a ColorTable of 256 entries (the file's own colours for an
+// indexed file at 8 bits, else the default palette), the RunHeader and the LzrwBlock.
+Bytes PngBackgroundContent(const Node& bg, BuildState& st, int64_t width, int64_t height, int64_t* tableSize) {
+    if (bg.Has("hex") || bg.Has("file")) bg.Fail("give either png or the stored bytes (hex or file), not both");
+    if (bg.Has("format") && bg["format"].Int(kMin16, kMax16) != kBgFormatRuns) bg["format"].Fail("a picture from PNG is written in format 2");
+    const int64_t depth = PictureDepth(bg, st);
+    const PngImage png = LoadPng(bg, st);
+    if (png.width != width || png.height != height) {
+        bg["png"].Fail(fmt::format("the picture is {} x {}, the card {} x {}", png.width, png.height, width, height));
+    }
+    const bool ownColors = depth == 8 && !png.indices.empty();
+    st.cardColors = DefaultColors();
+    if (ownColors) {
+        std::fill(st.cardColors.begin(), st.cardColors.end(), PaletteEntry{});
+        for (size_t i = 0; i < png.palette.size() && i < kPaletteSize; ++i) {
+            st.cardColors[i] = {png.palette[i][0], png.palette[i][1], png.palette[i][2], 0};
+        }
+    }
+    Bytes content = StoredColorTable(st.cardColors);
+    *tableSize = static_cast<int64_t>(content.size());
+    Append(content, PackedPicture(PixelValues(png, depth, st.cardColors, ownColors), png.width, png.height, depth, bg, true, true));
+    return content;
+}
+
+// The chunk of a card's background, and in *pictureDepth the depth of a picture made from PNG.
+Bytes BuildBackground(const Node& bg, BuildState& st, int64_t width, int64_t height, int64_t* pictureDepth) {
     if (!bg.value().is_object()) bg.Fail("must be an object");
-    if (!bg.Has("format")) bg.FailAt("format", "needs 1, 2 or 3");
-    const int64_t format = bg["format"].Int(kMin16, kMax16);
-    if (format < 1 || format > 3) bg["format"].Fail(fmt::format("{} is not a background format (1, 2 or 3)", format));
-    // Colour table and image as stored. Pictures made from image files will come in here too.
-    Bytes content = Content(bg, "hex", "file", st.baseDir);
-    if (content.empty()) bg.Fail("needs its bytes behind the head, as hex or file");
-    const int64_t tableSize = IntOr(bg, "tableSize", 0, 0, kMax32);
-    if (tableSize > static_cast<int64_t>(content.size())) {
-        bg["tableSize"].Fail(fmt::format("{} is more than the {} bytes behind the head", tableSize, content.size()));
+    int64_t format = kBgFormatRuns;
+    int64_t tableSize = 0;
+    Bytes content;
+    if (bg.Has("png")) {
+        *pictureDepth = PictureDepth(bg, st);
+        content = PngBackgroundContent(bg, st, width, height, &tableSize);
+    } else {
+        if (!bg.Has("format")) bg.FailAt("format", "needs 1, 2 or 3");
+        format = bg["format"].Int(kMin16, kMax16);
+        if (format < 1 || format > 3) bg["format"].Fail(fmt::format("{} is not a background format (1, 2 or 3)", format));
+        // Colour table and image as stored.
+        content = Content(bg, "hex", "file", st.baseDir);
+        if (content.empty()) bg.Fail("needs its bytes behind the head, as hex, file or png");
+        tableSize = IntOr(bg, "tableSize", 0, 0, kMax32);
+        if (tableSize > static_cast<int64_t>(content.size())) {
+            bg["tableSize"].Fail(fmt::format("{} is more than the {} bytes behind the head", tableSize, content.size()));
+        }
+        st.cardColors = tableSize > 0 ? ColorsOfTable(content, static_cast<size_t>(tableSize)) : DefaultColors();
     }
     const bool odd = content.size() % 2 != 0;
     if (odd) content.push_back(0);
@@ -322,6 +479,38 @@ void PutNumericFields(uint8_t* head, const Node& item, const ItemShape& shape) {
     }
 }
 
+// A graphic's picture from PNG at the stack's depth: width and height, four zero bytes, and the
+// pixels packed by rows (item flag 16 set) or by runs (clear), with a pad byte if odd. At 8 bits an
+// indexed file's indices are taken as they stand, as indices into the card's colours; other files
+// are matched to those colours.
+Bytes PngGraphicBody(const Node& item, const uint8_t* head, const BuildState& st, int64_t* itemFlags) {
+    if (item.Has("raw") || item.Has("rawFile")) item.Fail("give either png or the stored bytes (raw or rawFile), not both");
+    if (*itemFlags & kItemFlagFileRef) item["itemFlags"].Fail("a graphic with a picture from PNG refers to no file: clear flag 64");
+    if (st.depth != 8 && st.depth != 16 && st.depth != 32) {
+        item["png"].Fail(fmt::format("a graphic takes the stack's depth, and a picture from PNG needs 8, 16 or 32, not {}", st.depth));
+    }
+    const std::string packing = item.Has("packing") ? item["packing"].Utf8() : "row";
+    if (packing != "row" && packing != "run") item["packing"].Fail("must be \"row\" or \"run\"");
+    const PngImage png = LoadPng(item, st);
+    // The stored rectangle is top, left, bottom, right.
+    const int32_t width = static_cast<int16_t>(ReadBE16(head + kItemRect + 6)) - static_cast<int16_t>(ReadBE16(head + kItemRect + 2));
+    const int32_t height = static_cast<int16_t>(ReadBE16(head + kItemRect + 4)) - static_cast<int16_t>(ReadBE16(head + kItemRect));
+    if (png.width != width || png.height != height) {
+        item["png"].Fail(fmt::format("the picture is {} x {}, the rect {} x {}", png.width, png.height, width, height));
+    }
+    Bytes body(8, 0);
+    WriteBE16(&body[0], static_cast<uint16_t>(width));
+    WriteBE16(&body[2], static_cast<uint16_t>(height));
+    const bool byRows = packing == "row";
+    Append(body, PackedPicture(PixelValues(png, st.depth, st.cardColors, !png.indices.empty()), width, height, st.depth, item,
+                               false, byRows));
+    const bool odd = body.size() % 2 != 0;
+    if (odd) body.push_back(0);
+    *itemFlags = (*itemFlags & ~int64_t{kItemFlagOddPad | kGraphicFlagRowPacked}) | (odd ? kItemFlagOddPad : 0) |
+                 (byRows ? kGraphicFlagRowPacked : 0);
+    return body;
+}
+
 Bytes BuildItem(const Node& item, BuildState& st) {
     if (!item.value().is_object()) item.Fail("must be an object");
     if (!item.Has("kind")) item.FailAt("kind", "needs 16 (graphic), 48 (button) or 96 (text field)");
@@ -345,19 +534,23 @@ Bytes BuildItem(const Node& item, BuildState& st) {
 
     const int64_t id = item.Has("id") ? item["id"].Int(kMin16, kMax16) : NextId(&st.lastItemId);
     if (!item.Has("rect")) item.FailAt("rect", "needs four numbers [left, top, right, bottom]");
-    const int64_t itemFlags = IntOr(item, "itemFlags", 0, 0, kMax16);
+    int64_t itemFlags = IntOr(item, "itemFlags", 0, 0, kMax16);
     WriteBE16(h + kItemKind, static_cast<uint16_t>(kind));
     WriteBE16(h + kItemId, static_cast<uint16_t>(id));
     PutRect(h + kItemRect, item, "rect");
-    WriteBE16(h + kItemFlags, static_cast<uint16_t>(itemFlags));
 
     Bytes body;
-    if (kind == kItemKindButton && !item.Has("raw") && !item.Has("rawFile")) {
+    const bool png = item.Has("png");
+    if (png) {
+        if (kind != kItemKindGraphic) item["png"].Fail("only a graphic (kind 16) takes a picture from PNG");
+        body = PngGraphicBody(item, h, st, &itemFlags);
+    } else if (kind == kItemKindButton && !item.Has("raw") && !item.Has("rawFile")) {
         for (const Node& sub : item.Elements("subRecords")) Append(body, BuildSubRecord(sub));
     } else {
         body = Content(item, "raw", "rawFile", st.baseDir);
     }
-    const bool pictureSizeGiven = item.Has("pictureSize") || (item.Has("fields") && item["fields"].Has("60"));
+    WriteBE16(h + kItemFlags, static_cast<uint16_t>(itemFlags));
+    const bool pictureSizeGiven = !png && (item.Has("pictureSize") || (item.Has("fields") && item["fields"].Has("60")));
     if (kind == kItemKindGraphic && !pictureSizeGiven && !(itemFlags & kItemFlagFileRef)) {
         // Without a file reference the picture is all the body holds, less the pad byte.
         const size_t pad = (itemFlags & kItemFlagOddPad) && !body.empty() ? 1 : 0;
@@ -378,19 +571,37 @@ Bytes BuildCard(const Node& card, BuildState& st) {
         card.FailAt("ownerId", "a kind 3 card needs the id of the card whose picture it shows");
     }
     const int64_t ownerFallback = kind == kCardKindBlank ? -1 : 0;
+    const int64_t ownerId = IntOr(card, "ownerId", ownerFallback, kMin16, kMax16);
+    const int64_t width = IntOr(card, "width", st.cardWidth, kMin16, kMax16);
+    const int64_t height = IntOr(card, "height", st.cardHeight, kMin16, kMax16);
 
     Bytes c(kCardHeadSize, 0);
     uint8_t* h = c.data();
     for (const ReservedArea& area : kCardReservedAreas) PutReserved(h, card, area);
     const int64_t id = card.Has("id") ? card["id"].Int(kMin16, kMax16) : NextId(&st.lastCardId);
+
+    // The background first: a picture from PNG sets the card's depth and the colours its items name.
+    Bytes background;
+    int64_t pictureDepth = st.depth;
+    st.cardColors = DefaultColors();
+    if (kind == kCardKindPicture) {
+        if (!card.Has("background")) card.FailAt("background", "a kind 1 card needs its background");
+        background = BuildBackground(card["background"], st, width, height, &pictureDepth);
+        st.pictureColors[id] = st.cardColors;
+    } else if (card.Has("background")) {
+        card["background"].Fail("only a kind 1 card has a background of its own");
+    } else if (auto owner = st.pictureColors.find(ownerId); kind == kCardKindGroupMember && owner != st.pictureColors.end()) {
+        st.cardColors = owner->second;
+    }
+
     WriteBE16(h + kCardId, static_cast<uint16_t>(id));
     WriteBE16(h + kCardKind, static_cast<uint16_t>(kind));
-    WriteBE16(h + kCardOwnerId, static_cast<uint16_t>(IntOr(card, "ownerId", ownerFallback, kMin16, kMax16)));
+    WriteBE16(h + kCardOwnerId, static_cast<uint16_t>(ownerId));
     WriteBE16(h + kCardFlags, static_cast<uint16_t>(IntOr(card, "cardFlags", 0, kMin16, kMax16)));
     WriteBE16(h + kCardMenuShown, static_cast<uint16_t>(IntOr(card, "menuShown", 0, kMin16, kMax16)));
-    WriteBE16(h + kCardDepth, static_cast<uint16_t>(IntOr(card, "depth", st.depth, kMin16, kMax16)));
-    WriteBE16(h + kCardWidth, static_cast<uint16_t>(IntOr(card, "width", st.cardWidth, kMin16, kMax16)));
-    WriteBE16(h + kCardHeight, static_cast<uint16_t>(IntOr(card, "height", st.cardHeight, kMin16, kMax16)));
+    WriteBE16(h + kCardDepth, static_cast<uint16_t>(IntOr(card, "depth", pictureDepth, kMin16, kMax16)));
+    WriteBE16(h + kCardWidth, static_cast<uint16_t>(width));
+    WriteBE16(h + kCardHeight, static_cast<uint16_t>(height));
     PutName(h + kCardName, 16, card, "name");
     WriteBE16(h + kCardArriveAction, static_cast<uint16_t>(IntOr(card, "arriveAction", 0, kMin16, kMax16)));
     WriteBE16(h + kCardLeaveAction, static_cast<uint16_t>(IntOr(card, "leaveAction", 0, kMin16, kMax16)));
@@ -398,12 +609,7 @@ Bytes BuildCard(const Node& card, BuildState& st) {
     WriteBE16(h + kCardCursor, static_cast<uint16_t>(IntOr(card, "cardCursor", 0, kMin16, kMax16)));
     WriteBE16(h + kCardReserved56, static_cast<uint16_t>(IntOr(card, "reserved56", 0, kMin16, kMax16)));
 
-    if (kind == kCardKindPicture) {
-        if (!card.Has("background")) card.FailAt("background", "a kind 1 card needs its background");
-        Append(c, BuildBackground(card["background"], st));
-    } else if (card.Has("background")) {
-        card["background"].Fail("only a kind 1 card has a background of its own");
-    }
+    Append(c, background);
     for (const Node& item : card.Elements("items")) Append(c, BuildItem(item, st));
     Append(c, {0, 0, 0xFA, 0xCE});
     WriteBE32(&c[kCardSize], static_cast<uint32_t>(c.size()));

@@ -1,7 +1,8 @@
 // `quillbrook build`: a stack file from its JSON description, the shape `quillbrook info --json`
 // prints. Every field goes straight from the file format's tables into its stored, big-endian form;
 // nothing here shares code with the stack writer or the byte-order normalisation, so that fixtures
-// built with it check the reader against a second, independent reading of the format.
+// built with it check the reader against a second, independent reading of the format. Pictures
+// drawn from PNG files are compressed by the picture codecs, which define the stored picture forms.
 #pragma once
 
 #include <cstdint>

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/ColorTable.h"
 #include "imaging/DibImage.h"
 #include "imaging/Lzrw.h"
 #include "imaging/OwnedMemRef.h"
-#include "imaging/PaletteStandIn.h"
+#include "imaging/Palette.h"
 #include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
@@ -215,7 +216,7 @@ int32_t GetCardBackground(MemRef card, MemRef* image, int32_t depth, bool flip, 
         uint8_t* colors = DibColors(s.data());
         const uint32_t count = DibColorCount(s.data());
         if (withPalette) {
-            ColorTableToDibColors(chunk.chunk + kBgHeadSize, chunk.paletteSize, colors, count);
+            ColorTableToDib(chunk.chunk + kBgHeadSize, chunk.paletteSize, s.data());
         } else {
             for (uint32_t i = 0; i < count; ++i) Write32(colors + i * kDibColorSize, i);
         }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/ColorTable.h"
 #include "imaging/DibImage.h"
 #include "imaging/OwnedMemRef.h"
 #include "imaging/PackedPixels.h"
-#include "imaging/PaletteStandIn.h"
 #include "platform/Host.h"
 #include "stack/ByteOrder.h"
 
@@ -22,11 +22,6 @@ void SetBlackAndWhite(MemRef dib) {
 bool SameShape(const uint8_t* a, const uint8_t* b) {
     return DibWidth(a) == DibWidth(b) && DibHeight(a) == DibHeight(b) && DibDepth(a) == DibDepth(b) &&
            DibImageBytes(a) == DibImageBytes(b) && DibColorCount(a) == DibColorCount(b);
-}
-
-uint32_t TickCount() {
-    const Host& host = GetHost();
-    return host.GetTickCount ? host.GetTickCount() : 0;
 }
 
 }  // namespace
@@ -70,14 +65,17 @@ int32_t EncodePixPak(const OffscreenImage& image, uint16_t type, MemRef* record,
     OwnedMemRef pixels(type == kPackTypeRows ? EncodeRowPacked(work.ref()) : EncodeRunPacked(work.ref()));
     OwnedMemRef palette(0);
     if (depth == 8) {
-        uint8_t colors[256 * kDibColorSize] = {};
-        MemRefLock w(work.ref());
-        std::memcpy(colors, DibColors(w.data()), std::min<uint32_t>(DibColorCount(w.data()), 256) * kDibColorSize);
+        // The palette the image came with, or else the colours of its bitmap.
+        PaletteRef colors;
         if (image.palette) {
             MemRefLock p(image.palette);
-            ColorTableToDibColors(p.data(), GetMemRefSize(image.palette), colors, 256);
+            colors = PaletteFromColorTable(p.data(), GetMemRefSize(image.palette));
+        } else {
+            MemRefLock w(work.ref());
+            colors = PaletteFromDib(w.data());
         }
-        palette.Reset(ColorTableFromDibColors(colors, 256, TickCount()));
+        if (!colors) return -1;
+        palette.Reset(ColorTableFromPalette(colors.get(), false));
         if (!palette.ref()) return -1;
     }
     if (!pixels.ref()) return -1;
@@ -160,7 +158,7 @@ int32_t DecodePixPakInto(OffscreenImage* image, const uint8_t* data, uint32_t si
         MemRefLock d(dib);
         if (image->palette) {
             MemRefLock p(image->palette);
-            ColorTableToDibColors(p.data(), GetMemRefSize(image->palette), DibColors(d.data()), DibColorCount(d.data()));
+            ColorTableToDib(p.data(), GetMemRefSize(image->palette), d.data());
         } else if (image->bitmap) {
             MemRefLock b(image->bitmap);
             if (b && SameShape(b.data(), d.data())) {
