@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstring>
 
+#include "imaging/Fontmap.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
@@ -54,17 +55,6 @@ void ApplyMinimumSize() {
     uint8_t* h = lock.data();
     Write16(h + kHdrCardWidth, static_cast<uint16_t>(std::max<int16_t>(ReadS16(h + kHdrCardWidth), kMinCardSide)));
     Write16(h + kHdrCardHeight, static_cast<uint16_t>(std::max<int16_t>(ReadS16(h + kHdrCardHeight), kMinCardSide)));
-}
-
-// The font map record, detached from the store and kept.
-MemRef gFontMap = 0;
-
-void TakeFontMap() {
-    MemRef map = GetBlobById(FourCC("FntL"), 128);
-    if (!map) return;
-    DetachBlob(map);
-    if (gFontMap) FreeMemRef(gFontMap);
-    gFontMap = map;
 }
 
 // A unique name in the temporary folder for the store of a new stack.
@@ -160,7 +150,7 @@ int32_t ReadStack() {
     if (fault.askMinimumSize) ApplyMinimumSize();
     const int32_t result = PrepareOpenedStack();
     if (result != kFlowOk) return result;
-    TakeFontMap();
+    LoadFontList();
     return kFlowOk;
 }
 

@@ -10,11 +10,6 @@ constexpr uint16_t kHighControls[32] = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
-uint32_t CodePointOf(uint8_t byte) {
-    if (byte >= 0x80 && byte < 0xA0 && kHighControls[byte - 0x80]) return kHighControls[byte - 0x80];
-    return byte;
-}
-
 void AppendUtf8(std::string& out, uint32_t cp) {
     if (cp < 0x80) {
         out += static_cast<char>(cp);
@@ -30,10 +25,15 @@ void AppendUtf8(std::string& out, uint32_t cp) {
 
 }  // namespace
 
+uint32_t CodePointFromWindows1252(uint8_t byte) {
+    if (byte >= 0x80 && byte < 0xA0 && kHighControls[byte - 0x80]) return kHighControls[byte - 0x80];
+    return byte;
+}
+
 std::string Utf8FromWindows1252(std::string_view text) {
     std::string out;
     out.reserve(text.size());
-    for (char c : text) AppendUtf8(out, CodePointOf(static_cast<uint8_t>(c)));
+    for (char c : text) AppendUtf8(out, CodePointFromWindows1252(static_cast<uint8_t>(c)));
     return out;
 }
 
