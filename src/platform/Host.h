@@ -7,6 +7,8 @@
 #include <string>
 
 struct AlertLayout;  // ui/AlertLayout.h
+struct Rect;         // imaging/Surface.h
+struct Surface;
 
 // What a file dialog asks for.
 struct FileChoice {
@@ -31,6 +33,16 @@ struct Host {
     bool (*ChooseFile)(const FileChoice& choice, std::string* hostPath) = nullptr;
     // Shows or restores the wait cursor.
     void (*SetWaitCursor)(bool wait) = nullptr;
+    // The window's pixels, 32-bit, its client area's size: the core draws here and nowhere else
+    // on the screen. The pointer stays the same for the life of the backend; the size may change.
+    Surface* (*GetWindowSurface)() = nullptr;
+    // Puts a rectangle of the window surface on the screen (window coordinates; the host clips it).
+    void (*Present)(const Rect& dirty) = nullptr;
+    // The window's title (Windows-1252).
+    void (*SetTitle)(const std::string& title) = nullptr;
+    // The pointer's shape: 0 the arrow, else a cursor resource id of the system's; the host shows
+    // the arrow for an id it has no picture for.
+    void (*SetCursor)(int32_t cursorId) = nullptr;
     // The window the stack lives in: an opaque, pointer-sized host handle.
     void* window = nullptr;
 };

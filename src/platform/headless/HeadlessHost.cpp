@@ -1,5 +1,7 @@
 #include "platform/headless/HeadlessHost.h"
 
+#include <algorithm>
+
 #include "ui/AlertLayout.h"
 
 namespace {
@@ -32,6 +34,25 @@ bool HeadlessChooseFile(const FileChoice&, std::string* hostPath) {
 
 void HeadlessSetWaitCursor(bool wait) { gState.waitCursorDepth += wait ? 1 : -1; }
 
+Surface* HeadlessGetWindowSurface() { return &gState.window; }
+
+void HeadlessPresent(const Rect& dirty) {
+    const Rect part = IntersectRect(dirty, gState.window.Bounds());
+    const Rect shown = part.IsEmpty() ? Rect{} : part;
+    gState.presents.push_back(shown);
+    if (gState.screen.width != gState.window.width ||
+        gState.screen.height != gState.window.height) {
+        gState.screen = Surface(gState.window.width, gState.window.height);
+    }
+    for (int32_t y = shown.top; y < shown.bottom; ++y) {
+        std::copy(gState.window.Row(y) + shown.left, gState.window.Row(y) + shown.right,
+                  gState.screen.Row(y) + shown.left);
+    }
+}
+
+void HeadlessSetTitle(const std::string& title) { gState.title = title; }
+void HeadlessSetCursor(int32_t cursorId) { gState.cursorId = cursorId; }
+
 }  // namespace
 
 Host HeadlessHost() {
@@ -43,9 +64,20 @@ Host HeadlessHost() {
     host.ShowMessageBox = HeadlessShowMessageBox;
     host.ChooseFile = HeadlessChooseFile;
     host.SetWaitCursor = HeadlessSetWaitCursor;
+    host.GetWindowSurface = HeadlessGetWindowSurface;
+    host.Present = HeadlessPresent;
+    host.SetTitle = HeadlessSetTitle;
+    host.SetCursor = HeadlessSetCursor;
     return host;
 }
 
 HeadlessState& GetHeadlessState() { return gState; }
 void ResetHeadlessState() { gState = HeadlessState{}; }
 void AdvanceHeadlessClock(uint32_t ms) { gState.clockMs += ms; }
+
+void SetHeadlessWindowSize(int32_t width, int32_t height) {
+    width = std::max(width, kMinWindowSide);
+    height = std::max(height, kMinWindowSide);
+    gState.window = Surface(width, height);
+    gState.screen = Surface(width, height);
+}

@@ -1,5 +1,6 @@
 // The headless backend: a virtual clock that tests advance, alerts answered by script (or by their
-// default button), file dialogs answered by script (or cancelled). Used by tests and the CLI.
+// default button), file dialogs answered by script (or cancelled), and a window that is a surface
+// in memory, whose presented frames tests can look at. Used by tests and the CLI.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "imaging/Surface.h"
 #include "platform/Host.h"
 
 Host HeadlessHost();
@@ -22,6 +24,12 @@ struct HeadlessMessageBox {
     std::string text;
 };
 
+// A new headless window's size, until a test or the CLI sets another.
+inline constexpr int32_t kHeadlessWindowWidth = 640;
+inline constexpr int32_t kHeadlessWindowHeight = 480;
+// The system's smallest window, on every host.
+inline constexpr int32_t kMinWindowSide = 40;
+
 struct HeadlessState {
     uint32_t clockMs = 0;
     uint32_t timerPeriodMs = 0;
@@ -30,8 +38,18 @@ struct HeadlessState {
     std::vector<HeadlessMessageBox> messageBoxesShown;  // every message box shown, in order
     std::deque<std::string> fileChoices;     // host paths; "" cancels; empty queue cancels
     int waitCursorDepth = 0;
+    // What the core draws into, and what has reached the "screen": each Present copies its
+    // rectangle from `window` to `screen`, so drawing that was never presented does not show there.
+    Surface window{kHeadlessWindowWidth, kHeadlessWindowHeight};
+    Surface screen{kHeadlessWindowWidth, kHeadlessWindowHeight};
+    std::vector<Rect> presents;  // every Present's rectangle, clipped to the window, in order
+    std::string title;
+    int32_t cursorId = 0;
 };
 
 HeadlessState& GetHeadlessState();
 void ResetHeadlessState();
 void AdvanceHeadlessClock(uint32_t ms);
+// Gives the window (and the screen) a new size, at least kMinWindowSide each way, all white. The
+// surface keeps its address.
+void SetHeadlessWindowSize(int32_t width, int32_t height);
