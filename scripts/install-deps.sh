@@ -8,9 +8,13 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libfmt-dev libcli11-dev nlohmann-json3-dev
   clang-14 libclang-rt-14-dev
+  libjpeg62-turbo-dev libfreetype-dev libpng-dev libtiff-dev
+  libjpeg-turbo-progs
+  libfreetype-dev fonts-liberation2 fonts-dejavu-core
 )
 if [[ "${1:-}" == "--web" ]]; then
-  packages+=(emscripten)
+  # dpkg-dev: apt-get source, which scripts/build-web-deps.sh uses for the web's own libraries.
+  packages+=(emscripten dpkg-dev)
 fi
 
 missing=()

@@ -45,16 +45,21 @@ void PrintSummary(const nlohmann::ordered_json& j) {
     }
 }
 
+// Reads the stack for a command that only looks at it; false, having said what an open would show,
+// when it cannot be used.
+bool ReadForLooking(const std::string& path, LoadFault* fault) {
+    ReadStackFile(path, fault);
+    if (fault->opened) return true;
+    PrintFault(path, *fault);
+    CloseStack();
+    return false;
+}
+
 }  // namespace
 
 int RunInfo(const std::string& path, bool json) {
     LoadFault fault;
-    ReadStackFile(path, &fault);
-    if (!fault.opened) {
-        PrintFault(path, fault);
-        CloseStack();
-        return 1;
-    }
+    if (!ReadForLooking(path, &fault)) return 1;
     const nlohmann::ordered_json description = DescribeOpenStack();
     if (json) {
         fmt::print("{}\n", description.dump(1));
@@ -67,12 +72,7 @@ int RunInfo(const std::string& path, bool json) {
 
 int RunValidate(const std::string& path) {
     LoadFault fault;
-    ReadStackFile(path, &fault);
-    if (!fault.opened) {
-        PrintFault(path, fault);
-        CloseStack();
-        return 1;
-    }
+    if (!ReadForLooking(path, &fault)) return 1;
     // Records are read on demand; a damaged one would fail only when used, so fetch them all now.
     int damaged = 0;
     const uint32_t store = GetDocument().storeRef;

@@ -29,11 +29,16 @@ int main(int argc, char** argv) {
     resave->add_option("FILE", path, "the stack")->required();
     resave->add_option("-o,--output", output, "where to save it")->required();
 
+    CLI::App* exportCommand = app.add_subcommand("export", "Write every card background and graphic picture as PNG");
+    exportCommand->add_option("FILE", path, "the stack")->required();
+    exportCommand->add_option("-o,--output", output, "the folder to write into")->required();
+
     CLI11_PARSE(app, argc, argv);
     if (!InitMemRefs() || !InitPathSlots()) return 2;
     if (info->parsed()) return raw ? RunInfoRaw(path) : RunInfo(path, json);
     if (validate->parsed()) return RunValidate(path);
     if (build->parsed()) return RunBuild(path, output);
     if (resave->parsed()) return RunResave(path, output);
+    if (exportCommand->parsed()) return RunExport(path, output);
     return 2;
 }

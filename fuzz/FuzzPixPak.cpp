@@ -1,0 +1,43 @@
+// PixPak records: arbitrary bytes as a sprite frame's record. The record's size field is set to the
+// input's length first, since a record of another size is refused before anything is read. Every
+// handle the decode makes must be freed with the image.
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "imaging/PixPak.h"
+#include "memory/MemRef.h"
+#include "stack/ByteOrder.h"
+
+namespace {
+
+[[noreturn]] void Broken(const char* what) {
+    std::fprintf(stderr, "fuzz_pixpak: %s\n", what);
+    std::fflush(stderr);
+    std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const bool ready = InitMemRefs();
+    if (!ready || size < kPixPakHeadSize || size > (1u << 20)) return 0;
+    std::vector<uint8_t> record(data, data + size);
+    WriteBE32(record.data() + kPixPakSize, static_cast<uint32_t>(size));
+    const int16_t before = GetMemRefTable().used;
+
+    OffscreenImage image;
+    const int32_t result = DecodePixPak(record.data(), static_cast<uint32_t>(size), &image);
+    if (result == 0) {
+        if (!image.bitmap) Broken("a decoded record without a bitmap");
+        MemRefLock lock(image.bitmap);
+        volatile uint32_t sink = 0;
+        for (uint32_t i = 0; i < GetMemRefSize(image.bitmap); ++i) sink = sink + lock.data()[i];
+    } else if (image.bitmap || image.palette) {
+        Broken("a refused record left an image behind");
+    }
+    FreeOffscreenImage(&image);
+    if (GetMemRefTable().used != before) Broken("handles left behind");
+    return 0;
+}
