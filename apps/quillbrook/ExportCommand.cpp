@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "OpenForCommand.h"
 #include "PngFile.h"
 #include "host/Application.h"
 #include "imaging/Background.h"
@@ -232,28 +233,10 @@ private:
     bool terminal_;
 };
 
-void PrintAlerts(const std::string& path) {
-    for (const HeadlessAlert& alert : GetHeadlessState().alertsShown) {
-        fmt::print(stderr, "{}: alert {}: \"{}\"\n", path, alert.stringId, AlertMessageText(alert.stringId));
-    }
-    GetHeadlessState().alertsShown.clear();
-}
-
 }  // namespace
 
 int RunExport(const std::string& path, const std::string& outDir) {
-    InitApplication(nullptr);
-    if (!GetHostFileStatus(path).exists) {
-        fmt::print(stderr, "{}: no such file\n", path);
-        return 1;
-    }
-    SetSlotPath(kSlotStack, DosPathFromHost(path));
-    OpenStack(false);
-    PrintAlerts(path);
-    if (!GetDocument().hasFile) {
-        fmt::print(stderr, "{}: the stack did not open; nothing was exported\n", path);
-        return 1;
-    }
+    if (!OpenStackForCommand(path)) return 1;
     std::error_code error;
     fs::create_directories(outDir, error);
     if (error || !fs::is_directory(outDir)) {
