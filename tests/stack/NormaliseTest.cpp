@@ -46,16 +46,6 @@ Bytes Splice(Bytes b, size_t at, size_t oldLength, const Bytes& with) {
     return b;
 }
 
-// A stored file reference: length-prefixed path, pad, six zero bytes, length-prefixed name.
-Bytes StoredRef(const std::string& path, const std::string& name) {
-    Bytes b{static_cast<uint8_t>(path.size())};
-    b.insert(b.end(), path.begin(), path.end());
-    if (b.size() & 1) b.push_back(0);
-    b.insert(b.end(), 6, 0);
-    b.push_back(static_cast<uint8_t>(name.size()));
-    b.insert(b.end(), name.begin(), name.end());
-    return b;
-}
 
 constexpr uint8_t kEndMark[] = {0, 0, 0xFA, 0xCE};
 
@@ -358,14 +348,14 @@ TEST_F(NormaliseCardTest, GraphicFileReferenceIsConvertedInPlace) {
     const Case cases[] = {
         {"native form left alone", native, 0, false, native},
         {"native form left alone, picture behind", native, 8, false, native},
-        {"written here: drive kept, same length", StoredRef("C::Pics:Sun", "Sun"), 0, false, native},
-        {"other platform: stack's drive, two bytes shorter", StoredRef("Disk:Pics:Sun", "Sun"), 0, false,
+        {"written here: drive kept, same length", StoredFileRef("C::Pics:Sun", "Sun"), 0, false, native},
+        {"other platform: stack's drive, two bytes shorter", StoredFileRef("Disk:Pics:Sun", "Sun"), 0, false,
          Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s)},
-        {"other platform with a picture and pad byte behind", StoredRef("Disk:Pics:Sun", "Sun"), 8, true,
+        {"other platform with a picture and pad byte behind", StoredFileRef("Disk:Pics:Sun", "Sun"), 8, true,
          Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s)},
-        {"odd result padded to even", StoredRef("Disk:Pics:Sun", "Suns"), 8, false,
+        {"odd result padded to even", StoredFileRef("Disk:Pics:Sun", "Suns"), 8, false,
          Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0\0"s)},
-        {"empty volume: two bytes longer", StoredRef(":Pics:Sun", "Sun"), 0, false,
+        {"empty volume: two bytes longer", StoredFileRef(":Pics:Sun", "Sun"), 0, false,
          Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s)},
     };
     for (const Case& c : cases) {
@@ -407,10 +397,10 @@ TEST_F(NormaliseCardTest, TextFieldFileReferenceIsConvertedAndTheLengthsFollow) 
     };
     const Case cases[] = {
         {"native form left alone", 0x40, native, native},
-        {"written here: drive kept", 0x40, StoredRef("C::Notes:Read Me", "Read Me"), native},
-        {"other platform: stack's drive", 0x40, StoredRef("Disk:Notes:Read Me", "Read Me"),
+        {"written here: drive kept", 0x40, StoredFileRef("C::Notes:Read Me", "Read Me"), native},
+        {"other platform: stack's drive", 0x40, StoredFileRef("Disk:Notes:Read Me", "Read Me"),
          Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s)},
-        {"odd result padded to even", 0x40, StoredRef("Disk:Notes:Read Me", "ReadMe"),
+        {"odd result padded to even", 0x40, StoredFileRef("Disk:Notes:Read Me", "ReadMe"),
          Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0ReadMe\0\0"s)},
         {"without bit 6 the block is text", 0, Of("Disk:Pics:Sun"), Of("Disk:Pics:Sun")},
     };
@@ -488,13 +478,13 @@ TEST_F(NormaliseButtonTest, EachSubRecordTypeGetsItsReaderRule) {
 }
 
 TEST_F(NormaliseButtonTest, PathSubRecordsTakeTheConvertedReference) {
-    const Bytes sun = StoredRef("Disk:Pics:Sun", "Sun");          // 24 bytes
+    const Bytes sun = StoredFileRef("Disk:Pics:Sun", "Sun");          // 24 bytes
     const Bytes sunNative = Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);  // 22
-    const Bytes suns = StoredRef("Disk:Pics:Sun", "Suns");        // 25
+    const Bytes suns = StoredFileRef("Disk:Pics:Sun", "Suns");        // 25
     const Bytes sunsNative = Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0"s);  // 23
-    const Bytes paint = StoredRef("Disk:Apps:Paint", "Paint");    // 28
+    const Bytes paint = StoredFileRef("Disk:Apps:Paint", "Paint");    // 28
     const Bytes paintNative = Of("D:\\Apps\\Paint\0\0\0\0\0\0\0Paint\0"s);  // 26
-    const Bytes bells = StoredRef("C::Sounds:bells.wav", "bells.wav");  // 36
+    const Bytes bells = StoredFileRef("C::Sounds:bells.wav", "bells.wav");  // 36
     const Bytes bellsNative = Of("C:\\Sounds\\bells.wav\0\0\0\0\0\0\0bells.wav\0"s);
 
     struct Case {
@@ -549,7 +539,7 @@ TEST_F(NormaliseButtonTest, PathSubRecordsTakeTheConvertedReference) {
 
 TEST_F(NormaliseButtonTest, GrowthOfItsSubRecordsGoesIntoTheButtonLength) {
     // ":Pics:Sun" has an empty volume: each reference comes out two bytes longer.
-    const Bytes ref = StoredRef(":Pics:Sun", "Sun");
+    const Bytes ref = StoredFileRef(":Pics:Sun", "Sun");
     Bytes launch = SubWithBody(59, Cat({ref, ref}), 0);
     PutBE32(launch, 18, static_cast<uint32_t>(ref.size()));
     const Bytes button =
@@ -573,7 +563,7 @@ TEST_F(NormaliseButtonTest, GrowthOfItsSubRecordsGoesIntoTheButtonLength) {
 // --- Typed records -----------------------------------------------------------------------------
 
 TEST_F(NormaliseRecordTest, ActnIsAButtonWithItsCommonHeadAtZero) {
-    const Bytes ref = StoredRef(":Pics:Sun", "Sun");
+    const Bytes ref = StoredFileRef(":Pics:Sun", "Sun");
     struct Case {
         const char* name;
         Bytes sub;
@@ -615,7 +605,7 @@ TEST_F(NormaliseRecordTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
         {"action right behind the text", 0, "go", true},
         {"action behind a pad, path growing", 2, "hello", true},
     };
-    const Bytes ref = StoredRef(":Pics:Sun", "Sun");
+    const Bytes ref = StoredFileRef(":Pics:Sun", "Sun");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const size_t n = c.text.size();
@@ -667,7 +657,7 @@ TEST_F(NormaliseMalformedTest, DamagedRecordsGiveMinusOneAndStayInside) {
         As as;
         Bytes bytes;
     };
-    const Bytes sun = StoredRef("Disk:Pics:Sun", "Sun");
+    const Bytes sun = StoredFileRef("Disk:Pics:Sun", "Sun");
     auto cardWith = [](Bytes item) { return Card(0, {std::move(item)}); };
     auto with16 = [](Bytes b, size_t at, uint16_t v) {
         PutBE16(b, at, v);
@@ -757,7 +747,7 @@ TEST_F(NormaliseMalformedTest, DamagedRecordsGiveMinusOneAndStayInside) {
 }
 
 TEST_F(NormaliseMalformedTest, ARefusedConversionGivesMinusOneAndKeepsTheCardsSize) {
-    const Bytes stored = Card(0, {Graphic(StoredRef("Disk:Pics:Sun", "Sun"), 0, false, 0x40)});
+    const Bytes stored = Card(0, {Graphic(StoredFileRef("Disk:Pics:Sun", "Sun"), 0, false, 0x40)});
     MemRef card = Make(stored);
     SetGlobalAllocFailAfter(0);
     EXPECT_EQ(NormaliseCard(card), -1);

@@ -7,22 +7,12 @@
 #include "memory/MemRef.h"
 #include "stack/Normalise.h"
 #include "stack/PathSlot.h"
+#include "support/StackBytes.h"
 
 namespace {
 
 using namespace std::string_literals;
-using Bytes = std::vector<uint8_t>;
 
-// A stored reference: length-prefixed path, pad if needed, six zero bytes, length-prefixed name.
-Bytes Stored(const std::string& path, const std::string& name) {
-    Bytes b{static_cast<uint8_t>(path.size())};
-    b.insert(b.end(), path.begin(), path.end());
-    if (b.size() & 1) b.push_back(0);
-    b.insert(b.end(), 6, 0);
-    b.push_back(static_cast<uint8_t>(name.size()));
-    b.insert(b.end(), name.begin(), name.end());
-    return b;
-}
 
 Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
 
@@ -59,25 +49,25 @@ TEST_F(StoredPathTest, ConvertsStoredReferencesToTheNativeForm) {
         bool odd;
     };
     const Case cases[] = {
-        {"other platform: volume gives way to the stack's drive", Stored("Disk:Pics:Sun", "Sun"), true,
+        {"other platform: volume gives way to the stack's drive", StoredFileRef("Disk:Pics:Sun", "Sun"), true,
          "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
         {"written here: the drive stays, the stack's drive is not used",
-         Stored("C::Stacks:art.bmp", "art.bmp"), true, "C:\\Stacks\\art.bmp\0\0\0\0\0\0\0art.bmp\0"s, false},
-        {"odd path with terminator gets a pad byte", Stored("Disk:Pic:Sun", "Sun"), true,
+         StoredFileRef("C::Stacks:art.bmp", "art.bmp"), true, "C:\\Stacks\\art.bmp\0\0\0\0\0\0\0art.bmp\0"s, false},
+        {"odd path with terminator gets a pad byte", StoredFileRef("Disk:Pic:Sun", "Sun"), true,
          "D:\\Pic\\Sun\0\0\0\0\0\0\0\0Sun\0"s, false},
-        {"the name is found behind the stored pad, not the native one", Stored("Mac:Pics:Sun", "Sun"), true,
+        {"the name is found behind the stored pad, not the native one", StoredFileRef("Mac:Pics:Sun", "Sun"), true,
          "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
-        {"odd total rounded up with padding", Stored("Disk:Pics:Sun", "Suns"), true,
+        {"odd total rounded up with padding", StoredFileRef("Disk:Pics:Sun", "Suns"), true,
          "D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0\0"s, true},
-        {"odd total left odd without padding", Stored("Disk:Pics:Sun", "Suns"), false,
+        {"odd total left odd without padding", StoredFileRef("Disk:Pics:Sun", "Suns"), false,
          "D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0"s, true},
-        {"empty volume", Stored(":Pics:Sun", "Sun"), true, "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
-        {"folder path keeps its last separator", Stored("Disk:Pics:", "x"), true,
+        {"empty volume", StoredFileRef(":Pics:Sun", "Sun"), true, "D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s, false},
+        {"folder path keeps its last separator", StoredFileRef("Disk:Pics:", "x"), true,
          "D:\\Pics\\\0\0\0\0\0\0\0\0x\0"s, false},
-        {"bare name without a volume", Stored("Sun", "Sun"), true, "D:\\Sun\0\0\0\0\0\0\0\0Sun\0"s, false},
-        {"the name is copied as it stands", Stored("C::a", "b:c"), true, "C:\\a\0\0\0\0\0\0\0\0b:c\0"s, false},
-        {"empty path stays empty", Stored("", "x"), true, "\0\0\0\0\0\0\0\0x\0"s, false},
-        {"longer than the 500-byte start", Stored(longPath, longName), true,
+        {"bare name without a volume", StoredFileRef("Sun", "Sun"), true, "D:\\Sun\0\0\0\0\0\0\0\0Sun\0"s, false},
+        {"the name is copied as it stands", StoredFileRef("C::a", "b:c"), true, "C:\\a\0\0\0\0\0\0\0\0b:c\0"s, false},
+        {"empty path stays empty", StoredFileRef("", "x"), true, "\0\0\0\0\0\0\0\0x\0"s, false},
+        {"longer than the 500-byte start", StoredFileRef(longPath, longName), true,
          "D:\\" + longPath + "\0\0"s + std::string(6, '\0') + longName + "\0"s, false},
     };
     for (const Case& c : cases) {
@@ -94,13 +84,13 @@ TEST_F(StoredPathTest, TakesTheDriveOfTheCurrentStack) {
     ASSERT_TRUE(SetSlotPath(kSlotStack, "E:\\x.stk"));
     Bytes out;
     bool odd = false;
-    const Bytes stored = Stored("Disk:Pics:Sun", "Sun");
+    const Bytes stored = StoredFileRef("Disk:Pics:Sun", "Sun");
     ASSERT_TRUE(Convert(stored, static_cast<uint32_t>(stored.size()), true, &out, &odd));
     EXPECT_EQ(out, Of("E:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s));
 }
 
 TEST_F(StoredPathTest, RefusesAReferenceThatDoesNotFit) {
-    const Bytes whole = Stored("Disk:Pics:Sun", "Sun");  // 24 bytes: 14 of path, 6, 4 of name
+    const Bytes whole = StoredFileRef("Disk:Pics:Sun", "Sun");  // 24 bytes: 14 of path, 6, 4 of name
     Bytes lying = whole;
     lying[0] = 40;  // a path longer than the bytes there are
     Bytes lyingName = whole;
@@ -130,7 +120,7 @@ TEST_F(StoredPathTest, RefusesAReferenceThatDoesNotFit) {
 }
 
 TEST_F(StoredPathTest, IgnoresBytesBehindTheReference) {
-    Bytes stored = Stored("Disk:Pics:Sun", "Sun");
+    Bytes stored = StoredFileRef("Disk:Pics:Sun", "Sun");
     stored.insert(stored.end(), {'x', 'y', 'z'});
     Bytes out;
     bool odd = true;

@@ -74,6 +74,16 @@ Bytes StoredItem(uint16_t kind, uint16_t id, int16_t left, int16_t top, int16_t 
     return i;
 }
 
+Bytes StoredFileRef(const std::string& path, const std::string& name) {
+    Bytes b{static_cast<uint8_t>(path.size())};
+    b.insert(b.end(), path.begin(), path.end());
+    if (b.size() & 1) b.push_back(0);
+    b.insert(b.end(), 6, 0);
+    b.push_back(static_cast<uint8_t>(name.size()));
+    b.insert(b.end(), name.begin(), name.end());
+    return b;
+}
+
 Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data,
                    uint32_t flags) {
     Bytes r(68, 0);

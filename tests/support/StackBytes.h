@@ -31,6 +31,9 @@ Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>&
 // An item chunk: common head with the kind-specific head bytes (already big-endian) behind it.
 Bytes StoredItem(uint16_t kind, uint16_t id, int16_t left, int16_t top, int16_t right, int16_t bottom,
                  const Bytes& headRest, uint16_t itemFlags = 0);
+// A stored file reference: the length-prefixed path, a pad byte if the path with its length byte is
+// odd, six zero bytes, the length-prefixed name.
+Bytes StoredFileRef(const std::string& path, const std::string& name);
 // A typed-record entry: 68-byte head plus data padded to a multiple of 4.
 Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data,
                    uint32_t flags = 0);
