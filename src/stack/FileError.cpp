@@ -1,11 +1,11 @@
 // Reporting file errors: the error codes are string ids at once.
+#include "stack/StackAlerts.h"
 #include "stack/StackFlows.h"
 #include "ui/Alert.h"
 
 namespace {
 inline constexpr int32_t kFileErrors[] = {2680, 2681, 2682, 2683, 2684, 2685, 2686, 2687,
                                           -2688, 2689, 2689, 2691, 2692, 2693};
-inline constexpr int kAlertSomeError = 2235;
 }  // namespace
 
 void ShowFileError(int32_t code) {

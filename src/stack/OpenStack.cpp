@@ -13,6 +13,7 @@
 #include "stack/Document.h"
 #include "stack/Navigation.h"
 #include "stack/PathSlot.h"
+#include "stack/StackAlerts.h"
 #include "stack/StackFlows.h"
 #include "stack/StackHeader.h"
 #include "stack/StackReader.h"
@@ -21,8 +22,6 @@
 
 namespace {
 
-inline constexpr int kAlertMinimumSize = 2334;
-inline constexpr int kAlertNoCards = 2305;
 inline constexpr int kStringHomeNames = 2804;
 inline constexpr int kTitleFindStack = 2413;
 inline constexpr int kStringUntitled = 4041;
@@ -124,7 +123,7 @@ int32_t ReadStack() {
     WaitCursor(false);
 
     // The question about a card too small comes before the version's refusal, as the checks run.
-    if (fault.askMinimumSize && (fault.alerts.empty() || fault.alerts.front() != 2268)) {
+    if (fault.askMinimumSize && (fault.alerts.empty() || fault.alerts.front() != kAlertNotAStack)) {
         SetAlertNumbers(kMinCardSide, kMinCardSide);
         if (Alert(kAlertMinimumSize) != 1) {
             CloseStack();

@@ -3,14 +3,11 @@
 #include "platform/HostPath.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
+#include "stack/StackAlerts.h"
 #include "stack/StackFlows.h"
 #include "ui/Alert.h"
 
 namespace {
-inline constexpr int kAlertStackChanged = 2229;
-inline constexpr int kAlertMustSave = 2213;
-inline constexpr int kAlertConverted = 2339;
-inline constexpr int kAlertDepthChanged = 2340;
 
 // The name a save dialog proposes: the stack's, its extension cut off, in the stack's folder.
 std::string ProposedSaveName() {

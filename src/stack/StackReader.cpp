@@ -1,3 +1,4 @@
+#include "stack/StackAlerts.h"
 #include "stack/StackReader.h"
 
 #include <fmt/format.h>
@@ -16,12 +17,6 @@
 
 namespace {
 
-inline constexpr int kAlertNotAStack = 2268;
-inline constexpr int kAlertBlackAndWhite = 2256;
-inline constexpr int kAlertTooNew = 2221;
-inline constexpr int kAlertTooOld = 2222;
-inline constexpr int kAlertSomeError = 2235;
-inline constexpr int kAlertNoCards = 2305;
 
 int32_t Refuse(LoadFault* fault, int alert, uint64_t offset, std::string detail) {
     fault->alerts.push_back(alert);

@@ -14,14 +14,13 @@
 #include "stack/Normalise.h"
 #include "stack/PathSlot.h"
 #include "stack/RecordWriter.h"
+#include "stack/StackAlerts.h"
 #include "stack/StackFlows.h"
 #include "stack/StackHeader.h"
 #include "ui/Alert.h"
 
 namespace {
 
-inline constexpr int kAlertDiskLocked = 2689;
-inline constexpr int kAlertDiskFull = 2264;
 inline constexpr int64_t kFreeSpaceMargin = 2048;
 
 std::string FolderOf(const std::string& hostPath) {
