@@ -15,7 +15,8 @@ inline constexpr uint32_t Rgb555ToRgb(uint16_t v) {
 inline constexpr uint16_t RgbToRgb555(uint32_t c) {
     return static_cast<uint16_t>((c >> 9 & 0x7C00) | (c >> 6 & 0x03E0) | (c >> 3 & 0x001F));
 }
-// What a pixel becomes on a 16-bit display: Rgb555ToRgb(RgbToRgb555(c)), a channel at a time.
+// What a colour becomes on a 16-bit display: Rgb555ToRgb(RgbToRgb555(c)), a channel at a time.
+// The one 16-bit rule: display pixels and the palette a 16-bit display reports both go through it.
 inline constexpr uint32_t QuantizeTo555(uint32_t c) {
     const uint32_t high = c & 0xF8F8F8;
     return high | (high >> 5 & 0x070707);

@@ -26,6 +26,7 @@ inline constexpr int32_t kLzrwDamaged = -1;
 void LzrwCompress(uint8_t* work, const uint8_t* src, uint32_t srcLen, uint8_t* dst, uint32_t* dstLen);
 
 // Expands a block of srcLen bytes into dst, which holds dstCapacity bytes, and sets *dstLen to the
-// bytes made. A srcLen of 0 does nothing. 0, or kLzrwDamaged with *dstLen at what was made.
+// bytes made. A srcLen of 0 does nothing. 0, or kLzrwDamaged with *dstLen at what was made. Bytes
+// of dst past *dstLen (never past dstCapacity) may be overwritten: copies run in whole chunks.
 int32_t LzrwDecompress(const uint8_t* src, uint32_t srcLen, uint8_t* dst, uint32_t dstCapacity,
                        uint32_t* dstLen);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "imaging/DisplayDepth.h"
 #include "platform/Host.h"
 #include "stack/Document.h"
 
@@ -132,14 +133,14 @@ PaletteRef LoadDefaultPalette() {
 
 void AdjustPaletteForDisplay(uint32_t count, PaletteEntry* colors) {
     if (DisplayDepth() != 16) return;
-    // The colour painted on a 16-bit display and read back: five bits a channel, each level shown
-    // with its top bits repeated below, so that white stays white; the renderer's 16-bit display
-    // shows the same.
-    const auto shown = [](uint8_t c) { return static_cast<uint8_t>((c & 0xF8) | (c & 0xF8) >> 5); };
+    // The colour painted on a 16-bit display and read back, by the rule the renderer's 16-bit
+    // display uses for its pixels.
     for (uint32_t i = 0; i < count; ++i) {
-        colors[i].red = shown(colors[i].red);
-        colors[i].green = shown(colors[i].green);
-        colors[i].blue = shown(colors[i].blue);
+        PaletteEntry& e = colors[i];
+        const uint32_t shown = QuantizeTo555(uint32_t{e.red} << 16 | uint32_t{e.green} << 8 | e.blue);
+        e.red = static_cast<uint8_t>(shown >> 16);
+        e.green = static_cast<uint8_t>(shown >> 8);
+        e.blue = static_cast<uint8_t>(shown);
     }
 }
 

@@ -83,6 +83,21 @@ TEST(PackedPixels, RunStreamsFollowTheCountRules) {
     }
 }
 
+TEST(PackedPixels, ACountOfMinus128Repeats129Times) {
+    // Unlike PackBits, where it does nothing; our encoder never writes it, other writers may.
+    Bytes stream = {0x80, 7, 0x80, 8, 61};
+    Bytes expected(129, 7);
+    expected.insert(expected.end(), 129, 8);
+    for (uint8_t i = 0; i < 62; ++i) {
+        stream.push_back(i);
+        expected.push_back(i);
+    }
+    const MemRef target = NewDibImage(16, 20, 8);
+    EXPECT_EQ(Decode(target, 0, stream), 0);
+    EXPECT_EQ(PixelBytes(target), expected);
+    FreeMemRef(target);
+}
+
 TEST(PackedPixels, DamagedStreamsAreRefused) {
     const MemRef image = MakePicture(40, 3, 8, Fill::Gradient);
     const Bytes rows = TakeBytes(EncodeRowPacked(image)), runs = TakeBytes(EncodeRunPacked(image));

@@ -193,25 +193,10 @@ TEST_F(RecordWriterTest, WritesEachItemKindThroughItsTables) {
     Turn(text, {128, 130}, {132}, {});  // one text block of four bytes
     SetLong(text, 136, 4);
     SetLong(text, 140, 20);
-    struct Case {
-        const char* name;
-        std::vector<Pair> chunks;
-    };
-    const Case cases[] = {
-        {"empty card: 100 bytes, the tail 00 00 FA CE whatever the block held", {}},
-        {"graphic with its picture", {graphic}},
-        {"text field with a block", {text}},
-        {"button without sub-records", {ButtonHead(136)}},
-        {"unknown kind: common head turned, body as it stands", {Item(32, 40, {}, {}, {})}},
-        {"all of them in one chain", {graphic, text, ButtonHead(136), Item(32, 40, {}, {}, {})}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Pair card = Card(c.chunks);
+    // An empty card has the tail 00 00 FA CE whatever the block held; an unknown kind gets its
+    // common head turned and its body as it stands.
+    for (const Pair& card : {Card({}), Card({graphic, text, ButtonHead(136), Item(32, 40, {}, {}, {})})}) {
         EXPECT_EQ(WriteCard(card.native), card.stored);
-        if (c.chunks.empty()) {
-            EXPECT_EQ(card.stored.size(), 100u);
-        }
     }
 }
 
