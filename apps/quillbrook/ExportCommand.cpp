@@ -17,12 +17,10 @@
 #include "PngFile.h"
 #include "host/Application.h"
 #include "imaging/Background.h"
-#include "imaging/CardPalette.h"
 #include "imaging/DibImage.h"
+#include "imaging/GraphicPicture.h"
 #include "imaging/JpegBackground.h"
 #include "imaging/OwnedMemRef.h"
-#include "imaging/PackedPixels.h"
-#include "imaging/Palette.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
@@ -37,17 +35,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Graphic picture: width and height, two zero words, then the packed pixels.
-constexpr uint32_t kPictureHeadSize = 8;
-
-// How the deep pixels of an image are laid out: a background comes from GetCardBackground in
-// working order (a native word), a graphic's pixels stay as stored (high byte first; 0, R, G, B).
-enum class DeepOrder { Working, Stored };
-
 uint8_t Expand5(uint32_t v) { return static_cast<uint8_t>(v << 3 | v >> 2); }
 
-// RGBA rows of a DibImage whose memory rows run top-down; indexed pixels through its colour table.
-std::vector<uint8_t> ToRgba(const uint8_t* dib, DeepOrder order) {
+// RGBA rows of a DibImage whose memory rows run top-down, deep pixels in working order; indexed
+// pixels through its colour table.
+std::vector<uint8_t> ToRgba(const uint8_t* dib) {
     const int32_t width = DibWidth(dib), height = DibHeight(dib), depth = DibDepth(dib);
     const uint32_t rowBytes = DibImageRowBytes(dib), colorCount = DibColorCount(dib);
     const uint8_t* colors = DibColors(dib);
@@ -58,16 +50,12 @@ std::vector<uint8_t> ToRgba(const uint8_t* dib, DeepOrder order) {
         for (int32_t x = 0; x < width; ++x, out += 4) {
             uint32_t r = 0, g = 0, b = 0;
             if (depth == 32) {
-                if (order == DeepOrder::Working) {
-                    const uint32_t v = Read32(row + 4 * x);
-                    r = v >> 16 & 255, g = v >> 8 & 255, b = v & 255;
-                } else {
-                    r = row[4 * x + 1], g = row[4 * x + 2], b = row[4 * x + 3];
-                }
+                const uint32_t v = Read32(row + 4 * x);
+                r = v >> 16 & 255, g = v >> 8 & 255, b = v & 255;
             } else if (depth == 24) {
                 b = row[3 * x], g = row[3 * x + 1], r = row[3 * x + 2];
             } else if (depth == 16) {
-                const uint32_t v = order == DeepOrder::Working ? Read16(row + 2 * x) : ReadBE16(row + 2 * x);
+                const uint32_t v = Read16(row + 2 * x);
                 r = Expand5(v >> 10 & 31), g = Expand5(v >> 5 & 31), b = Expand5(v & 31);
             } else {
                 uint32_t index = 0;
@@ -86,16 +74,6 @@ std::vector<uint8_t> ToRgba(const uint8_t* dib, DeepOrder order) {
         }
     }
     return rgba;
-}
-
-// The depth a picture is laid out at: the card's own depth field, else the stack's; 24 is kept at
-// 32, as the display keeps it.
-int32_t PictureDepth(const uint8_t* card) {
-    for (int32_t depth : {static_cast<int32_t>(ReadS16(card + kCardDepth)), static_cast<int32_t>(GetDocument().depth)}) {
-        if (depth == 24) return 32;
-        if (depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 32) return depth;
-    }
-    return 8;
 }
 
 // One picture to write: where it comes from and the file it becomes.
@@ -139,7 +117,7 @@ std::vector<uint8_t> BackgroundRgba(MemRef card, int32_t* width, int32_t* height
     int32_t depth = 8;
     {
         MemRefLock lock(card);
-        depth = PictureDepth(lock.data());
+        depth = CardPictureDepth(lock.data());
     }
     MemRef image = 0;
     int32_t result = GetCardBackground(card, &image, depth, false, true);
@@ -154,61 +132,36 @@ std::vector<uint8_t> BackgroundRgba(MemRef card, int32_t* width, int32_t* height
     MemRefLock lock(image);
     *width = DibWidth(lock.data());
     *height = DibHeight(lock.data());
-    return ToRgba(lock.data(), DeepOrder::Working);
+    return ToRgba(lock.data());
 }
 
 // The pixels of a graphic, top-down, or an empty vector with *problem set.
 std::vector<uint8_t> GraphicRgba(MemRef card, uint32_t itemOffset, int32_t* width, int32_t* height, std::string* problem) {
-    int32_t depth = 8;
-    uint16_t flags = 0;
-    std::vector<uint8_t> packed;
-    {
-        MemRefLock lock(card);
-        const uint8_t* item = lock.data() + itemOffset;
-        depth = PictureDepth(lock.data());
-        const uint32_t length = Read32(item + kItemLength);
-        flags = Read16(item + kItemFlags);
-        const uint32_t pad = flags & kItemFlagOddPad ? 1 : 0;
-        const uint32_t pictureSize = Read32(item + kGraphicPictureSize);
-        if (pictureSize < kPictureHeadSize || pad + pictureSize > length - kGraphicHeadSize) {
-            *problem = "its picture does not fit its item";
-            return {};
-        }
-        const uint8_t* picture = item + length - pad - pictureSize;
-        *width = ReadS16(picture);
-        *height = ReadS16(picture + 2);
-        packed.assign(picture + kPictureHeadSize, picture + pictureSize);
+    MemRef image = 0;
+    GraphicPictureHead head;
+    const int32_t result = ReadGraphicPicture(card, itemOffset, &image, false, &head);
+    OwnedMemRef owned(image);
+    *width = head.width;
+    *height = head.height;
+    switch (result) {
+    case 0: {
+        MemRefLock lock(image);
+        return ToRgba(lock.data());
     }
-    if (*width <= 0 || *height <= 0) {
-        *problem = fmt::format("its picture is {} by {} pixels", *width, *height);
-        return {};
-    }
-    OwnedMemRef image(NewDibImage(*width, *height, depth));
-    if (!image.ref()) {
+    case kGraphicPictureNoMemory:
         *problem = "not enough memory to decode it";
-        return {};
-    }
-    MemRefLock lock(image.ref());
-    if (depth == 1) {
-        Write32(DibColors(lock.data()) + kDibColorSize, 0xFFFFFF);  // 0 black, 1 white
-    } else if (depth <= 8) {
-        // The card's palette, or the default one for a card without one.
-        PaletteRef palette = GetCardPalette(card);
-        if (!palette) palette = LoadDefaultPalette();
-        uint8_t* colors = DibColors(lock.data());
-        for (uint32_t i = 0; palette && i < DibColorCount(lock.data()) && i < palette->count; ++i) {
-            const PaletteEntry& e = palette->entries[i];
-            colors[kDibColorSize * i] = e.blue;
-            colors[kDibColorSize * i + 1] = e.green;
-            colors[kDibColorSize * i + 2] = e.red;
-        }
-    }
-    if (DecodeGraphicPixels(image.ref(), flags, packed.data(), static_cast<uint32_t>(packed.size())) != 0) {
+        break;
+    case kGraphicPictureBadSize:
+        *problem = fmt::format("its picture is {} by {} pixels", head.width, head.height);
+        break;
+    case kGraphicPictureDamaged:
         *problem = "its pixels are damaged";
-        return {};
+        break;
+    default:
+        *problem = "its picture does not fit its item";
+        break;
     }
-    // The packed rows run top-down and land in memory in that order.
-    return ToRgba(lock.data(), DeepOrder::Stored);
+    return {};
 }
 
 // Progress on a terminal: one line redrawn in place.
