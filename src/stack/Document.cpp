@@ -1,17 +1,24 @@
 #include "stack/Document.h"
 
+#include "actions/Quiz.h"
+
 #include "stack/Blob.h"
 #include "stack/ByteOrder.h"
+#include "stack/Navigation.h"
 
 namespace {
 Document gDocument;
 inline constexpr uint32_t kCardRowSize = 16;
 }  // namespace
 
-Document& GetDocument() { return gDocument; }
+Document& GetDocument() {
+    return gDocument;
+}
 
 int16_t CardCount() {
-    return gDocument.cardList ? static_cast<int16_t>(GetMemRefSize(gDocument.cardList) / kCardRowSize) : 0;
+    return gDocument.cardList
+               ? static_cast<int16_t>(GetMemRefSize(gDocument.cardList) / kCardRowSize)
+               : 0;
 }
 
 MemRef GetCardByPosition(int32_t position) {
@@ -32,6 +39,11 @@ int32_t InsertCardAt(int32_t position, MemRef card) {
 }
 
 void CloseStack() {
+    if (gDocument.stackHeader) {
+        RunStackLeaveAction();
+        WriteTestReport();  // the quiz answers given on this stack, beside it
+    }
+    ClearTestAnswers();
     for (int32_t i = 1; i <= CardCount(); ++i) FreeMemRef(GetCardByPosition(i));
     if (gDocument.cardList) FreeMemRef(gDocument.cardList);
     if (gDocument.stackHeader) FreeMemRef(gDocument.stackHeader);

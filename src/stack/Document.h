@@ -13,10 +13,10 @@ struct Document {
     MemRef stackHeader = 0;  // native StackHeader, 128 bytes; always one while the program runs
     MemRef cardList = 0;     // 16-byte rows in card order; the first word is the card's MemRef
     uint32_t storeRef = 0;
-    bool hasFile = false;    // read from or saved to a file
+    bool hasFile = false;  // read from or saved to a file
     uint32_t convertedFlags = 0;
     bool dirty = false;
-    std::string stackName;   // Windows-1252, shown in the title
+    std::string stackName;  // Windows-1252, shown in the title
     bool isHomeStack = false;
     int16_t homeCardId = 0;
     MemRef currentCard = 0;
@@ -30,14 +30,17 @@ struct Document {
     int16_t cardWidth = 512;
     int16_t cardHeight = 342;
     int16_t depth = 8;
+    // The menu bar is on; each card remembers this when it is left.
+    int16_t menuShown = 1;
     // A flow that needs the stack on disk is waiting for the save (the stricter question).
     bool saveNeededToContinue = false;
 };
 
 Document& GetDocument();
-// Frees header, cards and store: the document is empty after it (settings stay).
+// Runs the stack's leave action, then frees header, cards and store: the document is empty after
+// it (settings stay).
 void CloseStack();
 
 int16_t CardCount();
-MemRef GetCardByPosition(int32_t position);  // 1-based; 0 if out of range
+MemRef GetCardByPosition(int32_t position);           // 1-based; 0 if out of range
 int32_t InsertCardAt(int32_t position, MemRef card);  // 0-based insertion point

@@ -184,6 +184,7 @@ int32_t PrepareOpenedStack() {
     doc.hasFile = true;
     doc.dirty = false;
     doc.stackName = GetSlotName(kSlotStack);
+    UpdateTitle(true);
     MakeHomeTest();
     // The workspace record is attached here when the language arrives.
     return kFlowOk;
@@ -214,7 +215,12 @@ int32_t OpenStack(bool ask) {
         if (!doc.stackHeader) NewStack(false);
         return result;
     }
-    ArriveAtCard(1, kPlainEffect, kPlainSpeed, true);
+    doc.currentCardId = 0;
+    if (MemRef first = GetCardByPosition(1)) {
+        MemRefLock lock(first);
+        doc.currentCardId = ReadS16(lock.data() + kCardId);
+    }
+    ArriveAtCard(kPlainEffect, kPlainSpeed, true);
     return kFlowOk;
 }
 
@@ -248,6 +254,7 @@ int32_t NewStack(bool showHint) {
     doc.dirty = false;
     doc.showCardNumber = keepCardNumber;
     doc.stackName = GetString(kStringUntitled);
+    UpdateTitle(true);
     if (showHint) ShowMessage(kHintNewStack, true, false, true);
     return kFlowOk;
 }

@@ -1,0 +1,276 @@
+// The card list, the group rules and the item walk, on cards made in memory.
+#include "stack/CardList.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/headless/HeadlessHost.h"
+#include "stack/ByteOrder.h"
+#include "stack/CardRecord.h"
+#include "ui/Alert.h"
+
+namespace {
+
+struct ItemSpec {
+    int16_t kind;
+    int16_t id;
+    uint16_t flags = 0;
+    std::string name = "";
+};
+
+std::vector<uint8_t> NativeItem(const ItemSpec& s) {
+    const uint32_t head = s.kind == kItemKindGraphic  ? kGraphicHeadSize
+                          : s.kind == kItemKindButton ? kButtonHeadSize
+                                                      : kTextHeadSize;
+    const uint32_t nameAt = s.kind == kItemKindGraphic  ? kGraphicName
+                            : s.kind == kItemKindButton ? kButtonName
+                                                        : kTextName;
+    std::vector<uint8_t> b(head, 0);
+    Write16(&b[kItemKind], static_cast<uint16_t>(s.kind));
+    Write16(&b[kItemId], static_cast<uint16_t>(s.id));
+    Write32(&b[kItemLength], head);
+    Write16(&b[kItemFlags], s.flags);
+    b[nameAt] = static_cast<uint8_t>(s.name.size());
+    std::memcpy(&b[nameAt + 1], s.name.data(), s.name.size());
+    return b;
+}
+
+// A native card; kind 1 gets a 40-byte background chunk in front of its items.
+MemRef MakeCard(int16_t id, int16_t kind, int16_t ownerId, const std::vector<ItemSpec>& items = {},
+                const std::string& name = "") {
+    std::vector<uint8_t> c(kCardHeadSize, 0);
+    Write16(&c[kCardId], static_cast<uint16_t>(id));
+    Write16(&c[kCardKind], static_cast<uint16_t>(kind));
+    Write16(&c[kCardOwnerId], static_cast<uint16_t>(ownerId));
+    c[kCardName] = static_cast<uint8_t>(name.size());
+    std::memcpy(&c[kCardName + 1], name.data(), name.size());
+    if (kind == kCardKindPicture) {
+        std::vector<uint8_t> bg(40, 0);
+        Write16(&bg[kBgTag], 8);
+        Write32(&bg[kBgLength], 40);
+        c.insert(c.end(), bg.begin(), bg.end());
+    }
+    for (const ItemSpec& item : items) {
+        const std::vector<uint8_t> chunk = NativeItem(item);
+        c.insert(c.end(), chunk.begin(), chunk.end());
+    }
+    c.insert(c.end(), {0, 0, 0xCE, 0xFA});
+    Write32(&c[kCardSize], static_cast<uint32_t>(c.size()));
+    MemRef ref = NewCardMemRef(static_cast<uint32_t>(c.size()) - 2);
+    MemRefLock lock(ref);
+    std::memcpy(lock.data(), c.data(), c.size());
+    return ref;
+}
+
+std::vector<uint8_t> Name(const std::string& text) {
+    std::vector<uint8_t> n{static_cast<uint8_t>(text.size())};
+    n.insert(n.end(), text.begin(), text.end());
+    return n;
+}
+
+int16_t ItemIdAt(MemRef card, uint32_t offset) {
+    MemRefLock lock(card);
+    return ReadS16(lock.data() + offset + kItemId);
+}
+
+class CardListTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetHeadlessState();
+        ResetAlertState();
+        CloseStack();
+    }
+    void TearDown() override { CloseStack(); }
+
+    static void Add(MemRef card) { ASSERT_FALSE(InsertCard(card, CardCount())); }
+    static std::vector<int16_t> Ids() {
+        std::vector<int16_t> ids;
+        for (int32_t i = 1; i <= CardCount(); ++i) ids.push_back(GetCardId(GetCardByPosition(i)));
+        return ids;
+    }
+    // The walk as (card id, item id) pairs; a 0 pair where NextItem answered false mid-walk.
+    static std::vector<std::pair<int16_t, int16_t>> Walk(MemRef card, bool followGroup, bool stop) {
+        std::vector<std::pair<int16_t, int16_t>> seen;
+        ItemWalker walker;
+        BeginItemWalk(&walker, card, followGroup);
+        for (int guard = 0; guard < 20; ++guard) {
+            MemRef at = 0;
+            uint32_t offset = 0;
+            if (NextItem(&walker, &at, &offset, stop)) {
+                seen.emplace_back(GetCardId(at), ItemIdAt(at, offset));
+            } else if (walker.finished) {
+                break;
+            } else {
+                seen.emplace_back(0, 0);
+            }
+        }
+        EndItemWalk(&walker);
+        return seen;
+    }
+};
+
+TEST_F(CardListTest, InsertPutsRowsWhereAskedAndTheFirstRowFirst) {
+    EXPECT_FALSE(InsertCard(MakeCard(1, 0, -1), 5));  // an empty list takes it at the start
+    EXPECT_FALSE(InsertCard(MakeCard(2, 0, -1), 1));
+    EXPECT_FALSE(InsertCard(MakeCard(3, 0, -1), 1));
+    EXPECT_FALSE(InsertCard(MakeCard(4, 0, -1), 0));
+    EXPECT_FALSE(InsertCard(MakeCard(5, 0, -1), 99));
+    EXPECT_EQ(Ids(), (std::vector<int16_t>{4, 1, 3, 2, 5}));
+    EXPECT_EQ(GetCardPosition(GetCardById(3)), 3);
+    EXPECT_EQ(GetCardById(6), 0);
+    EXPECT_EQ(GetCardByPosition(0), 0);
+    EXPECT_EQ(GetCardByPosition(6), 0);
+    EXPECT_TRUE(GetHeadlessState().alertsShown.empty());
+}
+
+TEST_F(CardListTest, CardNamesCompareWithFoldedAsciiOnly) {
+    Add(MakeCard(1, 0, -1, {}, "Alpha"));
+    Add(MakeCard(2, 0, -1, {}, "\xC9t\xE9"));
+    Add(MakeCard(3, 0, -1, {}, "alpha"));
+    const struct {
+        const char* name;
+        int16_t id;
+    } cases[] = {
+        {"ALPHA", 1},     {"alpha", 1},     {"Alph", 0}, {"Alpha ", 0},
+        {"\xC9T\xE9", 2}, {"\xE9t\xE9", 0}, {"", 0},
+    };
+    for (const auto& c : cases) {
+        const std::vector<uint8_t> name = Name(c.name);
+        EXPECT_EQ(GetCardId(GetCardByName(name.data())), c.id) << c.name;
+    }
+}
+
+TEST_F(CardListTest, GroupOwnersAndGroupCards) {
+    Add(MakeCard(1, 1, 0));   // owner of 2
+    Add(MakeCard(2, 3, 1));   // member
+    Add(MakeCard(3, 3, 2));   // member of a member: the chain leads to 1
+    Add(MakeCard(4, 3, 99));  // its owner was deleted
+    Add(MakeCard(5, 0, 1));   // made from a group card, not in it
+    Add(MakeCard(6, 1, 0));   // a picture with no members
+    Add(MakeCard(7, 3, -1));  // a member without any owner
+    Add(MakeCard(8, 3, 9));   // a damaged loop
+    Add(MakeCard(9, 3, 8));
+    const struct {
+        int16_t id;
+        int16_t owner;
+        bool group;
+    } cases[] = {
+        {1, 1, true},  {2, 1, true},  {3, 1, true}, {4, 99, true}, {5, 5, false},
+        {6, 6, false}, {7, -1, true}, {8, 8, true}, {9, 9, true},
+    };
+    for (const auto& c : cases) {
+        MemRef card = GetCardById(c.id);
+        if (c.id < 8) {
+            EXPECT_EQ(GetGroupOwnerId(card), c.owner) << c.id;
+        }
+        EXPECT_EQ(IsGroupCard(card), c.group) << c.id;
+    }
+    // A loop ends on one of its own ids rather than running forever.
+    const int16_t looped = GetGroupOwnerId(GetCardById(8));
+    EXPECT_TRUE(looped == 8 || looped == 9) << looped;
+}
+
+TEST_F(CardListTest, ItemsAreFoundByIdPositionAndName) {
+    const std::vector<ItemSpec> items = {
+        {kItemKindButton, 11, 0, "Go"},
+        {kItemKindGraphic, 12, 0, "  Logo "},
+        {kItemKindButton, 13, kItemFlagWalkHidden, "Secret"},
+        {kItemKindText, 14, 0, "Notes"},
+    };
+    MemRef picture = MakeCard(1, 1, 0, items);
+    Add(picture);
+    MemRef other =
+        MakeCard(2, 0, -1, {{kItemKindButton, 21, 0, "Go"}, {kItemKindButton, 13, 0, "Again"}});
+    Add(other);
+
+    EXPECT_EQ(FirstItemOffset(picture), kCardHeadSize + 40);
+    EXPECT_EQ(FirstItemOffset(other), kCardHeadSize);
+    EXPECT_EQ(ItemsEndOffset(picture),
+              kCardHeadSize + 40 + 2 * kButtonHeadSize + kGraphicHeadSize + kTextHeadSize);
+
+    uint32_t offset = 0;
+    ASSERT_TRUE(FindItemOnCard(kItemKindButton, 13, picture, &offset));
+    EXPECT_EQ(offset, kCardHeadSize + 40 + kButtonHeadSize + kGraphicHeadSize);
+    EXPECT_FALSE(FindItemOnCard(kItemKindGraphic, 11, picture, &offset));
+    EXPECT_EQ(ItemPosition(picture, kItemKindButton, 13), 2);
+    EXPECT_EQ(ItemPosition(picture, kItemKindText, 14), 1);
+    EXPECT_EQ(ItemPosition(picture, kItemKindText, 11), 0);
+
+    // The current card is searched first, then the others in order.
+    MemRef found = 0;
+    GetDocument().currentCard = other;
+    ASSERT_TRUE(FindItem(kItemKindButton, 13, &found, &offset));
+    EXPECT_EQ(found, other);
+    GetDocument().currentCard = picture;
+    ASSERT_TRUE(FindItem(kItemKindButton, 21, &found, &offset));
+    EXPECT_EQ(found, other);
+
+    const struct {
+        int16_t kind;
+        const char* name;
+        bool trim;
+        int16_t id;  // 0: not found
+    } byName[] = {
+        {kItemKindButton, "go", false, 11},    {kItemKindGraphic, "logo", true, 12},
+        {kItemKindGraphic, "logo", false, 0},  {kItemKindGraphic, "  Logo ", false, 12},
+        {kItemKindButton, "Secret", false, 0},  // hidden from the walk
+        {kItemKindButton, "again", false, 13}, {kItemKindButton, "Notes", false, 0},
+    };
+    for (const auto& c : byName) {
+        const std::vector<uint8_t> name = Name(c.name);
+        const bool hit = FindItemByName(c.kind, name.data(), &found, &offset, c.trim);
+        EXPECT_EQ(hit ? ItemIdAt(found, offset) : 0, c.id) << c.name;
+    }
+}
+
+TEST_F(CardListTest, WalkGivesTheOwnersSharedItemsFirst) {
+    Add(MakeCard(1, 1, 0,
+                 {{kItemKindGraphic, 101, kItemFlagShared},
+                  {kItemKindButton, 102},
+                  {kItemKindButton, 103, kItemFlagShared | kItemFlagWalkHidden}}));
+    Add(MakeCard(2, 3, 1,
+                 {{kItemKindButton, 201},
+                  {kItemKindText, 202, kItemFlagWalkHidden},
+                  {kItemKindButton, 203, kItemFlagShared}}));
+    Add(MakeCard(3, 3, 99, {{kItemKindButton, 301}}));
+    Add(MakeCard(4, 3, 2, {}));
+    using Seen = std::vector<std::pair<int16_t, int16_t>>;
+    const struct {
+        int16_t start;
+        bool followGroup;
+        bool stop;
+        Seen expected;
+    } cases[] = {
+        {2, true, false, {{1, 101}, {2, 201}, {2, 203}}},
+        {2, true, true, {{1, 101}, {0, 0}, {2, 201}, {2, 203}}},
+        {2, false, false, {{2, 201}, {2, 203}}},
+        {1, true, false, {{1, 101}, {1, 102}}},
+        {3, true, false, {{3, 301}}},  // a dead owner: the card's own items
+        {4, true, false, {{1, 101}}},  // a member with none of its own, through a member
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Walk(GetCardById(c.start), c.followGroup, c.stop), c.expected)
+            << "card " << c.start << (c.followGroup ? " with group" : "")
+            << (c.stop ? " stopping" : "");
+    }
+}
+
+TEST_F(CardListTest, WalkStopsAtAChunkThatLeavesTheCard) {
+    MemRef card =
+        MakeCard(1, 0, -1, {{kItemKindButton, 1}, {kItemKindButton, 2}, {kItemKindButton, 3}});
+    Add(card);
+    {
+        MemRefLock lock(card);
+        Write32(lock.data() + kCardHeadSize + kButtonHeadSize + kItemLength, 100000);
+    }
+    EXPECT_EQ(Walk(card, true, false), (std::vector<std::pair<int16_t, int16_t>>{{1, 1}}));
+    EXPECT_EQ(ItemsEndOffset(card), kCardHeadSize + kButtonHeadSize);
+    uint32_t offset = 0;
+    EXPECT_FALSE(FindItemOnCard(kItemKindButton, 3, card, &offset));
+}
+
+}  // namespace
