@@ -10,6 +10,7 @@
 #include <map>
 #include <unordered_map>
 
+#include "IconBuilder.h"
 #include "PngFile.h"
 #include "StackJson.h"
 #include "imaging/Background.h"
@@ -511,10 +512,23 @@ Bytes PngGraphicBody(const Node& item, const uint8_t* head, const BuildState& st
     return body;
 }
 
-Bytes BuildItem(const Node& item, BuildState& st) {
+// The action fields of a button's head that the item tables don't name; an 'Actn' record's
+// readable head takes them too.
+struct ActionField {
+    const char* key;
+    uint32_t offset;
+};
+constexpr ActionField kActionFields[] = {
+    {"timerSeconds", 24}, {"timerMode", 26}, {"testCode", 62}, {"transitionColor", 68}, {"transitionSpeed", 76},
+};
+
+// An item chunk; or, with `actionId`, the data of an 'Actn' record described by its head: a button
+// head (kind 48) with the record's id, whose rectangle may be left out.
+Bytes BuildItem(const Node& item, BuildState& st, const int64_t* actionId = nullptr) {
     if (!item.value().is_object()) item.Fail("must be an object");
-    if (!item.Has("kind")) item.FailAt("kind", "needs 16 (graphic), 48 (button) or 96 (text field)");
-    const int64_t kind = item["kind"].Int(kMin16, kMax16);
+    if (!actionId && !item.Has("kind")) item.FailAt("kind", "needs 16 (graphic), 48 (button) or 96 (text field)");
+    const int64_t kind = item.Has("kind") ? item["kind"].Int(kMin16, kMax16) : kItemKindButton;
+    if (actionId && kind != kItemKindButton) item["kind"].Fail("an action has the head of a button (48)");
     if (kind != kItemKindGraphic && kind != kItemKindButton && kind != kItemKindText) {
         item["kind"].Fail(fmt::format("{} is not an item kind (16 graphic, 48 button, 96 text field)", kind));
     }
@@ -529,15 +543,19 @@ Bytes BuildItem(const Node& item, BuildState& st) {
     for (const NamedItemField& named : kNamedItemFields) {
         if (named.kind == kind && item.Has(named.key)) PutField(h + named.offset, named.width, FieldValue(item[named.key], named.width));
     }
+    for (const ActionField& field : kActionFields) {
+        if (kind == kItemKindButton && item.Has(field.key)) PutField(h + field.offset, 2, FieldValue(item[field.key], 2));
+    }
     if (kind == kItemKindGraphic && item.Has("pictureRect")) PutRect(h + kGraphicRect2, item, "pictureRect");
     PutName(h + shape.nameOffset, shape.nameSize, item, "name");
 
-    const int64_t id = item.Has("id") ? item["id"].Int(kMin16, kMax16) : NextId(&st.lastItemId);
-    if (!item.Has("rect")) item.FailAt("rect", "needs four numbers [left, top, right, bottom]");
+    if (actionId && item.Has("id")) item["id"].Fail("an action takes the record's id");
+    const int64_t id = actionId ? *actionId : item.Has("id") ? item["id"].Int(kMin16, kMax16) : NextId(&st.lastItemId);
+    if (!actionId && !item.Has("rect")) item.FailAt("rect", "needs four numbers [left, top, right, bottom]");
     int64_t itemFlags = IntOr(item, "itemFlags", 0, 0, kMax16);
     WriteBE16(h + kItemKind, static_cast<uint16_t>(kind));
     WriteBE16(h + kItemId, static_cast<uint16_t>(id));
-    PutRect(h + kItemRect, item, "rect");
+    if (item.Has("rect")) PutRect(h + kItemRect, item, "rect");
 
     Bytes body;
     const bool png = item.Has("png");
@@ -616,7 +634,7 @@ Bytes BuildCard(const Node& card, BuildState& st) {
     return c;
 }
 
-Bytes BuildRecord(const Node& record, const BuildState& st) {
+Bytes BuildRecord(const Node& record, BuildState& st) {
     if (!record.value().is_object()) record.Fail("must be an object");
     if (!record.Has("type")) record.FailAt("type", "needs four characters, as \"Actn\"");
     const std::string type = record["type"].Text();
@@ -633,7 +651,16 @@ Bytes BuildRecord(const Node& record, const BuildState& st) {
     WriteBE32(&e[kBlobHeadFlags], flags);
     PutReserved(e.data(), record, {0, "reserved52", kBlobHeadReserved52, kBlobHeadReserved52Size});
 
-    Bytes data = Content(record, "hex", "file", st.baseDir);
+    Bytes data;
+    if (record.Has("action")) {
+        if (type != "Actn") record["action"].Fail("only an 'Actn' record is described by an action head");
+        if (record.Has("hex") || record.Has("file")) record.Fail("give either action or the stored bytes (hex or file), not both");
+        const int64_t id = record["id"].Int(0, kMax16);
+        data = BuildItem(record["action"], st, &id);
+    } else {
+        data = Content(record, "hex", "file", st.baseDir);
+    }
+    if (IconBuildError icon; record.Has("png") && !BuildIconRecord(record.value(), st.baseDir, &data, &icon)) record.FailAt(icon.key, icon.text);
     const uint32_t size = static_cast<uint32_t>(data.size());
     WriteBE32(&e[kBlobHeadSizeField], size);
     WriteBE32(&e[kBlobHeadNext], (size + 3) & ~3u);

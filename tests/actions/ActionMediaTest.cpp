@@ -1,0 +1,152 @@
+// The wait for what an action started: it sleeps on the host between rounds, ends when the media
+// are done or a press or key is waiting (which stays queued), and always stops what is left; the
+// extra clicks an action may throw away; and the launch, which waits first and may close the
+// window.
+#include <utility>
+#include <vector>
+
+#include "actions/ActionStack.h"
+#include "host/MainLoop.h"
+
+namespace {
+
+int gRoundsToGo = 0;  // the movie is done when this reaches 0
+int32_t gBusy = 0;    // what IsNbaBusy answers, once
+
+class ActionMediaTest : public ActionStackTest {
+protected:
+    void SetUp() override {
+        ActionStackTest::SetUp();
+        ResetMainLoop();
+        gRoundsToGo = 0;
+        gBusy = 0;
+        ActionServices& s = GetActionServices();
+        s.IsMovieDone = [](uint16_t) { return --gRoundsToGo <= 0; };
+        s.IsNbaBusy = []() -> int32_t { return std::exchange(gBusy, 0); };
+        s.StopAllAnimations = [] { Log("stop animations"); };
+        s.StopSprites = [] { Log("stop sprites"); };
+    }
+};
+
+TEST_F(ActionMediaTest, RoundsSleepOnTheHostUntilTheMediaAreDone) {
+    gRoundsToGo = 3;
+    WaitForActionMedia(false, true, false, 5);
+    EXPECT_EQ(Logged(), "round; round; round; stop animations; stop sprites; stop movies");
+    // Two sleeps of one tick each between the three rounds: the virtual clock moved, nothing spun.
+    EXPECT_EQ(GetHeadlessState().clockMs, 34u);
+
+    // Nothing started: no round, only the ending steps.
+    gRoundsToGo = 3;
+    WaitForActionMedia(false, false, false, 5);
+    EXPECT_EQ(Logged(), "stop animations; stop sprites; stop movies");
+    EXPECT_EQ(GetHeadlessState().clockMs, 34u);
+}
+
+HostEvent Input(HostEventKind kind, uint32_t time) {
+    HostEvent event;
+    event.kind = kind;
+    event.time = time;
+    return event;
+}
+
+std::vector<HostEventKind> QueuedKinds() {
+    std::vector<HostEventKind> kinds;
+    for (const HostEvent& e : GetHeadlessState().events) kinds.push_back(e.kind);
+    return kinds;
+}
+
+// A press or a key ends the wait; a move, a release, a key let go or a character does not.
+// Whatever ended it stays queued, with all that came before.
+TEST_F(ActionMediaTest, OnlyAPressOrAKeyEndsTheWaitAndItStaysQueued) {
+    using K = HostEventKind;
+    struct Case {
+        std::vector<HostEvent> input;
+        uint32_t endMs;
+    };
+    const Case cases[] = {
+        {{Input(K::MouseMove, 20), Input(K::MouseDown, 40)}, 40},
+        {{Input(K::MouseUp, 20), Input(K::KeyUp, 25), Input(K::Char, 27), Input(K::KeyDown, 60)},
+         60},
+        // Ten rounds, the second sleep cut short by the move: 0, 17, 20, 37, ... 139.
+        {{Input(K::MouseMove, 20)}, 139},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "ends at " << c.endMs);
+        ResetHeadlessState();
+        std::vector<K> queued;
+        for (const HostEvent& e : c.input) {
+            QueueHeadlessEvent(e);
+            queued.push_back(e.kind);
+        }
+        gRoundsToGo = 10;
+        WaitForActionMedia(true, false, false, 5);
+        EXPECT_EQ(GetHeadlessState().clockMs, c.endMs);
+        EXPECT_EQ(QueuedKinds(), queued);
+        Logged();
+    }
+}
+
+// The press is offered even behind a key, and a controller that takes it keeps the wait going.
+TEST_F(ActionMediaTest, APressTakenByAMovieControllerDoesNotEndTheWait) {
+    GetActionServices().OfferMovieEvent = [](void*, const HostEvent* event) {
+        Log(event && event->kind == HostEventKind::MouseDown ? "offer press" : "offer other");
+        return true;
+    };
+    QueueHeadlessEvent(Input(HostEventKind::KeyDown, 40));
+    QueueHeadlessEvent(Input(HostEventKind::MouseDown, 40));
+    gRoundsToGo = 5;
+    WaitForActionMedia(false, true, false, 5);
+    EXPECT_EQ(GetHeadlessState().clockMs, 57u);
+    EXPECT_EQ(Logged(),
+              "round; round; round; round; offer press; round; offer press; stop animations; stop "
+              "sprites; stop movies");
+    EXPECT_EQ(GetHeadlessState().events.size(), 2u);
+}
+
+// "Ignore extra mouse clicks" throws away the presses and releases that came while the action
+// ran; moves and keys stay, and without the setting everything does.
+TEST_F(ActionMediaTest, IgnoringExtraClicksDropsOnlyButtonInput) {
+    using K = HostEventKind;
+    Open(WriteActionStack("plain.stk", {{1}}, {StoredRecord("Actn", 9, "", StoredAction(9, {}))}));
+    const std::vector<K> input = {K::MouseDown, K::MouseMove, K::MouseUp, K::KeyDown};
+    for (const bool ignore : {false, true}) {
+        SCOPED_TRACE(ignore);
+        ResetHeadlessState();
+        for (const K kind : input) QueueHeadlessEvent(Input(kind, 0));
+        QueueHeadlessEvent(Input(K::MouseDown, 500));  // still to come: not touched
+        GetDocument().ignoreExtraClicks = ignore;
+        RunActionById(9, 0, 0, "");
+        const std::vector<K> expected =
+            ignore
+                ? std::vector<K>{K::MouseMove, K::KeyDown, K::MouseDown}
+                : std::vector<K>{K::MouseDown, K::MouseMove, K::MouseUp, K::KeyDown, K::MouseDown};
+        EXPECT_EQ(QueuedKinds(), expected);
+    }
+}
+
+TEST_F(ActionMediaTest, OnlyABusyAnswerOfOneKeepsWaitingForAnNba) {
+    const std::string ends = "; stop animations; stop sprites; stop movies";
+    const std::pair<int32_t, std::string> cases[] = {
+        {1, "round; round"}, {2, "round"}, {-1, "round"}};
+    for (const auto& [busy, rounds] : cases) {
+        gBusy = busy;
+        WaitForActionMedia(false, false, true, 5);
+        EXPECT_EQ(Logged(), rounds + ends) << busy;
+    }
+}
+
+TEST_F(ActionMediaTest, LaunchWaitsFillsItsSlotsAndMayQuit) {
+    const std::string document = WriteTempFile("notes.txt", Bytes(4, 0));
+    const std::string program = WriteTempFile("viewer.exe", Bytes(4, 0));
+    const ActionSpec launch{.flags = 0x8000, .subs = {LaunchSub(document, program, 0x4000)}};
+    Open(WriteActionStack("launch.stk", {{1}},
+                          {StoredRecord("Actn", 9, "", StoredAction(9, launch))}));
+    RunActionById(9, 0, 0, "");
+    EXPECT_EQ(Logged(), "stop animations; stop sprites; stop movies; release laser; launch 16384");
+    EXPECT_EQ(GetSlotName(15), "notes.txt");
+    EXPECT_EQ(GetSlotName(9), "viewer.exe");
+    EXPECT_TRUE(GetMainLoopState().closePosted);
+    ResetMainLoop();
+}
+
+}  // namespace

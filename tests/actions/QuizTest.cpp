@@ -1,0 +1,93 @@
+// A stack as a quiz: the answers buttons leave on their cards, the name prompt, and the report
+// appended to "QBTest.txt" beside the stack.
+#include "actions/Quiz.h"
+
+#include <filesystem>
+
+#include "actions/ActionStack.h"
+
+namespace {
+
+ReportTime FixedTime() {
+    return {.month = 3, .day = 7, .year = 4, .hour = 9, .minute = 5, .second = 30};
+}
+
+class QuizTest : public ActionStackTest {
+protected:
+    void SetUp() override {
+        ActionStackTest::SetUp();
+        GetQuizState().clock = FixedTime;
+        GetActionServices().AskText = [](const std::string& label, std::string* text) {
+            Log("ask " + label);
+            *text = "Ada Augusta King, Countess of Lovelace";
+            return true;
+        };
+        // Two cards of questions; the second comes first in the file, so card order shows.
+        const auto button = [](uint16_t id, int16_t code, const std::string& name) {
+            return StoredAction(id, {.testCode = code, .name = name});
+        };
+        stack = WriteActionStack(
+            "quiz.stk", {{2, {button(21, 2, "Nice")}},
+                         {1, {button(11, 1, "Paris"), button(12, 2, "Lyon"), button(13, 3, "Me")}},
+                         {3}});
+        report = (std::filesystem::path(stack).parent_path() / "QBTest.txt").string();
+        DeleteHostFile(report);
+        Open(stack);
+    }
+    void TearDown() override {
+        DeleteHostFile(report);
+        ActionStackTest::TearDown();
+    }
+    std::string Report() const {
+        const Bytes bytes = ReadWholeFile(report);
+        return std::string(bytes.begin(), bytes.end());
+    }
+    static void Click(int16_t card, uint16_t button) {
+        GoToCardNoBack(card, kPlainEffect, kPlainSpeed);
+        RunItemAction(nullptr, button, 0);
+    }
+    std::string stack;
+    std::string report;
+};
+
+TEST_F(QuizTest, AnswersOnTheirCardsAndTheReportInCardOrder) {
+    Click(1, 13);
+    EXPECT_EQ(Logged(), "stop sounds; stop movies; ask Hello, please enter your name.");  // leaving the card stops its media
+    EXPECT_EQ(GetQuizState().userName, "Ada Augusta King, Countess of Lov");  // 33 bytes kept
+    Click(1, 12);
+    Click(1, 11);  // replaces the wrong answer on the same card
+    Click(2, 21);
+    EXPECT_EQ(WriteTestReport(), 0);
+    const std::string block =
+        "quiz.stk\r\n"
+        "Ada Augusta King, Countess of Lov\r\n"
+        "03/07/04    09:05:30\r\n"
+        "2\r\nNice\r\n"
+        "1\r\nParis\r\n"
+        "SCORE\r\n1\r\n2\r\n-END-\r\n";
+    EXPECT_EQ(Report(), block);
+
+    // The answers went with the report: closing again writes nothing.
+    EXPECT_EQ(WriteTestReport(), 0);
+    EXPECT_EQ(Report(), block);
+    // A later round of answers is appended as a block of its own.
+    Click(2, 21);
+    EXPECT_EQ(WriteTestReport(), 0);
+    EXPECT_EQ(Report(),
+              block +
+                  "quiz.stk\r\nAda Augusta King, Countess of Lov\r\n03/07/04    09:05:30\r\n"
+                  "2\r\nNice\r\nSCORE\r\n0\r\n1\r\n-END-\r\n");
+    EXPECT_EQ(Alerts(), std::vector<int>{});
+}
+
+TEST_F(QuizTest, AFailedWriteEndsTheReportWithTheFileError) {
+    Click(1, 11);
+    GetFileFaults().writes = 0;
+    GetFileFaults().failWriteAt = 3;  // the date line
+    EXPECT_NE(WriteTestReport(), 0);
+    EXPECT_EQ(Report(), "quiz.stk\r\n\r\n");
+    EXPECT_EQ(Alerts(), std::vector<int>{2235});
+    EXPECT_EQ(GetQuizState().answers.size(), 0u);
+}
+
+}  // namespace
