@@ -4,6 +4,8 @@ JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 300
 FIXTURES := $(abspath ../shared/fixtures)
 QB := build/release/apps/quillbrook/quillbrook
+DEMO := build/release/examples/demo/demo.stk
+DEMO_PNGS := build/release/demo-cards
 
 .PHONY: all deps deps-web run test test-native test-asan test-wasm build-release fuzz bench format clean
 
@@ -19,8 +21,14 @@ build-release: deps
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release -j $(JOBS)
 
+# With a display the demo plays in a window; without one its cards are drawn headless, as PNG files.
 run: build-release
-	$(QB) info $(FIXTURES)/sample-cards.stk
+	@if [[ -n "$${DISPLAY:-}$${WAYLAND_DISPLAY:-}" ]]; then \
+	  $(QB) play $(DEMO); \
+	else \
+	  $(QB) render $(DEMO) --all --contact-sheet -o $(DEMO_PNGS) && \
+	  echo "The demo's cards are in $(DEMO_PNGS)/ (contact-sheet.png shows them all)."; \
+	fi
 
 test: deps-web test-native test-asan test-wasm
 
@@ -48,9 +56,12 @@ fuzz: deps
 # The benchmark is left out of the release build's default targets, so `make test` never builds it.
 bench: deps
 	@cmake --preset release >/dev/null
-	@cmake --build --preset release -j $(JOBS) --target qb_bench qb_codec_bench
+	@cmake --build --preset release -j $(JOBS) --target qb_bench qb_codec_bench qb_card_bench qb_transition_bench qb_player_cpu_bench
 	build/release/bench/qb_bench
 	build/release/bench/qb_codec_bench
+	build/release/bench/qb_card_bench
+	build/release/bench/qb_transition_bench
+	build/release/bench/qb_player_cpu_bench
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

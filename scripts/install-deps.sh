@@ -11,6 +11,8 @@ packages=(
   libjpeg62-turbo-dev libfreetype-dev libpng-dev libtiff-dev
   libjpeg-turbo-progs
   libfreetype-dev fonts-liberation2 fonts-dejavu-core
+  libsdl2-dev
+  xvfb xauth xdotool
 )
 if [[ "${1:-}" == "--web" ]]; then
   # dpkg-dev: apt-get source, which scripts/build-web-deps.sh uses for the web's own libraries.

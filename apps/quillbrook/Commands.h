@@ -15,3 +15,36 @@ int RunBuild(const std::string& jsonPath, const std::string& outPath);
 int RunResave(const std::string& path, const std::string& outPath);
 // Writes every card background and every graphic picture of FILE as PNG files into `outDir`.
 int RunExport(const std::string& path, const std::string& outDir);
+
+// What `render` was asked for.
+struct RenderOptions {
+    std::string path;
+    std::string output;         // a PNG file, or with --all / --frames a folder
+    int card = 1;               // 1-based, in card order
+    bool all = false;
+    bool contactSheet = false;
+    int depth = 0;              // 0: the stack's own
+    std::string replay;         // EVENTS.json
+    int settleMs = 3000;
+    std::string framesDir;      // every presented frame
+    int toCard = 0;             // with --transition: the card changed to
+    int transition = 0;
+    int speed = 8;
+};
+int RunRender(const RenderOptions& options);
+// `render --replay`: the events of EVENTS.json on the headless virtual clock.
+int RunReplay(const RenderOptions& options);
+
+// What `play` was asked for.
+struct PlayOptions {
+    std::string path;
+    int depth = 0;              // 0: the stack's own
+    int scale = 1;              // window pixels per card pixel
+    bool fullscreen = false;
+    std::string record;         // EVENTS.json to write every input event to
+    // For tests: after `exitAfterMs` the window's pixels go to `screenshot` and the player ends.
+    std::string screenshot;
+    int exitAfterMs = 0;
+};
+// The desktop player, in an SDL window.
+int RunPlay(const PlayOptions& options);

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "memory/MemRef.h"
+#include "platform/sdl/SdlHost.h"
 #include "stack/PathSlot.h"
 
 int main(int argc, char** argv) {
@@ -33,6 +34,35 @@ int main(int argc, char** argv) {
     exportCommand->add_option("FILE", path, "the stack")->required();
     exportCommand->add_option("-o,--output", output, "the folder to write into")->required();
 
+    RenderOptions render;
+    CLI::App* renderCommand = app.add_subcommand("render", "Draw cards as PNG, headless");
+    renderCommand->add_option("FILE", render.path, "the stack")->required();
+    renderCommand->add_option("-o,--output", render.output, "the PNG to write (a folder with --all)")->required();
+    renderCommand->add_option("--card", render.card, "the card, counted from 1 in card order");
+    renderCommand->add_flag("--all", render.all, "every card, as NNN-name.png");
+    renderCommand->add_flag("--contact-sheet", render.contactSheet, "with --all: one more PNG of every card");
+    renderCommand->add_option("--depth", render.depth, "the display depth to emulate: 8, 16 or 32")
+        ->check(CLI::IsMember({8, 16, 32}));
+    renderCommand->add_option("--replay", render.replay, "play EVENTS.json and write the frame shown after it");
+    renderCommand->add_option("--settle", render.settleMs, "with --replay: milliseconds after the last event");
+    renderCommand->add_option("--frames", render.framesDir, "write every presented frame into this folder");
+    renderCommand->add_option("--to", render.toCard, "change from --card to this card");
+    renderCommand->add_option("--transition", render.transition, "with --to: the effect, 1 to 28");
+    renderCommand->add_option("--speed", render.speed, "with --to: 8, 16 or 32");
+
+    PlayOptions play;
+    CLI::App* playCommand = app.add_subcommand("play", "Play a stack in a window");
+    playCommand->add_option("FILE", play.path, "the stack")->required();
+    playCommand->add_option("--depth", play.depth, "the display depth to emulate: 8, 16 or 32")
+        ->check(CLI::IsMember({8, 16, 32}));
+    playCommand->add_option("--scale", play.scale, "window pixels per card pixel")
+        ->check(CLI::Range(1, kMaxSdlScale));
+    playCommand->add_flag("--fullscreen", play.fullscreen, "start fullscreen (F11 or Alt+Return switches)");
+    playCommand->add_option("--record", play.record, "write every input event to EVENTS.json, for render --replay");
+    // For tests, and so not listed in the help.
+    playCommand->add_option("--screenshot", play.screenshot)->group("");
+    playCommand->add_option("--exit-after", play.exitAfterMs)->group("")->check(CLI::PositiveNumber);
+
     CLI11_PARSE(app, argc, argv);
     if (!InitMemRefs() || !InitPathSlots()) return 2;
     if (info->parsed()) return raw ? RunInfoRaw(path) : RunInfo(path, json);
@@ -40,5 +70,7 @@ int main(int argc, char** argv) {
     if (build->parsed()) return RunBuild(path, output);
     if (resave->parsed()) return RunResave(path, output);
     if (exportCommand->parsed()) return RunExport(path, output);
+    if (renderCommand->parsed()) return render.replay.empty() ? RunRender(render) : RunReplay(render);
+    if (playCommand->parsed()) return RunPlay(play);
     return 2;
 }

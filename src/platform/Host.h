@@ -12,17 +12,60 @@ struct Surface;
 
 // What a file dialog asks for.
 struct FileChoice {
-    bool save = false;         // a save dialog, else an open dialog
-    std::string title;         // Windows-1252
-    std::string filterName;    // "Stacks (*.STK)"
-    std::string filterPattern; // "*.stk"
-    std::string proposed;      // host path proposed (folder and name)
+    bool save = false;          // a save dialog, else an open dialog
+    std::string title;          // Windows-1252
+    std::string filterName;     // "Stacks (*.STK)"
+    std::string filterPattern;  // "*.stk"
+    std::string proposed;       // host path proposed (folder and name)
 };
+
+// Input, as the window procedure takes it. Keys are virtual-key codes as the system numbers them
+// (0x0D Return, 0x25-0x28 the arrows, 0x41 'A', 0x70 F1); characters are Windows-1252.
+enum class HostEventKind : uint8_t {
+    None,
+    MouseDown,
+    MouseUp,
+    MouseMove,
+    KeyDown,
+    KeyUp,
+    Char,
+    Paint,  // `area` must be repainted
+    Close,
+};
+inline constexpr uint32_t kModShift = 1;
+inline constexpr uint32_t kModCtrl = 2;
+inline constexpr uint32_t kModAlt = 4;
+
+struct HostEvent {
+    HostEventKind kind = HostEventKind::None;
+    uint32_t time = 0;     // GetTickCount when it happened
+    int32_t x = 0, y = 0;  // window pixels (card pixels at scale 1)
+    uint32_t mods = 0;
+    int32_t button = 1;  // 1 left, 2 right
+    int32_t clicks = 1;  // 2 for the second press of a double click
+    uint16_t key = 0;
+    uint8_t ch = 0;
+    int32_t areaLeft = 0, areaTop = 0, areaRight = 0, areaBottom = 0;  // Paint
+};
+// Picks queued events by their content, for PeekEvent and DropEvents.
+using HostEventMatch = bool (*)(const HostEvent& event);
 
 struct Host {
     const char* name = "none";
     // Milliseconds since start.
     uint32_t (*GetTickCount)() = nullptr;
+    // Takes the next queued event; false when there is none.
+    bool (*PollEvent)(HostEvent* event) = nullptr;
+    // The first queued event that `match` accepts (any event when null), left in the queue; false
+    // when there is none. Waits that must not take input look with this: a filter, because a move
+    // queued before a click would otherwise hide the click.
+    bool (*PeekEvent)(HostEventMatch match, HostEvent* event) = nullptr;
+    // Removes every queued event that `match` accepts (all when null); the rest keep their order.
+    void (*DropEvents)(HostEventMatch match) = nullptr;
+    // Waits until GetTickCount reaches `deadline`, or until new input arrives (it stays queued).
+    // Input that was queued before the call does not end the wait. On the web the wait yields to
+    // the browser first.
+    void (*WaitUntil)(uint32_t deadline) = nullptr;
     // Starts or stops (0) the periodic timer whose messages drive the tick.
     void (*SetTimer)(uint32_t periodMs) = nullptr;
     // Shows a modal alert; returns the button pressed, 1 to 3 in the order of the string.
@@ -45,6 +88,9 @@ struct Host {
     void (*SetCursor)(int32_t cursorId) = nullptr;
     // The window the stack lives in: an opaque, pointer-sized host handle.
     void* window = nullptr;
+    // True when no more input can ever come (a scripted run has used up its script): a modal
+    // dialog then gives up as if cancelled instead of waiting for ever. Null on interactive hosts.
+    bool (*InputExhausted)() = nullptr;
 };
 
 Host& GetHost();

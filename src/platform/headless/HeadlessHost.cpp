@@ -2,18 +2,67 @@
 
 #include <algorithm>
 
+#include "ui/AlertBox.h"
 #include "ui/AlertLayout.h"
 
 namespace {
 
 HeadlessState gState;
 
-uint32_t HeadlessTickCount() { return gState.clockMs; }
-void HeadlessSetTimer(uint32_t periodMs) { gState.timerPeriodMs = periodMs; }
+uint32_t HeadlessTickCount() {
+    return gState.clockMs;
+}
+bool Due(uint32_t time) {
+    return static_cast<int32_t>(time - gState.clockMs) <= 0;
+}
+
+bool HeadlessPollEvent(HostEvent* event) {
+    if (gState.events.empty() || !Due(gState.events.front().time)) return false;
+    *event = gState.events.front();
+    gState.events.pop_front();
+    return true;
+}
+
+// Scripted input counts as queued only once it is due.
+std::deque<HostEvent>::iterator EndOfDue() {
+    return std::find_if(gState.events.begin(), gState.events.end(),
+                        [](const HostEvent& e) { return !Due(e.time); });
+}
+
+bool HeadlessPeekEvent(HostEventMatch match, HostEvent* event) {
+    const auto end = EndOfDue();
+    const auto found = std::find_if(gState.events.begin(), end,
+                                    [match](const HostEvent& e) { return !match || match(e); });
+    if (found == end) return false;
+    *event = *found;
+    return true;
+}
+
+void HeadlessDropEvents(HostEventMatch match) {
+    const auto end = EndOfDue();
+    gState.events.erase(std::remove_if(gState.events.begin(), end,
+                                       [match](const HostEvent& e) { return !match || match(e); }),
+                        end);
+}
+
+// The virtual clock jumps to the deadline, or to the next scripted event if that comes first.
+// Events already due have arrived before the wait and do not shorten it.
+void HeadlessWaitUntil(uint32_t deadline) {
+    const auto next = EndOfDue();
+    if (next != gState.events.end() && static_cast<int32_t>(next->time - deadline) < 0) {
+        deadline = next->time;
+    }
+    if (!Due(deadline)) gState.clockMs = deadline;
+}
+void HeadlessSetTimer(uint32_t periodMs) {
+    gState.timerPeriodMs = periodMs;
+}
 
 int HeadlessShowAlert(const AlertLayout& layout) {
     int answer = layout.defaultButton;
-    if (!gState.alertAnswers.empty()) {
+    if (gState.modalAlerts) {
+        answer = ShowModalAlert(layout);
+    } else if (!gState.alertAnswers.empty()) {
         answer = gState.alertAnswers.front();
         gState.alertAnswers.pop_front();
     }
@@ -32,9 +81,17 @@ bool HeadlessChooseFile(const FileChoice&, std::string* hostPath) {
     return !hostPath->empty();
 }
 
-void HeadlessSetWaitCursor(bool wait) { gState.waitCursorDepth += wait ? 1 : -1; }
+bool HeadlessInputExhausted() {
+    return gState.events.empty();
+}
 
-Surface* HeadlessGetWindowSurface() { return &gState.window; }
+void HeadlessSetWaitCursor(bool wait) {
+    gState.waitCursorDepth += wait ? 1 : -1;
+}
+
+Surface* HeadlessGetWindowSurface() {
+    return &gState.window;
+}
 
 void HeadlessPresent(const Rect& dirty) {
     const Rect part = IntersectRect(dirty, gState.window.Bounds());
@@ -50,8 +107,12 @@ void HeadlessPresent(const Rect& dirty) {
     }
 }
 
-void HeadlessSetTitle(const std::string& title) { gState.title = title; }
-void HeadlessSetCursor(int32_t cursorId) { gState.cursorId = cursorId; }
+void HeadlessSetTitle(const std::string& title) {
+    gState.title = title;
+}
+void HeadlessSetCursor(int32_t cursorId) {
+    gState.cursorId = cursorId;
+}
 
 }  // namespace
 
@@ -59,6 +120,10 @@ Host HeadlessHost() {
     Host host;
     host.name = "headless";
     host.GetTickCount = HeadlessTickCount;
+    host.PollEvent = HeadlessPollEvent;
+    host.PeekEvent = HeadlessPeekEvent;
+    host.DropEvents = HeadlessDropEvents;
+    host.WaitUntil = HeadlessWaitUntil;
     host.SetTimer = HeadlessSetTimer;
     host.ShowAlert = HeadlessShowAlert;
     host.ShowMessageBox = HeadlessShowMessageBox;
@@ -68,12 +133,22 @@ Host HeadlessHost() {
     host.Present = HeadlessPresent;
     host.SetTitle = HeadlessSetTitle;
     host.SetCursor = HeadlessSetCursor;
+    host.InputExhausted = HeadlessInputExhausted;
     return host;
 }
 
-HeadlessState& GetHeadlessState() { return gState; }
-void ResetHeadlessState() { gState = HeadlessState{}; }
-void AdvanceHeadlessClock(uint32_t ms) { gState.clockMs += ms; }
+HeadlessState& GetHeadlessState() {
+    return gState;
+}
+void ResetHeadlessState() {
+    gState = HeadlessState{};
+}
+void AdvanceHeadlessClock(uint32_t ms) {
+    gState.clockMs += ms;
+}
+void QueueHeadlessEvent(const HostEvent& event) {
+    gState.events.push_back(event);
+}
 
 void SetHeadlessWindowSize(int32_t width, int32_t height) {
     width = std::max(width, kMinWindowSide);

@@ -1,6 +1,7 @@
 // The headless backend: a virtual clock that tests advance, alerts answered by script (or by their
-// default button), file dialogs answered by script (or cancelled), and a window that is a surface
-// in memory, whose presented frames tests can look at. Used by tests and the CLI.
+// default button, or on request by the real in-window box fed with the scripted input), file
+// dialogs answered by script (or cancelled), and a window that is a surface in memory, whose
+// presented frames tests can look at. Used by tests and the CLI.
 #pragma once
 
 #include <cstdint>
@@ -45,11 +46,17 @@ struct HeadlessState {
     std::vector<Rect> presents;  // every Present's rectangle, clipped to the window, in order
     std::string title;
     int32_t cursorId = 0;
+    std::deque<HostEvent> events;  // scripted input, in time order; each comes due at its time
+    // Alerts run the in-window modal box on the scripted input instead of taking alertAnswers.
+    // When the script runs out, the box ends as cancelled.
+    bool modalAlerts = false;
 };
 
 HeadlessState& GetHeadlessState();
 void ResetHeadlessState();
 void AdvanceHeadlessClock(uint32_t ms);
+// Queues scripted input; events must be queued in time order.
+void QueueHeadlessEvent(const HostEvent& event);
 // Gives the window (and the screen) a new size, at least kMinWindowSide each way, all white. The
 // surface keeps its address.
 void SetHeadlessWindowSize(int32_t width, int32_t height);

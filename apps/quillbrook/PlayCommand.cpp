@@ -1,0 +1,90 @@
+// `quillbrook play`: the desktop player. The stack opens in an SDL window of the card's size and
+// the main loop runs until the window is closed.
+#include <fmt/format.h>
+
+#include <fstream>
+#include <string>
+
+#include "CardWindow.h"
+#include "Commands.h"
+#include "EventRecorder.h"
+#include "EventScript.h"
+#include "host/Application.h"
+#include "host/MainLoop.h"
+#include "imaging/Palette.h"
+#include "platform/Host.h"
+#include "platform/HostFile.h"
+#include "platform/HostPath.h"
+#include "platform/headless/HeadlessHost.h"
+#include "platform/sdl/SdlHost.h"
+#include "stack/Document.h"
+#include "stack/PathSlot.h"
+#include "stack/StackFlows.h"
+#include "ui/AlertBox.h"
+
+namespace {
+
+bool OpenInWindow(const std::string& path) {
+    InitApplication(SdlWindowHandle());
+    if (!GetHostFileStatus(path).exists) {
+        fmt::print(stderr, "{}: no such file\n", path);
+        return false;
+    }
+    SetSlotPath(kSlotStack, DosPathFromHost(path));
+    OpenStack(false);
+    if (!GetDocument().hasFile) {
+        fmt::print(stderr, "{}: the stack did not open\n", path);
+        return false;
+    }
+    return true;
+}
+
+bool WriteText(const std::string& path, const std::string& text) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << text;
+    out.close();
+    if (out) return true;
+    fmt::print(stderr, "{}: could not write\n", path);
+    return false;
+}
+
+int Play(const PlayOptions& options) {
+    if (!OpenInWindow(options.path)) return 1;
+    FitWindowToCard();
+    ShowSdlWindow();
+    // Alerts from now on are drawn in the window; while it was hidden SDL's message box showed
+    // them.
+    GetHost().ShowAlert = ShowModalAlert;
+    const uint32_t start = GetHost().GetTickCount();
+    if (!options.record.empty()) StartRecording(start);
+    const int code = RunMainLoop(
+        options.exitAfterMs > 0 ? start + static_cast<uint32_t>(options.exitAfterMs) : 0);
+    bool written = true;
+    if (!options.screenshot.empty()) {
+        Surface shown;
+        written = ReadSdlWindowPixels(&shown) && WriteSurfacePng(options.screenshot, shown);
+    }
+    if (!options.record.empty())
+        written = WriteText(options.record, EventScriptText(StopRecording())) && written;
+    return written ? code : 1;
+}
+
+}  // namespace
+
+int RunPlay(const PlayOptions& options) {
+    if (options.depth) ForceDisplayDepth(options.depth);
+    SdlHostOptions window;
+    window.scale = options.scale;
+    window.fullscreen = options.fullscreen;
+    window.title = "Quillbrook";
+    std::string error;
+    if (!StartSdlHost(window, &error)) {
+        fmt::print(stderr, "play: no window could be opened: {}\n", error);
+        return 1;
+    }
+    SetHost(SdlHost());
+    const int code = Play(options);
+    StopSdlHost();
+    SetHost(HeadlessHost());
+    return code;
+}

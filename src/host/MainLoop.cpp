@@ -1,0 +1,75 @@
+#include "host/MainLoop.h"
+
+#include "host/WindowProc.h"
+#include "platform/Host.h"
+
+namespace {
+
+MainLoopState gLoop;
+
+bool Reached(uint32_t now, uint32_t time) { return static_cast<int32_t>(now - time) >= 0; }
+
+uint32_t Now() {
+    const Host& host = GetHost();
+    return host.GetTickCount ? host.GetTickCount() : 0;
+}
+
+// Input that is due goes to the window procedure; false once the window has closed.
+bool DispatchInput(void* window) {
+    const Host& host = GetHost();
+    HostEvent event;
+    if (gLoop.closePosted) {
+        gLoop.closePosted = false;
+        event.kind = HostEventKind::Close;
+        HandleWindowMessage(window, event);
+    }
+    while (!GetWindowProcState().closed && host.PollEvent && host.PollEvent(&event)) {
+        HandleWindowMessage(window, event);
+    }
+    return !GetWindowProcState().closed;
+}
+
+}  // namespace
+
+MainLoopState& GetMainLoopState() { return gLoop; }
+void ResetMainLoop() { gLoop = MainLoopState{}; }
+
+uint32_t ServeDueTick(bool* ran) {
+    if (ran) *ran = false;
+    const uint32_t now = Now();
+    if (!gLoop.started) {
+        gLoop.started = true;
+        gLoop.nextTickMs = now + kTickMs;
+    }
+    if (gLoop.inTick || !Reached(now, gLoop.nextTickMs)) return gLoop.nextTickMs;
+    // A loop that fell behind (a long action) takes up the beat from now rather than catching up
+    // with a burst of ticks.
+    gLoop.nextTickMs += kTickMs;
+    if (Reached(now, gLoop.nextTickMs)) gLoop.nextTickMs = now + kTickMs;
+    gLoop.inTick = true;
+    ++gLoop.ticksServed;
+    HandleTimerMessage(GetHost().window);
+    gLoop.inTick = false;
+    if (ran) *ran = true;
+    return gLoop.nextTickMs;
+}
+
+void PostCloseRequest() { gLoop.closePosted = true; }
+
+void PumpOneMessage() { ServeDueTick(); }
+
+int RunMainLoop(uint32_t untilMs) {
+    Host& host = GetHost();
+    void* window = host.window;
+    if (host.SetTimer) host.SetTimer(kTickMs);
+    while (DispatchInput(window)) {
+        uint32_t deadline = ServeDueTick();
+        if (GetWindowProcState().closed || gLoop.closePosted) continue;
+        if (untilMs && Reached(Now(), untilMs)) break;
+        if (untilMs && !Reached(untilMs, deadline)) deadline = untilMs;
+        // The host sleeps until the next tick or until input comes: no busy waiting.
+        if (host.WaitUntil) host.WaitUntil(deadline);
+    }
+    if (host.SetTimer) host.SetTimer(0);
+    return 0;
+}

@@ -1,0 +1,418 @@
+#include "host/WindowProc.h"
+
+#include "actions/RunAction.h"
+
+#include "host/ActionHooks.h"
+#include "host/ButtonPress.h"
+#include "host/MainLoop.h"
+#include "host/MenuTable.h"
+#include "imaging/DisplayList.h"
+#include "imaging/OffscreenCard.h"
+#include "memory/MemRef.h"
+#include "stack/ByteOrder.h"
+#include "stack/CardRecord.h"
+#include "stack/Document.h"
+#include "stack/Navigation.h"
+#include "stack/StackFlows.h"
+#include "stack/StackHeader.h"
+#include "ui/JumpDialog.h"
+
+namespace {
+
+WindowProcState gState;
+
+// Steps of subsystems that don't exist yet keep their place as empty calls.
+bool OfferToLanguageWindows(const HostEvent&) { return false; }
+bool OfferToExtensions(const HostEvent&) { return false; }
+void ServeFieldDragScroll() {}
+void SoundTick() {}
+void ServeAutoTimers(void*) {}
+void SendExtensionMessage(int32_t) {}
+void StopUnkeptSounds() {}  // all sounds not marked to keep playing
+void StopAllSounds() {}
+void ShowEndSplash() {}
+void ClickOnGraphic(DisplayItem&) {}
+bool TextLayerTakesClick(DisplayItem&) { return false; }
+void ClickInField(DisplayItem&) {}
+void ReleaseInField() {}
+void DragInField(int32_t, int32_t) {}
+void ExportScreen() {}
+void ShowFindDialog() {}
+void ShowAboutBox() {}
+void ShowPreferences() {}
+void OpenHelp() {}
+
+// A 16-bit field of the stack header or of the current card, 0 when there is none.
+uint16_t HeaderWord(uint32_t offset) {
+    const MemRef header = GetDocument().stackHeader;
+    if (!header || GetMemRefSize(header) < kStackHeaderSize) return 0;
+    MemRefLock lock(header);
+    return lock ? Read16(lock.data() + offset) : 0;
+}
+uint16_t CardWord(uint32_t offset) {
+    const MemRef card = GetDocument().currentCard;
+    if (!card || GetMemRefSize(card) < kCardHeadSize) return 0;
+    MemRefLock lock(card);
+    return lock ? Read16(lock.data() + offset) : 0;
+}
+
+bool StackLocked() { return HeaderWord(kHdrLocked) != 0; }
+bool Browsing() { return CurrentTool() == kBrowseTool; }
+
+DisplayItem* ItemAt(int32_t x, int32_t y) {
+    if (!GetOffscreenState().showObjects) return nullptr;
+    return FindItemAt(x, y, false, nullptr);
+}
+
+void SetCursorId(int32_t id) {
+    if (id == gState.cursorId) return;
+    gState.cursorId = id;
+    const Host& host = GetHost();
+    if (host.SetCursor) host.SetCursor(id);
+}
+
+bool IsShiftKey(uint16_t key) {
+    return key == kVkShift || key == kVkLeftShift || key == kVkRightShift;
+}
+bool IsControlKey(uint16_t key) {
+    return key == kVkControl || key == kVkLeftControl || key == kVkRightControl;
+}
+
+// The card's click action, and without one that took the click, the stack's.
+void RunCardClick() {
+    const ActionHooks& hooks = GetActionHooks();
+    const uint16_t cardAction = CardWord(kCardClickAction);
+    if (cardAction) gState.clickConsumed = hooks.RunNamedAction(cardAction, 1, 0, kLabelCardClick);
+    if (gState.clickConsumed) return;
+    const uint16_t stackAction = HeaderWord(kHdrClickAction);
+    if (stackAction)
+        gState.clickConsumed = hooks.RunNamedAction(stackAction, 1, 0, kLabelStackClick);
+}
+
+bool DoesSomething(int16_t id) {
+    return id != 0 && GetActionHooks().ActionDoesSomething(static_cast<uint16_t>(id));
+}
+
+int32_t OnButtonDown(void* window, const HostEvent& event) {
+    if (gState.swallowClickForSprites) {
+        gState.swallowClickForSprites = false;
+        return 1;
+    }
+    if (gState.swallowClickForTransition) {
+        gState.swallowClickForTransition = false;
+        return 1;
+    }
+    gState.clickConsumed = false;
+    const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
+    if (!Browsing()) return 1;
+    const bool ctrl = (event.mods & kModCtrl) != 0;
+    DisplayItem* item = ItemAt(x, y);
+    int16_t actionId = 0;
+    std::string name;
+    bool itemTook = false;
+    if (item && item->type == kItemKindButton) {
+        // The press goes on in the pointer's moves, which must keep reaching the press tracking:
+        // it doesn't consume the click.
+        TrackButtonPress(window, item);
+        itemTook = true;
+    } else if (item && item->type == kItemKindText) {
+        actionId = item->actionId;
+        if (!DoesSomething(actionId) || ctrl || TextLayerTakesClick(*item)) actionId = 0;
+        if (actionId) {
+            name = item->name;
+        } else {
+            ClickInField(*item);
+            gState.mouseDownHandled = true;
+            itemTook = true;
+        }
+    } else if (item && item->type == kItemKindGraphic) {
+        ClickOnGraphic(*item);
+        actionId = item->actionId;
+        // Ctrl passes the click through a graphic whose action does nothing, to the card.
+        if (ctrl && !DoesSomething(actionId)) actionId = 0;
+        name = item->name;
+    }
+    if (actionId) {
+        itemTook = true;
+        gState.clickConsumed =
+            GetActionHooks().RunActionById(static_cast<uint16_t>(actionId), 1, 0, name) != 0;
+    }
+    if (!itemTook) RunCardClick();
+    return 1;
+}
+
+int32_t OnDoubleClick(void* window, const HostEvent& event) {
+    if (!Browsing()) return 1;
+    const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
+    DisplayItem* item = ItemAt(x, y);
+    if (!item) return 1;
+    if (item->type == kItemKindButton) return OnButtonDown(window, event);
+    if (item->type == kItemKindText) {
+        ClickInField(*item);
+        gState.mouseDownHandled = true;
+    }
+    return 1;
+}
+
+int32_t OnButtonUp(void* window, const HostEvent& event) {
+    const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
+    if (gState.mouseDownHandled) {
+        ReleaseInField();
+        gState.mouseDownHandled = false;
+    }
+    FollowPress(x, y);
+    ReleaseButtonPress(window);
+    // A consumed click holds the cursor for the length of the press only, so that hover buttons
+    // work again after a click on the card.
+    gState.clickConsumed = false;
+    return 1;
+}
+
+int32_t TrackMouse(void* window, const HostEvent& event) {
+    if (event.mods & (kModShift | kModCtrl)) return 0;
+    const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
+    if (gState.mouseDownHandled) {
+        DragInField(x, y);
+        return 1;
+    }
+    if (gState.clickConsumed) return 1;
+    if (TrackHover(window, x, y)) return 1;
+    SetCursorId(ItemCursor(x, y));
+    return 1;
+}
+
+// The outlines of buttons of shapes 4 to 7 come and go with a repaint from the offscreen card.
+void SetItemBorders(bool on) {
+    if (gState.itemBorders == on) return;
+    gState.itemBorders = on;
+    GetOffscreenState().itemBorders = on;
+    const Host& host = GetHost();
+    if (Surface* window = host.GetWindowSurface ? host.GetWindowSurface() : nullptr) {
+        RepaintRect(0, 0, window->width, window->height);
+    }
+}
+
+// The first ringed button (shape 1, the look of a default push button) on the card is its default
+// button: Return runs it.
+bool RunDefaultButton(void* window) {
+    for (const DisplayItem* item = DisplayListHead(); item; item = item->next.get()) {
+        if (item->type != kItemKindButton || item->shape != 1) continue;
+        if (item->hidden || (item->flags & kItemFlagHidden)) continue;
+        GetActionHooks().RunItemAction(window, static_cast<uint16_t>(item->id), 1);
+        return true;
+    }
+    return false;
+}
+
+int32_t OnKey(void* window, const HostEvent& event) {
+    const bool down = event.kind == HostEventKind::KeyDown;
+    gState.shiftDown = IsShiftKey(event.key) ? down : (event.mods & kModShift) != 0;
+    gState.ctrlDown = IsControlKey(event.key) ? down : (event.mods & kModCtrl) != 0;
+    if (IsShiftKey(event.key) || IsControlKey(event.key)) {
+        SetItemBorders(Browsing() && gState.shiftDown && gState.ctrlDown);
+        return 1;
+    }
+    if (!down) return 1;
+    int32_t command = 0;
+    if (gState.ctrlDown) {
+        command = KeyToCommand(event.key, gState.shiftDown, StackLocked());
+    } else if (!gState.shiftDown) {
+        command = NavigationKeyCommand(event.key);
+    }
+    if (command) DoCommand(window, command, 0);
+    return 1;
+}
+
+int32_t OnChar(void* window, const HostEvent& event) {
+    if (event.ch == '\r' && RunDefaultButton(window)) return 1;
+    // The language's keyboard input and the active text field take the other characters.
+    return 1;
+}
+
+int32_t OnClose() {
+    StopAllSounds();
+    if (!CheckSave()) return 1;
+    ShowEndSplash();
+    gState.closed = true;
+    return 1;
+}
+
+struct KeyCommand {
+    uint16_t key;
+    int32_t command;
+    bool notWithShift;
+    bool notWhenLocked;
+};
+constexpr KeyCommand kKeyCommands[] = {
+    {kVkDelete, 154, true, false},
+    {'1', kCmdFirstCard, true, false},
+    {'9', kCmdLastCard, true, false},
+    {'A', 106, false, true},
+    {'C', 152, false, false},
+    {'E', 105, false, false},
+    {'F', 207, false, false},
+    {'H', kCmdHome, false, false},
+    {'J', kCmdJumpToCard, false, false},
+    {'N', 155, false, true},
+    {'O', kCmdOpenStack, false, false},
+    {'P', 108, false, false},
+    {'S', kCmdSaveStack, false, false},
+    {'V', 153, false, false},
+    {'X', 151, false, false},
+    {'Z', 150, false, false},
+    {kVkSemicolon, 651, true, false},
+    {kVkComma, kCmdPreviousCard, false, false},
+    {kVkPeriod, kCmdNextCard, false, false},
+    {kVkBackQuote, kCmdBack, false, false},
+};
+
+}  // namespace
+
+WindowProcState& GetWindowProcState() { return gState; }
+void ResetWindowProc() { gState = WindowProcState{}; }
+
+int16_t CurrentTool() { return kBrowseTool; }
+
+int32_t HandleWindowMessage(void* window, const HostEvent& event) {
+    if (Browsing()) ServeActionStep(GetHost().window);
+    if (OfferToLanguageWindows(event)) return 0;
+    if (OfferToExtensions(event)) return 0;
+    switch (event.kind) {
+        case HostEventKind::Paint:
+            RepaintRect(event.areaLeft, event.areaTop, event.areaRight, event.areaBottom);
+            return 1;
+        case HostEventKind::Close:
+            return OnClose();
+        case HostEventKind::MouseMove:
+            return TrackMouse(window, event);
+        case HostEventKind::MouseDown:
+            if (event.button != 1) return 0;
+            return event.clicks >= 2 ? OnDoubleClick(window, event) : OnButtonDown(window, event);
+        case HostEventKind::MouseUp:
+            if (event.button != 1) return 0;
+            return OnButtonUp(window, event);
+        case HostEventKind::KeyDown:
+        case HostEventKind::KeyUp:
+            return OnKey(window, event);
+        case HostEventKind::Char:
+            return OnChar(window, event);
+        case HostEventKind::None:
+            break;
+    }
+    return 0;
+}
+
+int32_t HandleTimerMessage(void* window) {
+    ServeFieldDragScroll();
+    if (++gState.timerCount > 4) {
+        gState.timerCount = 0;
+        SoundTick();
+    }
+    ServeActionStep(GetHost().window);
+    Document& doc = GetDocument();
+    if (doc.stackHeader) doc.autoTimers = HeaderWord(kHdrAutoTimers) != 0;
+    ServeAutoTimers(window);
+    SendExtensionMessage(5);
+    return 1;
+}
+
+int32_t KeyToCommand(uint16_t key, bool shift, bool locked) {
+    for (const KeyCommand& k : kKeyCommands) {
+        if (k.key != key) continue;
+        if ((shift && k.notWithShift) || (locked && k.notWhenLocked)) return 0;
+        return k.command;
+    }
+    return 0;
+}
+
+int32_t NavigationKeyCommand(uint16_t key) {
+    switch (key) {
+        case kVkLeft:
+        case kVkUp:
+        case kVkPageUp:
+            return kCmdPreviousCard;
+        case kVkRight:
+        case kVkDown:
+        case kVkPageDown:
+            return kCmdNextCard;
+        case kVkHome:
+            return kCmdFirstCard;
+        case kVkEnd:
+            return kCmdLastCard;
+        default:
+            return 0;
+    }
+}
+
+void DoCommand(void*, int32_t commandId, int32_t) {
+    StopUnkeptSounds();
+    // The browse tool has no selection to clear and no paint mode to leave.
+    switch (commandId) {
+        case kCmdOpenStack:
+            OpenStack(true);
+            break;
+        case kCmdSaveStack:
+            SaveStack();
+            break;
+        case kCmdSaveStackAs:
+            SaveStackAs();
+            break;
+        case 105:
+            ExportScreen();
+            break;
+        case kCmdExit:
+            PostCloseRequest();
+            break;
+        case kCmdBack:
+            GoBack(kPlainEffect, kPlainSpeed);
+            break;
+        case kCmdHome:
+            GoHome(kPlainEffect, kPlainSpeed);
+            break;
+        case kCmdFirstCard:
+            GoFirst(kPlainEffect, kPlainSpeed);
+            break;
+        case kCmdPreviousCard:
+            GoPrevious(kPlainEffect, kPlainSpeed);
+            break;
+        case kCmdNextCard:
+            GoNext(kPlainEffect, kPlainSpeed);
+            break;
+        case kCmdLastCard:
+            GoLast(kPlainEffect, kPlainSpeed);
+            break;
+        case kCmdJumpToCard:
+            AskJumpToCard();
+            break;
+        case 207:
+            ShowFindDialog();
+            break;
+        case 650:
+            ShowAboutBox();
+            break;
+        case 651:
+            ShowPreferences();
+            break;
+        case 652:
+            OpenHelp();
+            break;
+        default:
+            // New Stack, page setup, printing, undo, the clipboard and the Extras belong to the
+            // tool layer, which in the player does nothing.
+            break;
+    }
+}
+
+int32_t DoMenuItemByName(const std::string& menuTitle, const std::string& itemTitle) {
+    // The player has no menu bar: the menu every stack has is searched, as in the plug-in.
+    const int32_t id = FindMenuItemByName(StandardMenu(), menuTitle, itemTitle);
+    if (id && id != kCmdNewStack) DoCommand(GetHost().window, id, 0);
+    return id;
+}
+
+int32_t ItemCursor(int32_t x, int32_t y) {
+    if (!Browsing()) return 0;
+    if (const DisplayItem* item = ItemAt(x, y); item && item->cursorId) return item->cursorId;
+    if (const uint16_t card = CardWord(kCardCursor)) return card;
+    return HeaderWord(kHdrStackCursor);
+}

@@ -1,0 +1,92 @@
+// The window procedure: every input the window gets, in the system's order of early exits; the
+// 55 ms timer that drives all idle work; clicks and keys in the browse tool; the cursor; and the
+// menu commands. The player offers the browse tool alone: its tool layer answers 18 and does
+// nothing for the paint commands.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/Host.h"
+
+inline constexpr int16_t kBrowseTool = 18;
+
+// Virtual-key codes, as the system numbers them.
+inline constexpr uint16_t kVkBack = 0x08;
+inline constexpr uint16_t kVkReturn = 0x0D;
+inline constexpr uint16_t kVkShift = 0x10;
+inline constexpr uint16_t kVkControl = 0x11;
+inline constexpr uint16_t kVkEscape = 0x1B;
+inline constexpr uint16_t kVkPageUp = 0x21;
+inline constexpr uint16_t kVkPageDown = 0x22;
+inline constexpr uint16_t kVkEnd = 0x23;
+inline constexpr uint16_t kVkHome = 0x24;
+inline constexpr uint16_t kVkLeft = 0x25;
+inline constexpr uint16_t kVkUp = 0x26;
+inline constexpr uint16_t kVkRight = 0x27;
+inline constexpr uint16_t kVkDown = 0x28;
+inline constexpr uint16_t kVkDelete = 0x2E;
+inline constexpr uint16_t kVkLeftShift = 0xA0;
+inline constexpr uint16_t kVkRightShift = 0xA1;
+inline constexpr uint16_t kVkLeftControl = 0xA2;
+inline constexpr uint16_t kVkRightControl = 0xA3;
+inline constexpr uint16_t kVkSemicolon = 0xBA;
+inline constexpr uint16_t kVkComma = 0xBC;
+inline constexpr uint16_t kVkPeriod = 0xBE;
+inline constexpr uint16_t kVkBackQuote = 0xC0;
+
+// Menu commands.
+inline constexpr int32_t kCmdNewStack = 100;
+inline constexpr int32_t kCmdOpenStack = 101;
+inline constexpr int32_t kCmdSaveStack = 102;
+inline constexpr int32_t kCmdSaveStackAs = 103;
+inline constexpr int32_t kCmdExit = 110;
+inline constexpr int32_t kCmdBack = 200;
+inline constexpr int32_t kCmdHome = 201;
+inline constexpr int32_t kCmdFirstCard = 202;
+inline constexpr int32_t kCmdPreviousCard = 203;
+inline constexpr int32_t kCmdNextCard = 204;
+inline constexpr int32_t kCmdLastCard = 205;
+inline constexpr int32_t kCmdJumpToCard = 206;
+
+// Labels of the card's and the stack's click actions.
+inline constexpr int16_t kLabelCardClick = 2032;
+inline constexpr int16_t kLabelStackClick = 2035;
+
+struct WindowProcState {
+    uint32_t timerCount = 0;        // timer messages, modulo 5
+    bool mouseDownHandled = false;  // the text layer took the press
+    bool clickConsumed = false;     // the press ran an action: the pointer's moves are left alone
+    bool shiftDown = false, ctrlDown = false;
+    bool itemBorders = false;  // Shift and Ctrl held together while browsing
+    // One-shot: the sprite layer and the transition layer set these when a click ended what they
+    // were doing, so that the same click does nothing more.
+    bool swallowClickForSprites = false;
+    bool swallowClickForTransition = false;
+    int32_t scrollX = 0, scrollY = 0;  // the scroll of a card larger than the window
+    int32_t cursorId = -1;             // the cursor last set; -1 none yet
+    bool closed = false;               // the window was closed: the main loop ends
+};
+
+WindowProcState& GetWindowProcState();
+void ResetWindowProc();
+
+// The tool layer of the player.
+int16_t CurrentTool();
+
+// Non-zero when the message was handled.
+int32_t HandleWindowMessage(void* window, const HostEvent& event);
+// The 55 ms timer message.
+int32_t HandleTimerMessage(void* window);
+
+// The command of a key pressed with Ctrl; 0 for none. `locked`: the stack's `locked` is set.
+int32_t KeyToCommand(uint16_t key, bool shift, bool locked);
+// The command of a key pressed alone: the keys that move through the cards; 0 for none.
+int32_t NavigationKeyCommand(uint16_t key);
+void DoCommand(void* window, int32_t commandId, int32_t source);
+// What an action asks for by a menu item's text: the command found, run unless it is New Stack.
+// Returns the command's id, 0 when no item has that name.
+int32_t DoMenuItemByName(const std::string& menuTitle, const std::string& itemTitle);
+
+// The cursor over (x, y): the item's, else the card's, else the stack's, else 0 for the tool's.
+int32_t ItemCursor(int32_t x, int32_t y);

@@ -1,0 +1,130 @@
+#include "ui/JumpDialog.h"
+
+#include "host/WindowProc.h"
+#include "imaging/Draw.h"
+#include "imaging/Font.h"
+#include "stack/Navigation.h"
+#include "ui/ModalLoop.h"
+
+namespace {
+
+inline constexpr int32_t kBoxWidth = 260;
+inline constexpr int32_t kBoxHeight = 104;
+inline constexpr int32_t kMargin = 14;
+inline constexpr int32_t kButtonWidth = 75;
+inline constexpr int32_t kButtonHeight = 23;
+inline constexpr int32_t kButtonGap = 10;
+inline constexpr char kPrompt[] = "Card number or name:";
+inline constexpr uint32_t kFaceColour = Rgb(0xC0, 0xC0, 0xC0);
+
+enum JumpButton { kNone = 0, kOk = 1, kCancel = 2 };
+
+struct JumpSession {
+    std::string text;
+    int answer = kNone;
+    int tracking = kNone;
+    int pressed = kNone;
+};
+
+TextFont DialogFont() { return {"MS Sans Serif", 12, 0}; }
+
+// The parts of the box, relative to its corner.
+Rect EditRect() { return {kMargin, 36, kBoxWidth - kMargin, 58}; }
+Rect ButtonRect(int button) {
+    const int32_t right = kBoxWidth - kMargin - (button == kOk ? kButtonWidth + kButtonGap : 0);
+    const int32_t bottom = kBoxHeight - kMargin + 2;
+    return {right - kButtonWidth, bottom - kButtonHeight, right, bottom};
+}
+
+int ButtonAt(const HostEvent& event, const Rect& box) {
+    for (const int b : {kOk, kCancel}) {
+        if (OffsetRect(ButtonRect(b), box.left, box.top).Contains(event.x, event.y)) return b;
+    }
+    return kNone;
+}
+
+void DrawButtonBox(Surface& window, const Rect& box, int button, const char* label, bool pressed) {
+    const Rect r = OffsetRect(ButtonRect(button), box.left, box.top);
+    FillRect(window, box, r, kFaceColour);
+    // OK is the default button: a heavier frame.
+    FrameRect(window, box, r, {kBlack, button == kOk ? 2 : 1, PenMode::Copy});
+    const TextFont font = DialogFont();
+    const TextMetrics m = GetTextMetrics(font);
+    const int32_t x = r.left + (r.Width() - MeasureText(font, label)) / 2;
+    const int32_t baseline = r.top + (r.Height() - m.lineHeight) / 2 + m.ascent;
+    DrawText(window, font, x, baseline, label, kBlack, r);
+    if (pressed) InvertRect(window, box, InflateRect(r, -2, -2));
+}
+
+void DrawSession(void* context, Surface& window, const Rect& box) {
+    const JumpSession& s = *static_cast<JumpSession*>(context);
+    FillRect(window, box, box, kFaceColour);
+    FrameRect(window, box, box, {kBlack, 1, PenMode::Copy});
+    FrameRect(window, box, InflateRect(box, -3, -3), {kBlack, 1, PenMode::Copy});
+    const TextFont font = DialogFont();
+    const TextMetrics m = GetTextMetrics(font);
+    DrawText(window, font, box.left + kMargin, box.top + 14 + m.ascent, kPrompt, kBlack, box);
+    const Rect edit = OffsetRect(EditRect(), box.left, box.top);
+    FillRect(window, box, edit, kWhite);
+    FrameRect(window, box, edit, {kBlack, 1, PenMode::Copy});
+    const int32_t textTop = edit.top + (edit.Height() - m.lineHeight) / 2;
+    const Rect inside = InflateRect(edit, -2, -2);
+    DrawText(window, font, edit.left + 4, textTop + m.ascent, s.text, kBlack, inside);
+    const int32_t caret = edit.left + 4 + MeasureText(font, s.text);
+    FillRect(window, inside, {caret, textTop, caret + 1, textTop + m.lineHeight}, kBlack);
+    DrawButtonBox(window, box, kOk, "OK", s.pressed == kOk);
+    DrawButtonBox(window, box, kCancel, "Cancel", s.pressed == kCancel);
+}
+
+bool HandleSessionEvent(void* context, const HostEvent& event, const Rect& box) {
+    JumpSession& s = *static_cast<JumpSession*>(context);
+    switch (event.kind) {
+        case HostEventKind::MouseDown:
+            if (event.button == 1) s.tracking = s.pressed = ButtonAt(event, box);
+            return false;
+        case HostEventKind::MouseMove:
+            if (s.tracking) s.pressed = ButtonAt(event, box) == s.tracking ? s.tracking : kNone;
+            return false;
+        case HostEventKind::MouseUp:
+            if (event.button != 1 || !s.tracking) return false;
+            if (ButtonAt(event, box) == s.tracking) s.answer = s.tracking;
+            s.tracking = s.pressed = kNone;
+            return s.answer != kNone;
+        case HostEventKind::KeyDown:
+            if (event.key == kVkReturn) s.answer = kOk;
+            if (event.key == kVkEscape) s.answer = kCancel;
+            if (event.key == kVkBack && !s.text.empty()) s.text.pop_back();
+            return s.answer != kNone;
+        case HostEventKind::Char:
+            if (event.ch >= 0x20 && event.ch != 0x7F && s.text.size() < kJumpTextMax) {
+                s.text += static_cast<char>(event.ch);
+            }
+            return false;
+        default:
+            return false;
+    }
+}
+
+void GiveUpSession(void* context) { static_cast<JumpSession*>(context)->answer = kCancel; }
+
+}  // namespace
+
+bool RunJumpDialog(std::string* text) {
+    JumpSession session;
+    ModalDialog dialog;
+    dialog.box = CentredBox(kBoxWidth, kBoxHeight);
+    dialog.context = &session;
+    dialog.Draw = DrawSession;
+    dialog.HandleEvent = HandleSessionEvent;
+    dialog.GiveUp = GiveUpSession;
+    RunModalDialog(dialog);
+    if (session.answer != kOk) return false;
+    *text = session.text;
+    return true;
+}
+
+void AskJumpToCard() {
+    std::string text;
+    // A text that finds no card has had its alert by now; the dialog stays closed either way.
+    if (RunJumpDialog(&text)) JumpToCardByText(text);
+}

@@ -1,0 +1,322 @@
+// The window procedure on the headless host: where a click goes, what keys do, which cursor shows,
+// and the main loop's beat.
+#include "host/WindowProc.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "host/ActionRecorder.h"
+#include "host/Application.h"
+#include "host/ButtonPress.h"
+#include "host/MainLoop.h"
+#include "host/MenuTable.h"
+#include "imaging/OffscreenCard.h"
+#include "platform/HostPath.h"
+#include "platform/headless/HeadlessHost.h"
+#include "stack/Blob.h"
+#include "stack/ByteOrder.h"
+#include "stack/Document.h"
+#include "stack/PathSlot.h"
+#include "stack/StackFlows.h"
+#include "stack/StackHeader.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+constexpr Rect kGraphic{10, 10, 50, 50};
+constexpr Rect kField{60, 10, 100, 50};
+
+MemRef ZeroedMemRef(uint32_t size) {
+    const MemRef ref = NewMemRef(size);
+    MemRefLock lock(ref);
+    std::memset(lock.data(), 0, size);
+    return ref;
+}
+
+void SetWord(MemRef ref, uint32_t offset, uint16_t value) {
+    MemRefLock lock(ref);
+    Write16(lock.data() + offset, value);
+}
+
+// A stack in memory: a header and a current card, no list; enough for clicks and cursors.
+class WindowProcTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetHeadlessState();
+        SetHost(HeadlessHost());
+        ResetWindowProc();
+        ResetButtonPress();
+        ResetMainLoop();
+        ResetDisplayList();
+        StartRecordingActions();
+        Document& doc = GetDocument();
+        doc.stackHeader = header_ = ZeroedMemRef(kStackHeaderSize);
+        doc.currentCard = card_ = ZeroedMemRef(kEmptyCardSize);
+    }
+    void TearDown() override {
+        ResetDisplayList();
+        ResetActionHooks();
+        Document& doc = GetDocument();
+        doc.stackHeader = 0;
+        doc.currentCard = 0;
+        FreeMemRef(header_);
+        FreeMemRef(card_);
+    }
+    static void Click(int32_t x, int32_t y, uint32_t mods = 0) {
+        HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseDown, x, y, mods));
+        HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseUp, x, y, mods));
+    }
+    MemRef header_ = 0;
+    MemRef card_ = 0;
+};
+
+TEST_F(WindowProcTest, ClickGoesToTheItemElseTheCardElseTheStack) {
+    struct Case {
+        const char* name;
+        Point at;
+        uint32_t mods;
+        bool doesSomething;
+        int16_t graphicAction;
+        uint16_t cardAction, stackAction;
+        const char* runs;
+    };
+    const Case cases[] = {
+        {"graphic", {20, 20}, 0, false, 40, 50, 60, "byId 40 Item7"},
+        {"ctrl, graphic's action works", {20, 20}, kModCtrl, true, 40, 50, 60, "byId 40 Item7"},
+        {"ctrl, graphic's action does nothing",
+         {20, 20},
+         kModCtrl,
+         false,
+         40,
+         50,
+         60,
+         "named 50 2032"},
+        {"... and the card has none", {20, 20}, kModCtrl, false, 40, 0, 60, "named 60 2035"},
+        {"graphic without action", {20, 20}, 0, false, 0, 50, 60, "named 50 2032"},
+        {"the card", {300, 300}, 0, false, 40, 50, 60, "named 50 2032"},
+        {"nothing anywhere", {300, 300}, 0, false, 40, 0, 0, ""},
+        {"field with a working action", {70, 20}, 0, true, 40, 50, 60, "byId 41 Item8"},
+        {"ctrl: the field's text takes it", {70, 20}, kModCtrl, true, 40, 50, 60, ""},
+        {"field's action does nothing", {70, 20}, 0, false, 40, 50, 60, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ResetDisplayList();
+        AddTestItem(kItemKindGraphic, 7, kGraphic, c.graphicAction);
+        AddTestItem(kItemKindText, 8, kField, 41);
+        Recorder().doesSomething = c.doesSomething;
+        SetWord(card_, kCardClickAction, c.cardAction);
+        SetWord(header_, kHdrClickAction, c.stackAction);
+        Click(c.at.x, c.at.y, c.mods);
+        EXPECT_EQ(RecordedCalls(), c.runs);
+        EXPECT_FALSE(GetWindowProcState().mouseDownHandled) << "the release ends the text's press";
+    }
+}
+
+TEST_F(WindowProcTest, DoubleClickOnAButtonIsAPress) {
+    AddTestItem(kItemKindButton, 5, {20, 20, 80, 50});
+    SetWord(card_, kCardClickAction, 50);
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseDown, 30, 30));
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseUp, 30, 30));
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseDown, 30, 30, 0, 2));
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseUp, 30, 30));
+    // A double click elsewhere is no second click on the card.
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseDown, 300, 300, 0, 2));
+    EXPECT_EQ(RecordedCalls(), "item 5; item 5");
+}
+
+TEST_F(WindowProcTest, ReturnRunsTheRingedButton) {
+    AddTestItem(kItemKindButton, 5, {0, 0, 10, 10}, 0, 0, 2);
+    AddTestItem(kItemKindButton, 6, {0, 20, 10, 30}, 0, kItemFlagHidden, 1);
+    HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, 0, '\r'));
+    EXPECT_EQ(RecordedCalls(), "") << "no default button on the card";
+    AddTestItem(kItemKindButton, 7, {0, 40, 10, 50}, 0, 0, 1);
+    AddTestItem(kItemKindButton, 8, {0, 60, 10, 70}, 0, 0, 1);
+    HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, 0, 'a'));
+    HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, 0, '\r'));
+    EXPECT_EQ(RecordedCalls(), "item 7");
+}
+
+TEST_F(WindowProcTest, CursorComesFromTheItemThenTheCardThenTheStack) {
+    struct Case {
+        uint16_t itemCursor, cardCursor, stackCursor;
+        int32_t shown;
+    };
+    const Case cases[] = {
+        {28016, 28032, 28048, 28016},
+        {0, 28032, 28048, 28032},
+        {0, 0, 28048, 28048},
+        {0, 0, 0, 0},
+    };
+    int32_t y = 20;
+    for (const Case& c : cases) {
+        ResetDisplayList();
+        AddTestItem(kItemKindGraphic, 7, kGraphic)->cursorId = c.itemCursor;
+        SetWord(card_, kCardCursor, c.cardCursor);
+        SetWord(header_, kHdrStackCursor, c.stackCursor);
+        GetHeadlessState().cursorId = -1;
+        GetWindowProcState().cursorId = -1;
+        HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseMove, 20, y++));
+        EXPECT_EQ(GetHeadlessState().cursorId, c.shown) << c.itemCursor << c.cardCursor;
+    }
+    // Off the graphic the card's cursor shows.
+    SetWord(card_, kCardCursor, 28064);
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseMove, 300, 300));
+    EXPECT_EQ(GetHeadlessState().cursorId, 28064);
+}
+
+TEST_F(WindowProcTest, ShiftAndCtrlTogetherShowTheItemBorders) {
+    const auto key = [](HostEventKind kind, uint16_t k, uint32_t mods) {
+        HandleWindowMessage(nullptr, KeyEvent(kind, k, mods));
+        return GetOffscreenState().itemBorders;
+    };
+    EXPECT_FALSE(key(HostEventKind::KeyDown, kVkShift, kModShift));
+    EXPECT_TRUE(key(HostEventKind::KeyDown, kVkLeftControl, kModShift | kModCtrl));
+    EXPECT_TRUE(key(HostEventKind::KeyDown, 'A', kModShift | kModCtrl));
+    EXPECT_FALSE(key(HostEventKind::KeyUp, kVkShift, kModCtrl));
+    EXPECT_FALSE(key(HostEventKind::KeyUp, kVkLeftControl, 0));
+}
+
+TEST(KeyToCommand, CtrlKeysWithTheirExceptions) {
+    struct Case {
+        uint16_t key;
+        bool shift, locked;
+        int32_t command;
+    };
+    const Case cases[] = {
+        {'1', false, false, kCmdFirstCard},
+        {'1', true, false, 0},
+        {'9', false, false, kCmdLastCard},
+        {kVkDelete, true, false, 0},
+        {'A', false, false, 106},
+        {'A', false, true, 0},
+        {'A', true, false, 106},
+        {'N', false, true, 0},
+        {'S', false, true, kCmdSaveStack},
+        {kVkSemicolon, false, false, 651},
+        {kVkSemicolon, true, false, 0},
+        {kVkComma, true, false, kCmdPreviousCard},
+        {kVkPeriod, false, false, kCmdNextCard},
+        {kVkBackQuote, false, false, kCmdBack},
+        {'J', false, false, kCmdJumpToCard},
+        {'Q', false, false, 0},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(KeyToCommand(c.key, c.shift, c.locked), c.command)
+            << c.key << " shift " << c.shift << " locked " << c.locked;
+    }
+}
+
+TEST(MenuTable, ItemsFoundByTheirText) {
+    struct Case {
+        const char* menu;
+        const char* item;
+        int32_t id;
+    };
+    const Case cases[] = {
+        {"Go", "Next Card", kCmdNextCard},
+        {" &go ", "NEXT CARD...", kCmdNextCard},
+        {"Go", "Jump To Card", kCmdJumpToCard},
+        {"File", "Open Stack", kCmdOpenStack},
+        {"File", "New Stack", kCmdNewStack},
+        {"Help", "About Quillbrook Player...", 650},
+        {"Edit", "Next Card", 0},
+        {"Go", "Next", 0},
+        {"Go", "Next Card\tCtrl+>", 0},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(FindMenuItemByName(StandardMenu(), c.menu, c.item), c.id)
+            << c.menu << " / " << c.item;
+    }
+    EXPECT_EQ(FindMenuItemByName(LockedMenu(), "File", "Save Stack"), 0);
+}
+
+// A stack of three cards opened from a file, for the keys that move through it and the loop.
+class WindowProcStackTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetHeadlessState();
+        SetHost(HeadlessHost());
+        ResetWindowProc();
+        ResetButtonPress();
+        ResetMainLoop();
+        CloseStack();
+        CloseAllBlobStores();
+        InitApplication(nullptr);
+        HeaderSpec spec;
+        spec.cardCount = 3;
+        const std::string path = WriteTempFile(
+            "keys.stk",
+            StoredStack(
+                spec, {StoredCard(11, "one"), StoredCard(12, "two"), StoredCard(13, "three")}, {}));
+        SetSlotPath(kSlotStack, DosPathFromHost(path));
+        ASSERT_EQ(OpenStack(false), kFlowOk);
+        ASSERT_EQ(GetDocument().currentCardId, 11);
+    }
+    void TearDown() override {
+        CloseStack();
+        CloseAllBlobStores();
+    }
+    static void Press(uint16_t key, uint32_t mods = 0) {
+        HandleWindowMessage(nullptr, KeyEvent(HostEventKind::KeyDown, key, mods));
+        HandleWindowMessage(nullptr, KeyEvent(HostEventKind::KeyUp, key, mods));
+    }
+};
+
+TEST_F(WindowProcStackTest, KeysMoveThroughTheCards) {
+    struct Step {
+        uint16_t key;
+        uint32_t mods;
+        int16_t cardId;
+    };
+    const Step steps[] = {
+        {kVkRight, 0, 12},
+        {kVkDown, 0, 13},
+        {kVkPageDown, 0, 11},
+        {kVkLeft, 0, 13},
+        {kVkHome, 0, 11},
+        {kVkEnd, 0, 13},
+        {'1', kModCtrl, 11},
+        {kVkPeriod, kModCtrl, 12},
+        {kVkComma, kModCtrl, 11},
+        {'9', kModCtrl, 13},
+        {kVkBackQuote, kModCtrl, 11},
+        {kVkRight, kModShift, 11},
+        {'1', kModCtrl | kModShift, 11},
+    };
+    for (const Step& s : steps) {
+        Press(s.key, s.mods);
+        EXPECT_EQ(GetDocument().currentCardId, s.cardId) << "key " << s.key << " mods " << s.mods;
+    }
+    EXPECT_EQ(DoMenuItemByName("Go", "Last Card"), kCmdLastCard);
+    EXPECT_EQ(GetDocument().currentCardId, 13);
+}
+
+TEST_F(WindowProcStackTest, LoopServesTicksAndEndsOnClose) {
+    HostEvent right = KeyEvent(HostEventKind::KeyDown, kVkRight);
+    right.time = 200;
+    QueueHeadlessEvent(right);
+    HostEvent close;
+    close.kind = HostEventKind::Close;
+    close.time = 1000;
+    QueueHeadlessEvent(close);
+    EXPECT_EQ(RunMainLoop(), 0);
+    EXPECT_TRUE(GetWindowProcState().closed);
+    EXPECT_EQ(GetHeadlessState().clockMs, 1000u);
+    EXPECT_EQ(GetMainLoopState().ticksServed, 1000u / kTickMs);
+    EXPECT_EQ(GetDocument().currentCardId, 12);
+}
+
+TEST_F(WindowProcStackTest, ReplayStopsAtItsTimeAndExitCloses) {
+    EXPECT_EQ(RunMainLoop(550), 0);
+    EXPECT_EQ(GetHeadlessState().clockMs, 550u);
+    EXPECT_EQ(GetMainLoopState().ticksServed, 10u);
+    EXPECT_FALSE(GetWindowProcState().closed);
+    DoCommand(nullptr, kCmdExit, 0);
+    EXPECT_EQ(RunMainLoop(5000), 0);
+    EXPECT_TRUE(GetWindowProcState().closed);
+    EXPECT_EQ(GetHeadlessState().clockMs, 550u) << "Exit closes at once";
+}
+
+}  // namespace

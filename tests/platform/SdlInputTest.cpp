@@ -1,0 +1,85 @@
+// What the desktop window does to input before the window procedure sees it: key names to the
+// system's key codes, and window pixels to card pixels through the whole-number scale.
+#ifdef QB_WITH_SDL
+
+#include <gtest/gtest.h>
+
+#include "platform/sdl/KeyNames.h"
+#include "platform/sdl/ViewLayout.h"
+
+namespace {
+
+TEST(KeyNames, SdlNamesGiveTheSystemsKeyCodes) {
+    struct Case {
+        const char* name;
+        uint16_t key;
+    };
+    // clang-format off
+    const Case cases[] = {
+        {"Return", 0x0D},     {"return", 0x0D},    {"Keypad Enter", 0x0D}, {"Right", 0x27},
+        {"Left", 0x25},       {"Up", 0x26},        {"Down", 0x28},         {"A", 0x41},
+        {"z", 0x5A},          {"0", 0x30},         {"9", 0x39},            {"Keypad 7", 0x67},
+        {"F1", 0x70},         {"F11", 0x7A},       {"F24", 0x87},          {"F25", 0},
+        {"F0", 0},            {"F01", 0},          {"Left Shift", 0x10},   {"Right Ctrl", 0x11},
+        {"Delete", 0x2E},     {"Backspace", 0x08}, {"Escape", 0x1B},       {";", 0xBA},
+        {",", 0xBC},          {".", 0xBE},         {"`", 0xC0},            {"Space", 0x20},
+        {"", 0},              {"Keypad", 0},       {"Keypad 10", 0},       {"AB", 0},
+    };
+    // clang-format on
+    for (const Case& c : cases)
+        EXPECT_EQ(VirtualKeyFromName(c.name), c.key) << '"' << c.name << '"';
+
+    // Every code the table knows comes back to a name that gives the same code.
+    int named = 0;
+    for (uint16_t key = 1; key < 256; ++key) {
+        const std::string_view name = NameOfVirtualKey(key);
+        if (name.empty()) continue;
+        ++named;
+        EXPECT_EQ(VirtualKeyFromName(name), key) << name;
+    }
+    EXPECT_GT(named, 100);
+    EXPECT_EQ(NameOfVirtualKey(0x10), "Left Shift");
+    EXPECT_EQ(NameOfVirtualKey(0x0D), "Return");
+    EXPECT_EQ(NameOfVirtualKey(0x67), "Keypad 7");
+    EXPECT_EQ(NameOfVirtualKey(0xFF), "");
+}
+
+TEST(ViewLayout, TheCardTakesTheLargestWholeScaleCentred) {
+    struct Case {
+        int32_t cardW, cardH, outW, outH;
+        int32_t scale;
+        Rect dest;
+    };
+    const Case cases[] = {
+        {640, 480, 640, 480, 1, {0, 0, 640, 480}},
+        {640, 480, 1280, 960, 2, {0, 0, 1280, 960}},
+        {640, 480, 1920, 1080, 2, {320, 60, 1600, 1020}},   // fullscreen: bars on all sides
+        {640, 480, 1919, 1439, 2, {319, 239, 1599, 1199}},  // not quite 3: stays 2
+        {640, 480, 600, 400, 1, {-20, -40, 620, 440}},      // smaller than the card: cut evenly
+        {10, 10, 25, 25, 2, {2, 2, 22, 22}},                // an odd spare pixel goes right
+        {0, 0, 100, 100, 100, {0, 0, 100, 100}},            // no card yet: taken as 1 x 1
+    };
+    for (const Case& c : cases) {
+        const ViewLayout layout = FitCard(c.cardW, c.cardH, c.outW, c.outH);
+        EXPECT_EQ(layout.scale, c.scale) << c.outW << "x" << c.outH;
+        EXPECT_EQ(layout.dest, c.dest) << c.outW << "x" << c.outH;
+    }
+}
+
+TEST(ViewLayout, OutputPixelsTurnBackIntoCardPixels) {
+    const ViewLayout layout = FitCard(640, 480, 1920, 1080);  // scale 2 at (320, 60)
+    struct Case {
+        int32_t x, y;
+        Point card;
+    };
+    const Case cases[] = {{320, 60, {0, 0}},        {321, 61, {0, 0}},        {322, 62, {1, 1}},
+                          {1599, 1019, {639, 479}}, {319, 59, {-1, -1}},      {318, 58, {-1, -1}},
+                          {317, 57, {-2, -2}},      {1600, 1020, {640, 480}}, {0, 0, {-160, -30}}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(CardPointFromOutput(layout, c.x, c.y), c.card) << c.x << "," << c.y;
+    }
+}
+
+}  // namespace
+
+#endif  // QB_WITH_SDL
