@@ -16,6 +16,7 @@ constexpr uint32_t kTextCursorId = 104;
 struct DisplayListState {
     std::unique_ptr<DisplayItem> head;
     Region itemsClip;
+    bool clipStale = false;  // the list changed since the clip was made
 };
 DisplayListState gList;
 
@@ -86,7 +87,9 @@ DisplayItem* InsertDisplayItem(std::unique_ptr<DisplayItem> item, int32_t positi
     item->next = std::move(*link);
     *link = std::move(item);
     DisplayItem* inserted = link->get();
-    CreateClipRegion();
+    // Every insertion changes the clip; it is made again when it is next asked for, so that a card
+    // of many items doesn't subtract them all once per item.
+    gList.clipStale = true;
     return inserted;
 }
 
@@ -165,14 +168,17 @@ void CreateClipRegion() {
         if (item->hasRegion) clip = SubtractRegion(clip, item->region);
     }
     gList.itemsClip = std::move(clip);
+    gList.clipStale = false;
 }
 
 const Region& GetItemsClip() {
+    if (gList.clipStale) CreateClipRegion();
     return gList.itemsClip;
 }
 
 void FreeItemsClip() {
     gList.itemsClip = Region(DisplayRect());
+    gList.clipStale = false;
 }
 
 BitMask MakeItemsMask() {
@@ -232,4 +238,5 @@ DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position) {
 void ResetDisplayList() {
     gList.head.reset();
     gList.itemsClip = Region();
+    gList.clipStale = false;
 }

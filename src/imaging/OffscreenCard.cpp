@@ -248,6 +248,10 @@ void DrawCard(MemRef card, int16_t transition, int16_t speed, bool arriving) {
     PrepareIncomingPalette(card);
     // 5.
     WriteBackground(result, image.ref(), ownColors);
+    // What step 10 writes again is exactly this; a copy of it is cheaper than a second decode.
+    const bool written = result == kBackgroundNone || (result == 0 && image.ref());
+    Surface background;
+    if (written) background = s.screen;
     // 6.
     FreeDisplayList();
     s.focusField = nullptr;
@@ -264,7 +268,7 @@ void DrawCard(MemRef card, int16_t transition, int16_t speed, bool arriving) {
     // 9.
     RunTransition(transition, speed, s.cardRect, s.screen, true);
     // 10. ScreenBitmap holds the bare background again.
-    WriteBackground(result, image.ref(), ownColors);
+    if (written) s.screen.pixels.swap(background.pixels);
     // 11.
     image.Reset(0);
     AdoptIncomingPalette();
