@@ -169,12 +169,7 @@ inline void InstallRecorders() {
 class ActionStackTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
-        ResetFileFaults();
-        ResetAlertState();
-        CloseStack();
-        CloseAllBlobStores();
-        InitApplication(nullptr);
+        StartProgramAfresh();
         ResetNavigation();
         ResetActionServices();
         ResetActionState();

@@ -7,8 +7,12 @@
 #include <vector>
 
 #include "host/ActionHooks.h"
+#include "host/ButtonPress.h"
+#include "host/MainLoop.h"
+#include "host/WindowProc.h"
 #include "imaging/DisplayList.h"
 #include "platform/Host.h"
+#include "platform/headless/HeadlessHost.h"
 #include "stack/CardRecord.h"
 
 struct ActionRecorder {
@@ -80,4 +84,16 @@ inline HostEvent KeyEvent(HostEventKind kind, uint16_t key, uint32_t mods = 0, u
     e.mods = mods;
     e.ch = ch;
     return e;
+}
+
+// The window procedure, presses, the loop and the display list as at start, with recorders in
+// place of the interpreter.
+inline void StartPlayerWithRecorders() {
+    ResetHeadlessState();
+    SetHost(HeadlessHost());
+    ResetWindowProc();
+    ResetButtonPress();
+    ResetMainLoop();
+    ResetDisplayList();
+    StartRecordingActions();
 }

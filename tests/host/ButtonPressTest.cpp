@@ -16,13 +16,7 @@ constexpr Rect kHoverButton{100, 100, 140, 140};
 class ButtonPressTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
-        SetHost(HeadlessHost());
-        ResetWindowProc();
-        ResetButtonPress();
-        ResetMainLoop();
-        ResetDisplayList();
-        StartRecordingActions();
+        StartPlayerWithRecorders();
     }
     void TearDown() override {
         ResetDisplayList();

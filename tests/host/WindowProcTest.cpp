@@ -43,13 +43,7 @@ void SetWord(MemRef ref, uint32_t offset, uint16_t value) {
 class WindowProcTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
-        SetHost(HeadlessHost());
-        ResetWindowProc();
-        ResetButtonPress();
-        ResetMainLoop();
-        ResetDisplayList();
-        StartRecordingActions();
+        StartPlayerWithRecorders();
         Document& doc = GetDocument();
         doc.stackHeader = header_ = ZeroedMemRef(kStackHeaderSize);
         doc.currentCard = card_ = ZeroedMemRef(kEmptyCardSize);

@@ -76,12 +76,7 @@ std::vector<CardSpec> Numbered(uint16_t count) {
 class NavigationTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
-        ResetFileFaults();
-        ResetAlertState();
-        CloseStack();
-        CloseAllBlobStores();
-        InitApplication(nullptr);
+        StartProgramAfresh();
         ResetNavigation();
         SetNamedActionRunner(RecordAction);
         gRan.clear();

@@ -25,12 +25,7 @@ const std::string kFixtures = QB_FIXTURES_DIR;
 class StackFlowsTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
-        ResetFileFaults();
-        ResetAlertState();
-        CloseStack();
-        CloseAllBlobStores();
-        InitApplication(nullptr);
+        StartProgramAfresh();
     }
     void TearDown() override {
         ResetFileFaults();

@@ -8,6 +8,13 @@
 
 #include <unistd.h>
 
+#include "host/Application.h"
+#include "platform/HostFile.h"
+#include "platform/headless/HeadlessHost.h"
+#include "stack/Blob.h"
+#include "stack/Document.h"
+#include "ui/Alert.h"
+
 void PutBE16(Bytes& b, size_t at, uint16_t v) {
     b[at] = static_cast<uint8_t>(v >> 8);
     b[at + 1] = static_cast<uint8_t>(v);
@@ -135,4 +142,13 @@ std::string WriteTempFile(const std::string& name, const Bytes& bytes) {
 Bytes ReadWholeFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void StartProgramAfresh() {
+    ResetHeadlessState();
+    ResetFileFaults();
+    ResetAlertState();
+    CloseStack();
+    CloseAllBlobStores();
+    InitApplication(nullptr);
 }

@@ -45,3 +45,7 @@ std::string WriteTempFile(const std::string& name, const Bytes& bytes);
 Bytes ReadWholeFile(const std::string& path);
 // Removes what WriteTempFile wrote in this process.
 void RemoveTempFiles();
+
+// The program as it stands after start-up, with no stack, no alerts, no file faults and the
+// headless host: where every test that opens stacks begins.
+void StartProgramAfresh();
