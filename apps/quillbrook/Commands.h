@@ -42,7 +42,8 @@ struct PlayOptions {
     int scale = 1;              // window pixels per card pixel
     bool fullscreen = false;
     std::string record;         // EVENTS.json to write every input event to
-    // For tests: after `exitAfterMs` the window's pixels go to `screenshot` and the player ends.
+    // For tests: once `exitAfterMs` have passed since the window showed and since the last key or
+    // mouse button, the window's pixels go to `screenshot` and the player ends.
     std::string screenshot;
     int exitAfterMs = 0;
 };

@@ -11,6 +11,7 @@
 #include "EventScript.h"
 #include "host/Application.h"
 #include "host/MainLoop.h"
+#include "host/WindowProc.h"
 #include "imaging/Palette.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
@@ -48,6 +49,51 @@ bool WriteText(const std::string& path, const std::string& text) {
     return false;
 }
 
+// --exit-after: its wait starts again at every key or mouse button, so that however late a test's
+// input comes, the whole wait follows it before the screenshot. The loop looks at the time only
+// between messages, so a card change that a click started always ends before the shot.
+struct QuietState {
+    bool (*poll)(HostEvent*) = nullptr;  // the host's own
+    uint32_t lastInputMs = 0;
+};
+QuietState gQuiet;
+
+bool PollNotingInput(HostEvent* event) {
+    if (!gQuiet.poll || !gQuiet.poll(event)) return false;
+    switch (event->kind) {
+        case HostEventKind::MouseDown:
+        case HostEventKind::MouseUp:
+        case HostEventKind::KeyDown:
+        case HostEventKind::KeyUp:
+        case HostEventKind::Char:
+            gQuiet.lastInputMs = GetHost().GetTickCount();
+            break;
+        default:
+            break;
+    }
+    return true;
+}
+
+// The main loop until the window closes, or until `quietMs` have passed since `start` and since the
+// last key or button.
+int RunUntilQuiet(uint32_t start, uint32_t quietMs) {
+    if (quietMs == 0) return RunMainLoop(0);
+    Host& host = GetHost();
+    gQuiet = QuietState{host.PollEvent, start};
+    host.PollEvent = PollNotingInput;
+    int code = 0;
+    for (;;) {
+        uint32_t until = gQuiet.lastInputMs + quietMs;
+        if (static_cast<int32_t>(host.GetTickCount() - until) >= 0) break;
+        if (until == 0) until = 1;  // 0 would mean "until the window closes"
+        code = RunMainLoop(until);
+        if (GetWindowProcState().closed) break;
+    }
+    host.PollEvent = gQuiet.poll;
+    gQuiet = QuietState{};
+    return code;
+}
+
 int Play(const PlayOptions& options) {
     if (!OpenInWindow(options.path)) return 1;
     FitWindowToCard();
@@ -57,8 +103,8 @@ int Play(const PlayOptions& options) {
     GetHost().ShowAlert = ShowModalAlert;
     const uint32_t start = GetHost().GetTickCount();
     if (!options.record.empty()) StartRecording(start);
-    const int code = RunMainLoop(
-        options.exitAfterMs > 0 ? start + static_cast<uint32_t>(options.exitAfterMs) : 0);
+    const int code = RunUntilQuiet(
+        start, options.exitAfterMs > 0 ? static_cast<uint32_t>(options.exitAfterMs) : 0);
     bool written = true;
     if (!options.screenshot.empty()) {
         Surface shown;

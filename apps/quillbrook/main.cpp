@@ -59,7 +59,8 @@ int main(int argc, char** argv) {
         ->check(CLI::Range(1, kMaxSdlScale));
     playCommand->add_flag("--fullscreen", play.fullscreen, "start fullscreen (F11 or Alt+Return switches)");
     playCommand->add_option("--record", play.record, "write every input event to EVENTS.json, for render --replay");
-    // For tests, and so not listed in the help.
+    // For tests, and so not listed in the help. --exit-after counts from the window showing and again
+    // from every key or mouse button, and the screenshot is taken as the player ends.
     playCommand->add_option("--screenshot", play.screenshot)->group("");
     playCommand->add_option("--exit-after", play.exitAfterMs)->group("")->check(CLI::PositiveNumber);
 

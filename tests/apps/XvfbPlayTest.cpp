@@ -1,7 +1,8 @@
 // `quillbrook play` in a real X window, on a virtual X server: what the window shows is the card
 // as `quillbrook render` draws it, pixel for pixel (at --scale 2 each card pixel is a 2 x 2 block),
-// and real input recorded there replays headless to the same frame. Skipped where xvfb-run (or, for
-// the input, xdotool) is not installed.
+// real input recorded there replays headless to the same frame, and a click on a transition button
+// of the demo ends on the card it goes to. Skipped where xvfb-run (or, for the input, xdotool) is
+// not installed.
 #if defined(QB_WITH_CLI) && defined(QB_QUILLBROOK)
 
 #include <gtest/gtest.h>
@@ -161,6 +162,62 @@ TEST_F(XvfbPlay, ASessionRecordedInTheWindowReplaysToTheSameFrame) {
     std::string first;
     EXPECT_EQ(CountDifferences(live, replayed, 1, &first), 0) << "first at " << first;
 }
+
+#ifdef QB_DEMO_STACK
+// The demo in the window, clicked with real X input: the Welcome card's "Transitions" button, then
+// a button there, and once its change has run the window shows the Arrived card as render draws it.
+class XvfbDemoClick : public XvfbPlay {
+protected:
+    void SetUp() override {
+        XvfbPlay::SetUp();
+        if (IsSkipped()) return;
+        if (!OnPath("xdotool"))
+            GTEST_SKIP() << "xdotool is not installed (Debian: apt-get install xdotool)";
+    }
+    // Clicks the Transitions card at (x, y) and compares the window at the end with card 13.
+    void ClickThroughToTheArrivedCard(int x, int y) {
+        // A click during a change ends it early and goes no further, so the second click waits for
+        // the first change (about a second) to end. --exit-after counts from the last click.
+        const std::string script =
+            qb_ + " play '" + demo_ + "' --exit-after 2500 --screenshot " + Path("shown.png") +
+            " &\n"
+            "pid=$!\n"
+            "w=$(xdotool search --sync --onlyvisible --class quillbrook | head -1)\n"
+            "xdotool mousemove --window $w 390 330 click 1\n"
+            "sleep 2\n"
+            "xdotool mousemove --window $w " +
+            std::to_string(x) + " " + std::to_string(y) +
+            " click 1\n"
+            "wait $pid\n";
+        ASSERT_EQ(RunUnderXvfb(script), 0) << Log();
+        for (const int card : {11, 13}) {
+            const std::string render = qb_ + " render '" + demo_ + "' --card " +
+                                       std::to_string(card) + " -o " +
+                                       Path("card" + std::to_string(card) + ".png") + " >/dev/null";
+            ASSERT_EQ(std::system(render.c_str()), 0) << render;
+        }
+        const PngImage shown = Read(Path("shown.png"));
+        const PngImage arrived = Read(Path("card13.png"));
+        ASSERT_EQ(shown.width, arrived.width);
+        ASSERT_EQ(shown.height, arrived.height);
+        std::string first, unused;
+        EXPECT_EQ(CountDifferences(shown, arrived, 1, &first), 0)
+            << "first at " << first
+            << (CountDifferences(shown, Read(Path("card11.png")), 1, &unused) == 0
+                    ? " (the window still shows the Transitions card)"
+                    : "");
+    }
+    const std::string demo_ = QB_DEMO_STACK;
+};
+
+TEST_F(XvfbDemoClick, BlocksEndOnTheArrivedCard) {
+    ClickThroughToTheArrivedCard(180, 256);
+}
+
+TEST_F(XvfbDemoClick, AFadeToTheButtonsColourEndsOnTheArrivedCard) {
+    ClickThroughToTheArrivedCard(460, 372);
+}
+#endif
 
 }  // namespace
 
