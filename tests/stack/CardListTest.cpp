@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -67,8 +68,9 @@ MemRef MakeCard(int16_t id, int16_t kind, int16_t ownerId, const std::vector<Ite
 }
 
 std::vector<uint8_t> Name(const std::string& text) {
-    std::vector<uint8_t> n{static_cast<uint8_t>(text.size())};
-    n.insert(n.end(), text.begin(), text.end());
+    std::vector<uint8_t> n(text.size() + 1);
+    n[0] = static_cast<uint8_t>(text.size());
+    std::copy(text.begin(), text.end(), n.begin() + 1);
     return n;
 }
 
