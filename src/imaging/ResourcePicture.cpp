@@ -58,6 +58,19 @@ bool ParseSide(std::string_view word, int32_t* side) {
     return true;
 }
 
+// A point inside a picture of `limit` pixels: 0 to limit - 1.
+bool ParseCoordinate(std::string_view word, int32_t limit, int32_t* coordinate) {
+    if (word.empty() || word.size() > 4) return false;
+    int32_t value = 0;
+    for (char c : word) {
+        if (c < '0' || c > '9') return false;
+        value = value * 10 + (c - '0');
+    }
+    if (value >= limit) return false;
+    *coordinate = value;
+    return true;
+}
+
 bool ParseColour(std::string_view word, uint32_t* colour) {
     if (word.size() != 6) return false;
     uint32_t value = 0;
@@ -116,6 +129,8 @@ bool ParseResourcePicture(std::string_view text, ResourcePicture* out, std::stri
     int32_t width = 0, height = 0;
     PaletteEntry palette[128];
     bool haveRows = false;
+    bool hasHotSpot = false;
+    int32_t hotSpotX = 0, hotSpotY = 0;
 
     while (!haveRows && reader.Next(&line)) {
         if (IsBlank(line) || line[0] == '#') continue;
@@ -141,10 +156,16 @@ bool ParseResourcePicture(std::string_view text, ResourcePicture* out, std::stri
                     return Fail(error, reader.number, "a colour is six hex digits or \"none\"");
                 entry.opaque = true;
             }
+        } else if (words[0] == "hotspot") {
+            if (hasHotSpot) return Fail(error, reader.number, "a second \"hotspot\"");
+            if (words.size() != 3 || !ParseCoordinate(words[1], width, &hotSpotX) ||
+                !ParseCoordinate(words[2], height, &hotSpotY))
+                return Fail(error, reader.number, "expected \"hotspot X Y\" inside the picture");
+            hasHotSpot = true;
         } else if (words[0] == "rows" && words.size() == 1) {
             haveRows = true;
         } else {
-            return Fail(error, reader.number, "expected \"color\" or \"rows\"");
+            return Fail(error, reader.number, "expected \"color\", \"hotspot\" or \"rows\"");
         }
     }
     if (!haveRows) return Fail(error, reader.number, "no \"rows\"");
@@ -170,6 +191,9 @@ bool ParseResourcePicture(std::string_view text, ResourcePicture* out, std::stri
     }
     out->pixels = std::move(pixels);
     out->mask = std::move(mask);
+    out->hasHotSpot = hasHotSpot;
+    out->hotSpotX = hotSpotX;
+    out->hotSpotY = hotSpotY;
     return true;
 }
 

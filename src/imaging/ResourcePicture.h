@@ -7,6 +7,7 @@
 //   size W H             1 to 1024 each; the first line that isn't a comment
 //   color C RRGGBB       one character (printable, not a blank) and its colour in hex
 //   color C none         a transparent character
+//   hotspot X Y          optional, for a cursor: the point that aims, inside the picture
 //   rows                 then exactly H rows of W characters, each one given a colour above
 // Nothing but blank lines may follow the rows. A "\r" before a line's end is ignored.
 #pragma once
@@ -22,6 +23,8 @@ struct ResourcePicture {
     std::string name;
     Surface pixels;  // transparent pixels are white here
     BitMask mask;    // set where the picture is opaque, at (0, 0)
+    bool hasHotSpot = false;
+    int32_t hotSpotX = 0, hotSpotY = 0;
 };
 
 // Reads a picture's text into `out`. False for a text that breaks the rules above; `error` (if

@@ -34,6 +34,20 @@ TEST(ResourcePictureTest, ReadsColoursAndTransparency) {
     }
 }
 
+TEST(ResourcePictureTest, ReadsTheHotSpot) {
+    ResourcePicture picture;
+    std::string error;
+    ASSERT_TRUE(ParseResourcePicture("size 3 2\ncolor K 000000\nhotspot 2 1\nrows\nKKK\nKKK\n",
+                                     &picture, &error))
+        << error;
+    EXPECT_TRUE(picture.hasHotSpot);
+    EXPECT_EQ(picture.hotSpotX, 2);
+    EXPECT_EQ(picture.hotSpotY, 1);
+    // Without the line there is none, and a reused record forgets an earlier one.
+    ASSERT_TRUE(ParseResourcePicture("size 1 1\ncolor K 000000\nrows\nK\n", &picture));
+    EXPECT_FALSE(picture.hasHotSpot);
+}
+
 TEST(ResourcePictureTest, RejectsMalformedTextsNamingTheLine) {
     struct Case {
         const char* why;
@@ -56,6 +70,12 @@ TEST(ResourcePictureTest, RejectsMalformedTextsNamingTheLine) {
         {"character without colour", "size 2 1\ncolor K 000000\nrows\nKx\n", 4},
         {"too many rows", "size 2 1\ncolor K 000000\nrows\nKK\n\nKK\n", 6},
         {"a comment among the rows", "size 2 2\ncolor K 000000\nrows\nKK\n#K\n", 5},
+        {"hot spot past the width", "size 2 3\nhotspot 2 0\n", 2},
+        {"hot spot past the height", "size 2 3\nhotspot 0 3\n", 2},
+        {"hot spot negative", "size 2 3\nhotspot -1 0\n", 2},
+        {"hot spot without y", "size 2 3\nhotspot 1\n", 2},
+        {"hot spot before size", "hotspot 0 0\nsize 2 3\n", 1},
+        {"two hot spots", "size 2 3\nhotspot 0 0\ncolor K 000000\nhotspot 1 1\n", 4},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);

@@ -1,12 +1,49 @@
-// The pointer's shapes. The system's own cursor pictures are not drawn yet: every id shows the
-// arrow, as the host does for an id it has no picture for; the wait cursor is SDL's.
+// The pointer's shapes: the arrow and the wait cursor are SDL's; every other id the core asks for
+// is made from our own cursor picture the first time it is shown, and kept until shutdown.
+#include <map>
+#include <vector>
+
+#include "imaging/CursorPicture.h"
 #include "platform/sdl/SdlState.h"
 
 namespace {
 
+struct CursorCache {
+    // Null for an id without a picture (or one SDL refused), so that it is not tried again.
+    std::map<int32_t, SDL_Cursor*> made;
+};
+CursorCache gCache;
+
+// A colour cursor from the picture: opaque pixels in their colour, the rest see-through.
+SDL_Cursor* MakeCursor(const ResourcePicture& picture) {
+    const int32_t w = picture.pixels.width, h = picture.pixels.height;
+    std::vector<uint32_t> argb(static_cast<size_t>(w) * static_cast<size_t>(h));
+    for (int32_t y = 0; y < h; ++y) {
+        const uint32_t* row = picture.pixels.Row(y);
+        for (int32_t x = 0; x < w; ++x) {
+            const uint32_t alpha = picture.mask.Get(x, y) ? 0xFF000000u : 0u;
+            argb[static_cast<size_t>(y) * static_cast<size_t>(w) + static_cast<size_t>(x)] =
+                alpha | (row[x] & 0xFFFFFFu);
+        }
+    }
+    SDL_Surface* surface =
+        SDL_CreateRGBSurfaceWithFormatFrom(argb.data(), w, h, 32, w * 4, SDL_PIXELFORMAT_ARGB8888);
+    if (!surface) return nullptr;
+    // SDL copies the pixels into the cursor, so the surface and its buffer may go now.
+    SDL_Cursor* cursor = SDL_CreateColorCursor(surface, picture.hotSpotX, picture.hotSpotY);
+    SDL_FreeSurface(surface);
+    return cursor;
+}
+
 SDL_Cursor* CursorFor(int32_t cursorId) {
-    (void)cursorId;
-    return GetSdlState().arrowCursor;
+    SDL_Cursor* arrow = GetSdlState().arrowCursor;
+    if (cursorId == kArrowCursor) return arrow;
+    auto found = gCache.made.find(cursorId);
+    if (found == gCache.made.end()) {
+        const ResourcePicture* picture = FindCursorPicture(cursorId);
+        found = gCache.made.emplace(cursorId, picture ? MakeCursor(*picture) : nullptr).first;
+    }
+    return found->second ? found->second : arrow;
 }
 
 void ShowCursor() {
@@ -41,6 +78,11 @@ void CreateSdlCursors() {
 
 void FreeSdlCursors() {
     SdlState& s = GetSdlState();
+    // SDL puts its default cursor back itself when the one shown is freed.
+    for (const auto& entry : gCache.made) {
+        if (entry.second) SDL_FreeCursor(entry.second);
+    }
+    gCache = CursorCache{};
     if (s.arrowCursor) SDL_FreeCursor(s.arrowCursor);
     if (s.waitCursor) SDL_FreeCursor(s.waitCursor);
     s.arrowCursor = s.waitCursor = s.shownCursor = nullptr;
