@@ -6,6 +6,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -23,11 +24,9 @@ using Json = nlohmann::ordered_json;
 using Bytes = std::vector<uint8_t>;
 
 Bytes FromHex(const std::string& hex) {
+    std::string digits = hex;
+    digits.erase(std::remove(digits.begin(), digits.end(), ' '), digits.end());
     Bytes bytes;
-    std::string digits;
-    for (char c : hex) {
-        if (c != ' ') digits += c;
-    }
     for (size_t i = 0; i + 1 < digits.size(); i += 2) bytes.push_back(static_cast<uint8_t>(std::stoi(digits.substr(i, 2), nullptr, 16)));
     return bytes;
 }
@@ -240,8 +239,7 @@ TEST_F(BuildCommandTest, FixturesRoundTripThroughRawDescription) {
         const Bytes file = ReadFile(std::filesystem::path(QB_FIXTURES_DIR) / name);
         ASSERT_FALSE(file.empty()) << name;
         const Bytes rebuilt = RoundTrip(file);
-        ASSERT_EQ(rebuilt.size(), file.size()) << name;
-        EXPECT_TRUE(rebuilt == file) << name;
+        EXPECT_TRUE(rebuilt == file) << name << ": " << rebuilt.size() << " bytes for " << file.size();
     }
 }
 

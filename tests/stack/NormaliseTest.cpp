@@ -36,7 +36,7 @@ void Pattern(Bytes& b, uint8_t seed) {
 }
 Bytes Cat(std::initializer_list<Bytes> parts) {
     Bytes out;
-    for (const Bytes& p : parts) out.insert(out.end(), p.begin(), p.end());
+    for (const Bytes& p : parts) Append(out, p);
     return out;
 }
 Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
@@ -45,7 +45,6 @@ Bytes Splice(Bytes b, size_t at, size_t oldLength, const Bytes& with) {
     b.insert(b.begin() + static_cast<std::ptrdiff_t>(at), with.begin(), with.end());
     return b;
 }
-
 
 constexpr uint8_t kEndMark[] = {0, 0, 0xFA, 0xCE};
 
@@ -102,12 +101,13 @@ Bytes SubWithBody(uint16_t type, const Bytes& body, uint16_t flags) {
     std::copy(body.begin(), body.end(), b.begin() + 32);
     return b;
 }
-Bytes Button(const std::vector<Bytes>& subs) {
-    Bytes b = Item(48, 136);
-    for (const Bytes& s : subs) b.insert(b.end(), s.begin(), s.end());
-    PutBE32(b, 12, static_cast<uint32_t>(b.size()));
-    return b;
+// A head with its parts behind it, the length at 12 covering both.
+Bytes Chain(Bytes head, const std::vector<Bytes>& parts) {
+    for (const Bytes& part : parts) Append(head, part);
+    PutBE32(head, 12, static_cast<uint32_t>(head.size()));
+    return head;
 }
+Bytes Button(const std::vector<Bytes>& subs) { return Chain(Item(48, 136), subs); }
 Bytes TextBlock(uint32_t dataLength, uint32_t size) {
     Bytes b(size);
     Pattern(b, 99);
@@ -115,12 +115,7 @@ Bytes TextBlock(uint32_t dataLength, uint32_t size) {
     PutBE32(b, 12, size);
     return b;
 }
-Bytes TextField(const std::vector<Bytes>& blocks, uint16_t flags) {
-    Bytes t = Item(96, 128, flags);
-    for (const Bytes& b : blocks) t.insert(t.end(), b.begin(), b.end());
-    PutBE32(t, 12, static_cast<uint32_t>(t.size()));
-    return t;
-}
+Bytes TextField(const std::vector<Bytes>& blocks, uint16_t flags) { return Chain(Item(96, 128, flags), blocks); }
 
 // --- The conversion tables, as the format gives them ------------------------------------------
 
@@ -239,7 +234,6 @@ TEST_F(NormaliseTest, AppliesTheHeadTablesOfCardsChunksAndItems) {
         {"group member: items at 96 whatever ownerId says", group, {{96, {kItemHead}}}},
         {"unknown kind gets the common head and is walked over",
          Card(0, {Item(7, 30), Graphic({}, 0, false, 0)}), {{96, {kItemHead}}, {126, {kItemHead, kGraphicHead}}}},
-        {"graphic head", Card(0, {Graphic({}, 0, false, 0x11)}), {{96, {kItemHead, kGraphicHead}}}},
         {"button head", Card(0, {Button({})}), {{96, {kItemHead, kButtonHead}}}},
         {"text field head and its blocks, chained by their length",
          Card(0, {TextField({TextBlock(10, 30), TextBlock(2, 20)}, 0x10)}),
@@ -301,8 +295,6 @@ TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
         {"stored height alone zero keeps both", {}, {}, 12, false, 30, 0, 30, 0},
         {"both stored", {}, {}, 12, false, 30, 40},
         {"pad byte behind the picture", {}, {}, 12, true},
-        {"pad byte, stored height alone zero", {}, {}, 12, true, 30, 0, 30, 0},
-        {"native reference left alone", native, native, 0, false},
         {"native reference left alone, picture behind", native, native, 8, false},
         {"other platform: stack's drive, two bytes shorter", sun, sunNative, 0, false},
         {"other platform with a picture and pad byte behind", sun, sunNative, 8, true},
@@ -560,10 +552,7 @@ TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
         const Bytes memory = Contents(record);
 
         Bytes expected = head;
-        LE16(expected, 0, 0x0102);
-        LE16(expected, 2, 0x0304);
-        LE16(expected, 4, c.padLength);
-        LE16(expected, 6, static_cast<uint16_t>(n));
+        Apply(expected, 0, Conversion{{0, 2, 4, 6}, {}, {}, {}});
         expected[23] = head[23 + n];
         std::copy(c.text.begin(), c.text.end(), expected.begin() + 24);
         if (c.withAction) {

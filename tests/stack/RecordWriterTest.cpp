@@ -99,15 +99,8 @@ Pair Card(const std::vector<Pair>& chunks, uint16_t kind = 0) {
     return c;
 }
 
-// References: path, pad to even, six zero bytes, name; length-prefixed or zero-terminated.
-Bytes StoredRef(const std::string& path, const std::string& name) {
-    Bytes b{static_cast<uint8_t>(path.size())};
-    b.insert(b.end(), path.begin(), path.end());
-    b.resize(((b.size() + 1) & ~size_t{1}) + 6, 0);
-    b.push_back(static_cast<uint8_t>(name.size()));
-    b.insert(b.end(), name.begin(), name.end());
-    return b;
-}
+// A reference as memory holds it: path, terminator, pad to even, six zero bytes, name, terminator.
+// The stored form is StoredFileRef.
 Bytes NativeRef(const std::string& path, const std::string& name) {
     Bytes b(path.begin(), path.end());
     b.push_back(0);
@@ -287,21 +280,21 @@ TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
     Bytes junk = NativeRef("D:\\Pic\\Sun", "Sun");  // 10 + terminator: a pad byte follows
     junk[11] = 0x55;
     std::memset(&junk[12], 0xEE, 6);
-    Bytes junkStored = StoredRef("D::Pic:Sun", "Sun");
+    Bytes junkStored = StoredFileRef("D::Pic:Sun", "Sun");
     junkStored[11] = 0x55;
     Bytes roundUp = NativeRef("C:\\a", "bc");
     roundUp.push_back(0);
-    Bytes roundUpStored = StoredRef("C::a", "bc");
+    Bytes roundUpStored = StoredFileRef("C::a", "bc");
     roundUpStored.push_back(0);
     struct Case {
         const char* name;
         Bytes native, stored;
     };
     const Case cases[] = {
-        {"drive path", NativeRef("C:\\Stacks\\art.bmp", "art.bmp"), StoredRef("C::Stacks:art.bmp", "art.bmp")},
+        {"drive path", NativeRef("C:\\Stacks\\art.bmp", "art.bmp"), StoredFileRef("C::Stacks:art.bmp", "art.bmp")},
         {"the pad byte stays, the six bytes are cleared", junk, junkStored},
-        {"empty path", NativeRef("", "x"), StoredRef("", "x")},
-        {"the name keeps its backslash", NativeRef("C:\\a", "b\\c"), StoredRef("C::a", "b\\c")},
+        {"empty path", NativeRef("", "x"), StoredFileRef("", "x")},
+        {"the name keeps its backslash", NativeRef("C:\\a", "b\\c"), StoredFileRef("C::a", "b\\c")},
         {"a round-up byte goes out as it came", roundUp, roundUpStored},
         {"no terminator", Of("C:\\abc"), {}},
         {"no room for the six bytes", Of("C:\\a\0\0\0\0"s), {}},
@@ -318,9 +311,9 @@ TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
 
 TEST_F(RecordWriterTest, PathsInSubRecordsAndTheLaunchCount) {
     const Bytes nat = NativeRef("C:\\Stacks\\art.bmp", "art.bmp");  // 32 bytes, as stored
-    const Bytes sto = StoredRef("C::Stacks:art.bmp", "art.bmp");
+    const Bytes sto = StoredFileRef("C::Stacks:art.bmp", "art.bmp");
     const Bytes oddNat = NativeRef("C:\\a", "bc");  // 15 bytes: the reader rounds it up to 16
-    const Bytes oddSto = StoredRef("C::a", "bc");
+    const Bytes oddSto = StoredFileRef("C::a", "bc");
     struct Case {
         const char* name;
         uint16_t type, flags;
@@ -380,7 +373,7 @@ TEST_F(RecordWriterTest, HlnkTextGoesBackDownAByte) {
 
 // Stored bytes written here with drive paths, read and written back: the same bytes.
 TEST_F(RecordWriterTest, ReadThenWrittenGivesTheStoredBytesBack) {
-    const Bytes ref = StoredRef("C::Stacks:art.bmp", "art.bmp");
+    const Bytes ref = StoredFileRef("C::Stacks:art.bmp", "art.bmp");
     Bytes graphicRest(64, 0);
     PutBE32(graphicRest, 60 - 16, 8);
     Append(graphicRest, ref);

@@ -31,59 +31,43 @@ protected:
     }
 };
 
+// The box sizes of each class are checked below; here the class each prefix selects.
 TEST_F(AlertTest, PrefixButtonsAndDefaultAreReadFromTheString) {
+    using P = AlertPicture;
     struct Case {
         const char* text;
-        bool iconFlag;
-        int16_t width, height;
+        int sizeClass;
         AlertPicture picture;
         std::vector<std::string> labels;
         int defaultButton;
     };
     const Case cases[] = {
-        {"34I'm sorry, I can't load this file because it is not a stack.~^OK",
-         true,
-         320,
-         130,
-         AlertPicture::Dog,
-         {"OK"},
-         1},
-        {"03This stack was changed, do you want to save it?~Save~Cancel~Don't Save",
-         true,
-         400,
-         130,
-         AlertPicture::Exclamation,
-         {"Save", "Cancel", "Don't Save"},
-         1},
-        {"33Are you sure you want to delete this Extra?~OK~^Cancel",
-         true,
-         320,
-         130,
-         AlertPicture::Exclamation,
-         {"OK", "Cancel"},
-         2},
-        {"34Pick one~A~B~C~D", true, 320, 130, AlertPicture::Dog, {"A", "B", "C"}, 1},
-        {"34Two marks~A~^B~^C", true, 320, 130, AlertPicture::Dog, {"A", "B", "C"}, 2},
-        {"11Stop~OK", true, 250, 100, AlertPicture::Stop, {"OK"}, 1},
-        {"22The dog's other digit~OK", true, 280, 120, AlertPicture::Dog, {"OK"}, 1},
-        {"35No such picture~OK", true, 320, 130, AlertPicture::None, {"OK"}, 1},
-        {"3xNot a digit~OK", true, 320, 130, AlertPicture::None, {"OK"}, 1},
-        {"34Without icons~OK", false, 320, 130, AlertPicture::None, {"OK"}, 1},
-        {"X4A letter is class 0~OK", true, 400, 130, AlertPicture::Dog, {"OK"}, 1},
-        {" 4Below the digits too~OK", true, 400, 130, AlertPicture::Dog, {"OK"}, 1},
-        {"34Empty label~", true, 320, 130, AlertPicture::Dog, {""}, 1},
+        {"34Not a stack.~^OK", 3, P::Dog, {"OK"}, 1},
+        {"03Changed?~Save~Cancel~Don't", 0, P::Exclamation, {"Save", "Cancel", "Don't"}, 1},
+        {"33Delete it?~OK~^Cancel", 3, P::Exclamation, {"OK", "Cancel"}, 2},
+        {"34Pick one~A~B~C~D", 3, P::Dog, {"A", "B", "C"}, 1},
+        {"34Two marks~A~^B~^C", 3, P::Dog, {"A", "B", "C"}, 2},
+        {"11Stop~OK", 1, P::Stop, {"OK"}, 1},
+        {"22The dog's other digit~OK", 2, P::Dog, {"OK"}, 1},
+        {"35No such picture~OK", 3, P::None, {"OK"}, 1},
+        {"3xNot a digit~OK", 3, P::None, {"OK"}, 1},
+        {"X4A letter is class 0~OK", 0, P::Dog, {"OK"}, 1},
+        {" 4Below the digits too~OK", 0, P::Dog, {"OK"}, 1},
+        {"34Empty label~", 3, P::Dog, {""}, 1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
         AlertLayout layout;
-        ASSERT_TRUE(BuildAlertLayout(7, c.text, c.iconFlag, &layout));
+        ASSERT_TRUE(BuildAlertLayout(7, c.text, true, &layout));
         EXPECT_EQ(layout.stringId, 7);
-        EXPECT_EQ(layout.width, c.width);
-        EXPECT_EQ(layout.height, c.height);
+        EXPECT_EQ(layout.sizeClass, c.sizeClass);
         EXPECT_EQ(layout.picture, c.picture);
         EXPECT_EQ(Labels(layout), c.labels);
         EXPECT_EQ(layout.defaultButton, c.defaultButton);
     }
+    AlertLayout layout;
+    ASSERT_TRUE(BuildAlertLayout(7, "34Without icons~OK", false, &layout));
+    EXPECT_EQ(layout.picture, P::None);
 }
 
 TEST_F(AlertTest, SizeClassesGiveTheBoxSizeInPixels) {
