@@ -7,20 +7,21 @@
 #include <string>
 
 #include "memory/MemRef.h"
+#include "stack/CardRecord.h"
 
 // Action head, from the start of the head.
-inline constexpr uint32_t kActionHeadSize = 136;
-inline constexpr uint32_t kActionType = 0;
-inline constexpr uint32_t kActionId = 2;
-inline constexpr uint32_t kActionRect = 4;     // native left, top, right, bottom
-inline constexpr uint32_t kActionLength = 12;  // 32-bit: head and all sub-records
+inline constexpr uint32_t kActionHeadSize = kButtonHeadSize;
+inline constexpr uint32_t kActionType = kItemKind;
+inline constexpr uint32_t kActionId = kItemId;
+inline constexpr uint32_t kActionRect = kItemRect;  // native left, top, right, bottom
+inline constexpr uint32_t kActionLength = kItemLength;  // 32-bit: head and all sub-records
 inline constexpr uint32_t kActionDestination = 16;
 inline constexpr uint32_t kActionTransition = 18;
 inline constexpr uint32_t kActionFlags = 20;
-inline constexpr uint32_t kActionItemFlags = 22;
+inline constexpr uint32_t kActionItemFlags = kItemFlags;
 inline constexpr uint32_t kActionTimerSeconds = 24;
 inline constexpr uint32_t kActionTimerMode = 26;
-inline constexpr uint32_t kActionName = 28;  // 32 bytes, length-prefixed
+inline constexpr uint32_t kActionName = kButtonName;  // 32 bytes, length-prefixed
 inline constexpr uint32_t kActionNameSize = 32;
 inline constexpr uint32_t kActionTestCode = 62;
 inline constexpr uint32_t kActionTransitionColor = 68;  // 1-based index into the current palette

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "actions/ActionRecord.h"
 #include "imaging/Background.h"
 #include "imaging/ColorTable.h"
 #include "imaging/DibImage.h"
@@ -15,8 +16,6 @@
 
 namespace {
 
-constexpr uint32_t kButtonActionFlags = 20;
-constexpr uint16_t kActionFlagSprite = 0x80;
 // A graphic's picture: width and height (16-bit), four zero bytes, then the packed pixels.
 constexpr uint32_t kPictureHeadSize = 8;
 
@@ -114,7 +113,7 @@ int32_t ReindexItems(MemRef card, const Palette& from, const Palette& to) {
                 if (length < kButtonHeadSize) return -1;
                 ReindexColor(item + kButtonTextColor, from, to);
                 ReindexColor(item + kButtonFillColor, from, to);
-                sprite = Read16(item + kButtonActionFlags) & kActionFlagSprite;
+                sprite = Read16(item + kActionFlags) & kActAnimation;
             }
         }
         if (kind == kItemKindGraphic && ReindexGraphicPixels(card, at, from, to) != 0) return -1;
