@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -16,6 +15,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "support/CommandFixture.h"
 #include "PngFile.h"
 #include "imaging/Surface.h"
 #include "platform/headless/HeadlessHost.h"
@@ -132,29 +132,8 @@ std::string TourScript(const std::vector<Button>& buttons) {
     return script + "]";
 }
 
-class DemoClick : public testing::Test {
+class DemoClick : public CommandFixture {
 protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("qb-demo-click-" + std::to_string(::getpid()) + "-" +
-                testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-    }
-    void TearDown() override {
-        fs::remove_all(dir_);
-        ResetHeadlessState();
-    }
-    std::string Path(const std::string& name) const { return (dir_ / name).string(); }
-    // Runs `render` or `render --replay` with its output kept out of the test's.
-    int RunQuietly(const RenderOptions& options) {
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        const int code = options.replay.empty() ? RunRender(options) : RunReplay(options);
-        testing::internal::GetCapturedStdout();
-        err_ = testing::internal::GetCapturedStderr();
-        return code;
-    }
     Picture RenderCard(int card) {
         RenderOptions options;
         options.path = kDemo;
@@ -166,8 +145,6 @@ protected:
 
     // Replays the tour of `buttons` and follows it through the frames it presented.
     void CheckTour(const std::vector<Button>& buttons);
-    fs::path dir_;
-    std::string err_;
 };
 
 void DemoClick::CheckTour(const std::vector<Button>& buttons) {

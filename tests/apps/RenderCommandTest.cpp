@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
 
 #include "Commands.h"
 #include "PngFile.h"
+#include "support/CommandFixture.h"
 
 namespace {
 
@@ -18,38 +18,32 @@ namespace fs = std::filesystem;
 
 const std::string kStack = std::string(QB_FIXTURES_DIR) + "/sample-cards.stk";
 
-class RenderCommandTest : public ::testing::Test {
+class RenderCommandTest : public CommandFixture {
 protected:
-    void SetUp() override {
-        folder = (fs::temp_directory_path() / ("qb-render-" + std::to_string(getpid()))).string();
-        fs::remove_all(folder);
-    }
-    void TearDown() override { fs::remove_all(folder); }
     static PngImage Read(const std::string& path) {
         PngImage image;
         std::string error;
         EXPECT_TRUE(ReadPng(path, &image, &error)) << path << ": " << error;
         return image;
     }
-    std::string folder;
 };
 
 TEST_F(RenderCommandTest, EveryCardByPositionAndNameAndASheetOfThemAll) {
     RenderOptions options;
     options.path = kStack;
-    options.output = folder;
+    options.output = dir_.string();
     options.all = true;
     options.contactSheet = true;
-    ASSERT_EQ(RunRender(options), 0);
+    ASSERT_EQ(RunQuietly(options), 0);
     for (const char* name : {"001-Cover.png", "002-Shared.png", "003-Blank.png", "004-Last.png", "contact-sheet.png"}) {
-        EXPECT_TRUE(fs::exists(fs::path(folder) / name)) << name;
+        EXPECT_TRUE(fs::exists(dir_ / name)) << name;
     }
     // A card rendered alone is the same picture as in the set.
     options.all = false;
     options.card = 2;
-    options.output = folder + "/two.png";
-    ASSERT_EQ(RunRender(options), 0);
-    const PngImage alone = Read(options.output), inSet = Read(folder + "/002-Shared.png");
+    options.output = Path("two.png");
+    ASSERT_EQ(RunQuietly(options), 0);
+    const PngImage alone = Read(options.output), inSet = Read(Path("002-Shared.png"));
     EXPECT_EQ(alone.width, inSet.width);
     EXPECT_EQ(alone.rgba, inSet.rgba);
 }
@@ -61,31 +55,31 @@ TEST_F(RenderCommandTest, ACardChangeWritesItsFramesAndEndsOnTheNewCard) {
     options.toCard = 3;
     options.transition = 7;  // Blocks: 41 steps
     options.speed = 8;
-    options.framesDir = folder + "/frames";
-    options.output = folder + "/last.png";
-    ASSERT_EQ(RunRender(options), 0);
+    options.framesDir = Path("frames");
+    options.output = Path("last.png");
+    ASSERT_EQ(RunQuietly(options), 0);
     EXPECT_TRUE(fs::exists(fs::path(options.framesDir) / "frame-0002.png"));
 
     RenderOptions plain;
     plain.path = kStack;
     plain.card = 3;
-    plain.output = folder + "/three.png";
-    ASSERT_EQ(RunRender(plain), 0);
+    plain.output = Path("three.png");
+    ASSERT_EQ(RunQuietly(plain), 0);
     EXPECT_EQ(Read(options.output).rgba, Read(plain.output).rgba);
 }
 
 TEST_F(RenderCommandTest, ACardThatIsNotThereIsRefused) {
     RenderOptions options;
     options.path = kStack;
-    options.output = folder + "/none.png";
+    options.output = Path("none.png");
     for (int card : {0, 5}) {
         options.card = card;
-        EXPECT_EQ(RunRender(options), 2) << card;
+        EXPECT_EQ(RunQuietly(options), 2) << card;
     }
     options.card = 1;
     options.toCard = 9;
-    options.framesDir = folder;
-    EXPECT_EQ(RunRender(options), 2);
+    options.framesDir = dir_.string();
+    EXPECT_EQ(RunQuietly(options), 2);
     EXPECT_FALSE(fs::exists(options.output));
 }
 

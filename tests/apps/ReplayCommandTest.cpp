@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -14,6 +13,7 @@
 
 #include "CardWindow.h"
 #include "Commands.h"
+#include "support/CommandFixture.h"
 #include "EventRecorder.h"
 #include "EventScript.h"
 #include "OpenForCommand.h"
@@ -140,31 +140,12 @@ constexpr const char* kKeysScript = R"([
   {"at": 540, "event": "keyup", "key": "End", "mods": []}
 ])";
 
-class Replay : public testing::Test {
+class Replay : public CommandFixture {
 protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("qb-replay-" + std::to_string(::getpid()) + "-" +
-                testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-    }
-    void TearDown() override {
-        fs::remove_all(dir_);
-        ResetHeadlessState();
-    }
     std::string Write(const std::string& name, const std::string& text) const {
         const std::string path = (dir_ / name).string();
         std::ofstream(path, std::ios::binary) << text;
         return path;
-    }
-    int RunQuietly(const RenderOptions& options) const {
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        const int code = RunReplay(options);
-        testing::internal::GetCapturedStdout();
-        err_ = testing::internal::GetCapturedStderr();
-        return code;
     }
     RenderOptions Options(const std::string& events, const std::string& out) const {
         RenderOptions options;
@@ -174,8 +155,6 @@ protected:
         options.settleMs = 500;
         return options;
     }
-    fs::path dir_;
-    mutable std::string err_;
 };
 
 TEST_F(Replay, GivesTheSameFrameEveryTimeAndTheLastFrameIsTheOneWritten) {

@@ -12,6 +12,7 @@
 #include "imaging/TransitionSteps.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
+#include "support/TransitionFixture.h"
 #if QB_GOLDEN_TESTS
 #include <fmt/format.h>
 
@@ -36,20 +37,8 @@ Surface NewPicture(int32_t w, int32_t h) {
     return s;
 }
 
-class TransitionGeometryTest : public testing::Test {
+class TransitionGeometryTest : public TransitionFixture {
 protected:
-    void SetUp() override {
-        ResetHeadlessState();
-        SetHost(HeadlessHost());
-        ResetTransitionState();
-        ResetPaletteState();
-        ForceDisplayDepth(32);
-    }
-    void TearDown() override {
-        ResetPaletteState();
-        ResetTransitionState();
-        SetHost(HeadlessHost());
-    }
     // The old picture on the window and the screen; returns the new one.
     static Surface Scene(int32_t w, int32_t h) {
         SetHeadlessWindowSize(w, h);

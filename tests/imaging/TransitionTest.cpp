@@ -11,6 +11,7 @@
 #include "imaging/TransitionSteps.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
+#include "support/TransitionFixture.h"
 
 namespace {
 
@@ -18,20 +19,8 @@ constexpr uint32_t kOld = 0xC0C0C0, kNew = 0x2040C0;
 constexpr uint32_t kStartMs = 1000;  // not on a tick: the clock counts from the tick it is in
 constexpr uint32_t kStartTick = kStartMs / kStepTickMs;
 
-class TransitionTest : public testing::Test {
+class TransitionTest : public TransitionFixture {
 protected:
-    void SetUp() override {
-        ResetHeadlessState();
-        SetHost(HeadlessHost());
-        ResetTransitionState();
-        ResetPaletteState();
-        ForceDisplayDepth(32);
-    }
-    void TearDown() override {
-        ResetPaletteState();
-        ResetTransitionState();
-        SetHost(HeadlessHost());
-    }
     // A window of the old colour, a new picture of the new colour, the clock at kStartMs.
     Surface Scene(int32_t width, int32_t height) {
         SetHeadlessWindowSize(width, height);

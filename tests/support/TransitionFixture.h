@@ -1,0 +1,26 @@
+// Where every transition test starts: the headless host, no transition or palette state left
+// over, and a 32-bit display, so that colours reach the window as they are.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "imaging/Palette.h"
+#include "imaging/TransitionSteps.h"
+#include "platform/Host.h"
+#include "platform/headless/HeadlessHost.h"
+
+class TransitionFixture : public testing::Test {
+protected:
+    void SetUp() override {
+        ResetHeadlessState();
+        SetHost(HeadlessHost());
+        ResetTransitionState();
+        ResetPaletteState();
+        ForceDisplayDepth(32);
+    }
+    void TearDown() override {
+        ResetPaletteState();
+        ResetTransitionState();
+        SetHost(HeadlessHost());
+    }
+};
