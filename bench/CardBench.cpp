@@ -18,9 +18,9 @@
 #include "Commands.h"
 #include "OpenForCommand.h"
 #include "PngFile.h"
-#include "imaging/OffscreenCard.h"
-#include "imaging/Palette.h"
-#include "imaging/Surface.h"
+#include "card/OffscreenCard.h"
+#include "gfx/Palette.h"
+#include "gfx/Surface.h"
 #include "platform/headless/HeadlessHost.h"
 #include "stack/Document.h"
 

@@ -18,10 +18,10 @@
 #include <string>
 #include <vector>
 
-#include "imaging/DibImage.h"
-#include "imaging/Lzrw.h"
-#include "imaging/PackedPixels.h"
+#include "gfx/DibImage.h"
 #include "memory/MemRef.h"
+#include "pictures/Lzrw.h"
+#include "pictures/PackedPixels.h"
 #include "support/MemoryTiff.h"
 
 namespace {

@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "imaging/BitMask.h"
-#include "imaging/Blit.h"
-#include "imaging/DibImage.h"
-#include "imaging/Draw.h"
-#include "imaging/Region.h"
+#include "gfx/BitMask.h"
+#include "gfx/Blit.h"
+#include "gfx/DibImage.h"
+#include "gfx/Draw.h"
+#include "gfx/Region.h"
 #include "memory/MemRef.h"
 
 namespace {

@@ -16,8 +16,8 @@
 #include <vector>
 
 #include "HeapCounter.h"
+#include "base/ByteOrder.h"
 #include "memory/MemRef.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/StackHeader.h"

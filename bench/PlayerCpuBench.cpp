@@ -23,9 +23,9 @@
 #include "platform/Host.h"
 #include "platform/HostPath.h"
 #include "platform/sdl/SdlHost.h"
+#include "player/StackFlows.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
 
 namespace {
 

@@ -11,12 +11,12 @@
 #include <ctime>
 #include <map>
 
-#include "imaging/Palette.h"
-#include "imaging/Transition.h"
-#include "imaging/TransitionSteps.h"
+#include "gfx/Palette.h"
 #include "memory/MemRef.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
+#include "transitions/Transition.h"
+#include "transitions/TransitionSteps.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 # Our own pictures (resources/pictures/NAME.txt) compiled into the program as their text, so that
-# every host, the web player too, has them without files; src/imaging/ResourcePicture.cpp reads
+# every host, the web player too, has them without files; src/pictures/ResourcePicture.cpp reads
 # the text at first use.
 #
 # Included from src/CMakeLists.txt after qbcore is defined, it adds the generated source to qbcore.
@@ -34,6 +34,6 @@ foreach(path IN LISTS files)
   endif()
   string(APPEND body "    {\"${name}\", R\"qbpicture(${text})qbpicture\"},\n")
 endforeach()
-file(WRITE "${OUTPUT}.tmp" "// Generated from resources/pictures/*.txt.\n#include \"imaging/ResourcePicture.h\"\n\nconst EmbeddedPicture kEmbeddedPictures[] = {\n${body}    {nullptr, nullptr},\n};\n")
+file(WRITE "${OUTPUT}.tmp" "// Generated from resources/pictures/*.txt.\n#include \"pictures/ResourcePicture.h\"\n\nconst EmbeddedPicture kEmbeddedPictures[] = {\n${body}    {nullptr, nullptr},\n};\n")
 file(COPY_FILE "${OUTPUT}.tmp" "${OUTPUT}" ONLY_IF_DIFFERENT)
 file(REMOVE "${OUTPUT}.tmp")

@@ -9,11 +9,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "imaging/Background.h"
-#include "imaging/DibImage.h"
-#include "imaging/JpegBackground.h"
+#include "base/ByteOrder.h"
+#include "gfx/DibImage.h"
 #include "memory/MemRef.h"
-#include "stack/ByteOrder.h"
+#include "pictures/Background.h"
+#include "pictures/JpegBackground.h"
 #include "stack/CardRecord.h"
 
 namespace {

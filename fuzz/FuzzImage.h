@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "imaging/DibImage.h"
+#include "gfx/DibImage.h"
 #include "memory/MemRef.h"
 
 struct FuzzImage {

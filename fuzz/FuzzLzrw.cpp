@@ -8,7 +8,7 @@
 #include <cstring>
 #include <memory>
 
-#include "imaging/Lzrw.h"
+#include "pictures/Lzrw.h"
 
 namespace {
 

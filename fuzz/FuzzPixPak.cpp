@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <vector>
 
-#include "imaging/PixPak.h"
+#include "base/ByteOrder.h"
 #include "memory/MemRef.h"
-#include "stack/ByteOrder.h"
+#include "pictures/PixPak.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // input. A decode that succeeds is packed again by EncodeRowPacked, and that must decode to the
 // same pixels.
 #include "FuzzImage.h"
-#include "imaging/PackedPixels.h"
+#include "pictures/PackedPixels.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     constexpr const char* kName = "fuzz_row_packed";

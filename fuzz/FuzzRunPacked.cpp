@@ -2,7 +2,7 @@
 // from the input. A decode that succeeds is packed again by EncodeRunPacked, and that must decode
 // to the same pixels wherever the stored rows hold the display rows (all but narrow 1-bit ones).
 #include "FuzzImage.h"
-#include "imaging/PackedPixels.h"
+#include "pictures/PackedPixels.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     constexpr const char* kName = "fuzz_run_packed";

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "host/Plugin.h"
+#include "platform/headless/HeadlessHost.h"
 
 namespace {
 
@@ -36,7 +37,11 @@ struct VersionInfo {
 // Its address stands for the module, the way an instance handle does.
 char kModuleMark = 0;
 
-[[gnu::constructor]] void ModuleLoaded() { PluginModuleLoaded(&kModuleMark); }
+// A browser window is no window of ours to draw in: the module runs on the headless host.
+[[gnu::constructor]] void ModuleLoaded() {
+    SetHost(HeadlessHost());
+    PluginModuleLoaded(&kModuleMark);
+}
 [[gnu::destructor]] void ModuleUnloaded() { PluginModuleUnloaded(); }
 
 }  // namespace

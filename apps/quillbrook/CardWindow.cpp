@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "PngFile.h"
-#include "imaging/OffscreenCard.h"
+#include "card/OffscreenCard.h"
 #include "platform/Host.h"
 #include "stack/Document.h"
 
 void FitWindowToCard() {
     const Host& host = GetHost();
-    Surface* window = host.GetWindowSurface ? host.GetWindowSurface() : nullptr;
+    Surface* window = host.GetWindowSurface();
     const Document& doc = GetDocument();
     if (!window || doc.cardWidth <= 0 || doc.cardHeight <= 0) return;
     if (window->width == doc.cardWidth && window->height == doc.cardHeight) return;

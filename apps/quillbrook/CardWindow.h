@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 
 // Gives the window the card's size and shows the card in it again from the offscreen card, when
 // the open left the window at another size.

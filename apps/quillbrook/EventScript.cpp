@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/Windows1252.h"
 #include "platform/sdl/KeyNames.h"
-#include "text/Windows1252.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 
 #include "Commands.h"
 #include "StackInfo.h"
+#include "messages/Alert.h"
 #include "stack/Blob.h"
 #include "stack/Document.h"
-#include "stack/StackReader.h"
 #include "stack/StackHeader.h"
-#include "ui/Alert.h"
+#include "stack/StackReader.h"
 
 namespace {
 

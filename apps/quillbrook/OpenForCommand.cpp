@@ -5,13 +5,13 @@
 #include <cstdio>
 
 #include "host/Application.h"
+#include "messages/Alert.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
+#include "player/StackFlows.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
-#include "ui/Alert.h"
 
 void PrintShownAlerts(const std::string& path) {
     for (const HeadlessAlert& alert : GetHeadlessState().alertsShown) {

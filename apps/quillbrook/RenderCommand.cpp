@@ -15,16 +15,16 @@
 #include "CardWindow.h"
 #include "Commands.h"
 #include "OpenForCommand.h"
-#include "imaging/Font.h"
-#include "imaging/OffscreenCard.h"
-#include "imaging/Palette.h"
-#include "imaging/Transition.h"
+#include "base/ByteOrder.h"
+#include "base/Windows1252.h"
+#include "card/OffscreenCard.h"
+#include "gfx/Palette.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
-#include "text/Windows1252.h"
+#include "text/Font.h"
+#include "transitions/Transition.h"
 
 namespace {
 

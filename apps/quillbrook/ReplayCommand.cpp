@@ -14,9 +14,9 @@
 #include "Commands.h"
 #include "EventScript.h"
 #include "OpenForCommand.h"
+#include "gfx/Palette.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
-#include "imaging/Palette.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 

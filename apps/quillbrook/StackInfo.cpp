@@ -6,14 +6,14 @@
 #include <cstring>
 
 #include "StackJson.h"
+#include "base/ByteOrder.h"
+#include "base/Windows1252.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/ItemFields.h"
 #include "stack/Names.h"
 #include "stack/StackHeader.h"
-#include "text/Windows1252.h"
 
 using Json = nlohmann::ordered_json;
 

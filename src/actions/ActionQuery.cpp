@@ -1,8 +1,8 @@
 #include "actions/ActionQuery.h"
 
 #include "actions/ActionRecord.h"
+#include "base/ByteOrder.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 
 namespace {
 

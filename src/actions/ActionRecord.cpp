@@ -4,8 +4,8 @@
 
 #include <cstring>
 
+#include "base/ByteOrder.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Normalise.h"
@@ -27,28 +27,6 @@ bool LinkActionOffset(MemRef link, uint32_t* offset) {
 }
 
 }  // namespace
-
-uint32_t ActionEnd(const uint8_t* head, uint32_t available) {
-    if (available < kActionHeadSize) return 0;
-    const uint32_t length = Read32(head + kActionLength);
-    if (length < kActionHeadSize) return kActionHeadSize;
-    return length < available ? length : available;
-}
-
-bool FindSubRecord(const uint8_t* head, uint32_t available, int16_t tag, uint32_t* position) {
-    const uint32_t end = ActionEnd(head, available);
-    uint32_t at = kActionHeadSize;
-    while (at < end && end - at >= kSubHead) {
-        const uint32_t length = Read32(head + at + kSubLengthAt);
-        if (length < kSubHead || length > end - at) return false;
-        if (ReadS16(head + at + kSubTag) == tag) {
-            *position = at;
-            return true;
-        }
-        at += length;
-    }
-    return false;
-}
 
 bool FindRecordSubRecord(MemRef record, uint32_t offset, int16_t tag, uint32_t* relative) {
     const uint32_t size = GetMemRefSize(record);

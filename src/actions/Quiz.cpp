@@ -7,15 +7,15 @@
 #include <ctime>
 #include <vector>
 
-#include "actions/ActionServices.h"
+#include "subsystems/Subsystems.h"
+#include "base/ByteOrder.h"
+#include "messages/StringTable.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
-#include "stack/ByteOrder.h"
+#include "player/StackFlows.h"
 #include "stack/CardList.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
-#include "ui/StringTable.h"
 
 namespace {
 
@@ -57,16 +57,16 @@ std::string ReportPath() {
 
 // The file opened at its end: the existing one, else a new one.
 int32_t OpenForAppending(const std::string& hostPath, HostFile** file) {
-    if (hostPath.empty()) return kFlowFailed;
+    if (hostPath.empty()) return kResultFailed;
     const bool exists = GetHostFileStatus(hostPath).exists;
     if (OpenHostFile(hostPath, exists ? FileMode::ReadWrite : FileMode::Create, file) != 0)
-        return kFlowFailed;
+        return kResultFailed;
     uint64_t length = 0;
     if (HostFileLength(*file, &length) != 0 || SeekHostFile(*file, length) != 0) {
         CloseHostFile(*file);
-        return kFlowFailed;
+        return kResultFailed;
     }
-    return kFlowOk;
+    return kResultOk;
 }
 
 // The report's lines in order, each with its line end; the answers' blocks are read on the way.
@@ -133,7 +133,7 @@ void RecordTestAnswer(bool correct, const std::string& name) {
 
 void AskTestUserName() {
     std::string text;
-    if (!GetActionServices().AskText(kAskNameLabel, &text)) return;
+    if (!GetSubsystems().AskText(kAskNameLabel, &text)) return;
     gQuiz.userName = text.substr(0, kUserNameMax);
 }
 
@@ -142,14 +142,14 @@ int32_t WriteTestReport() {
     for (const QuizAnswer& answer : gQuiz.answers) any = any || StillOnCard(answer);
     if (!any) {
         ClearTestAnswers();
-        return kFlowOk;
+        return kResultOk;
     }
     const std::vector<std::string> lines = ReportLines();
     // The stack is closing: its answers go whether or not the file takes them.
     ClearTestAnswers();
     HostFile* file = nullptr;
     int32_t result = OpenForAppending(ReportPath(), &file);
-    if (result == kFlowOk) {
+    if (result == kResultOk) {
         for (const std::string& line : lines) {
             result = WriteHostFile(file, line.data(), static_cast<uint32_t>(line.size()));
             if (result != 0) break;

@@ -8,24 +8,23 @@
 #include <vector>
 
 #include "actions/ActionRecord.h"
-#include "actions/ActionServices.h"
+#include "subsystems/Subsystems.h"
 #include "actions/Quiz.h"
-#include "host/MainLoop.h"
-#include "imaging/DisplayList.h"
-#include "imaging/Palette.h"
-#include "imaging/Transition.h"
+#include "base/ByteOrder.h"
+#include "card/DisplayList.h"
+#include "gfx/Palette.h"
+#include "messages/Alert.h"
+#include "messages/CardAlerts.h"
+#include "messages/StringTable.h"
 #include "platform/Host.h"
+#include "player/Navigation.h"
+#include "player/StackFlows.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
-#include "stack/CardAlerts.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
-#include "stack/Navigation.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
-#include "ui/Alert.h"
-#include "ui/StringTable.h"
+#include "transitions/Transition.h"
 
 namespace {
 
@@ -85,7 +84,6 @@ bool IsButtonEvent(const HostEvent& e) {
 // A press or key waiting in the queue, left there for the main loop to handle afterwards.
 bool PeekPressWaiting(HostEvent* input) {
     const Host& host = GetHost();
-    if (!host.PeekEvent) return false;
     return host.PeekEvent(IsPress, input) || host.PeekEvent(IsKey, input);
 }
 
@@ -93,7 +91,7 @@ bool PeekPressWaiting(HostEvent* input) {
 // stay, so the cursor still follows the pointer.
 void DropPendingClicks() {
     const Host& host = GetHost();
-    if (host.DropEvents) host.DropEvents(IsButtonEvent);
+    host.DropEvents(IsButtonEvent);
 }
 
 // The zooms start at the action's centre; "Fade to button color" fades to its colour.
@@ -159,7 +157,7 @@ void PlayStackSound(void* window, MemRef record, uint32_t offset) {
         })) {
         return;
     }
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     s.StopSounds(false);
     // A negative soundFlags makes the sub-record a plain order to stop the sounds.
     if (soundFlags < 0) return;
@@ -179,7 +177,7 @@ void PlaySoundFile(void* window, MemRef record, uint32_t offset) {
         })) {
         return;
     }
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     s.StopSounds(false);
     if (named && LocateFile(SoundRequest(), kSlotSounds, true)) {
         s.PlaySound(window, SlotHostPath(kSlotSounds), false, 0, volume, soundFlags);
@@ -195,7 +193,7 @@ void PrepareActionMovie(MemRef record, uint32_t offset, uint16_t itemId) {
         return;
     }
     // The movie layer gets a copy: preparing may ask for the file and run the message loop.
-    GetActionServices().PrepareMovie(sub.data(), static_cast<uint32_t>(sub.size()), itemId, 0);
+    GetSubsystems().PrepareMovie(sub.data(), static_cast<uint32_t>(sub.size()), itemId, 0);
 }
 
 // True when an animation was started.
@@ -213,7 +211,7 @@ bool StartAnimation(MemRef record, uint32_t offset, uint16_t itemId) {
         Alert(kAlertNoMemory);
         return false;
     }
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     const uint32_t size = GetMemRefSize(copy);
     bool film = false;
     {
@@ -244,7 +242,7 @@ void DriveLaserDisc(void* window, MemRef record, uint32_t offset) {
     std::vector<uint8_t> sub;
     if (WithSubRecord(record, offset, kTagLaserDisc,
                       [&](const uint8_t* at, uint32_t) { sub = WholeSubRecord(at); })) {
-        GetActionServices().RunLaserAction(window, sub.data(), static_cast<uint32_t>(sub.size()));
+        GetSubsystems().RunLaserAction(window, sub.data(), static_cast<uint32_t>(sub.size()));
     }
 }
 
@@ -271,7 +269,7 @@ StepResult CallNba(MemRef record, uint32_t size, uint32_t* offset, uint16_t item
         })) {
         return StepResult::Skipped;
     }
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     s.ClearNbaBlock();
     const MemRef copy = CopySubRecordPayload(record, subOffset);
     s.SetNbaParam1(copy);
@@ -300,7 +298,7 @@ StepResult RunScript(void* window, MemRef record, uint32_t size, uint32_t* offse
     if (!script) {
         Alert(kAlertNoMemory);
     } else {
-        ActionServices& s = GetActionServices();
+        Subsystems& s = GetSubsystems();
         const bool barShown = s.ShowMenuBarForScript();
         s.RunLogoText(window, &script);
         if (script) FreeMemRef(script);
@@ -349,16 +347,11 @@ bool Launch(MemRef record, uint32_t offset, const Started& started, uint16_t ite
         return false;
     }
     WaitFor(started, itemId);
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     s.ReleaseLaserPlayer();
     s.LaunchProgram(launchFlags);
-    if (launchFlags & kLaunchThenQuit) PostCloseRequest();
+    if (launchFlags & kLaunchThenQuit) s.PostCloseRequest();
     return true;
-}
-
-uint32_t Now() {
-    const Host& host = GetHost();
-    return host.GetTickCount ? host.GetTickCount() : 0;
 }
 
 }  // namespace
@@ -392,7 +385,7 @@ int32_t RunAction(void* window, MemRef record, uint32_t offset, uint16_t itemId,
     if (h.flags & kActLaserDisc) DriveLaserDisc(window, record, offset);
     if (h.flags & kActMovie) {
         started.movie = true;
-        GetActionServices().StartMovie(itemId);
+        GetSubsystems().StartMovie(itemId);
     }
     if ((h.flags & kActNba) &&
         CallNba(record, size, &offset, itemId, &started.nba) == StepResult::RecordGone) {
@@ -471,26 +464,26 @@ void GoToCardCode(int16_t destination, int16_t effect, int16_t speed) {
 
 // The system's loop spins; ours sleeps on the host until the next step is due or input comes.
 void WaitForActionMedia(bool animationStarted, bool movieStarted, bool nbaCalled, uint16_t itemId) {
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     if (animationStarted || movieStarted || nbaCalled) {
         Host& host = GetHost();
         for (bool first = true;; first = false) {
             if (!first) {
-                host.WaitUntil(Now() + kActionPollMs);
-                PumpOneMessage();
+                host.WaitUntil(GetHost().GetTickCount() + kActionPollMs);
+                GetSubsystems().PumpOneMessage();
             }
             s.UpdateSounds();  // 1
             HostEvent input;
             bool interrupted = PeekPressWaiting(&input);  // 2
             s.StepAnimations(host.window);                // 3
-            s.RunSpriteTimers(Now());                     // 4
+            s.RunSpriteTimers(GetHost().GetTickCount());                     // 4
             s.SpriteStep();                               // 5
             const bool spriteRunning = s.IsSpriteFilmRunning(itemId);
             if (interrupted && s.OfferMovieEvent(host.window, &input)) interrupted = false;  // 6
             const int32_t nbaBusy = nbaCalled ? s.IsNbaBusy() : 0;                           // 7
             const bool stillPlaying = !s.IsMovieDone(itemId) || !s.IsAnimationDone(itemId) ||
                                       spriteRunning || nbaBusy == 1;  // 8
-            if (!stillPlaying || interrupted || !host.WaitUntil) break;
+            if (!stillPlaying || interrupted) break;
         }
     }
     s.StopAllAnimations();
@@ -499,13 +492,13 @@ void WaitForActionMedia(bool animationStarted, bool movieStarted, bool nbaCalled
 }
 
 void ServeActionStep(void* window) {
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     s.StepAnimations(window);
     s.SpriteStep();
 }
 
 void StopActionPlayout() {
-    ActionServices& s = GetActionServices();
+    Subsystems& s = GetSubsystems();
     s.StopSounds(false);
     s.StopMovies(0);
     s.StopSprites();

@@ -1,15 +1,22 @@
 #include "host/Application.h"
 
+#include "actions/ActionQuery.h"
+#include "actions/Quiz.h"
+#include "actions/RunAction.h"
+#include "host/MainLoop.h"
+#include "player/Navigation.h"
+#include "subsystems/Subsystems.h"
+
 #include <cctype>
 #include <string>
 
+#include "messages/Alert.h"
+#include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
-#include "ui/Alert.h"
-#include "ui/StringTable.h"
 
 namespace {
 
@@ -47,7 +54,15 @@ void InitStackState() {
     doc.cardHeight = 342;
 }
 
-void Nothing() {}
+// What a closing stack leaves behind: its leave action has run, and the quiz answers given on it
+// are written beside it.
+void StackClosing() {
+    if (GetDocument().stackHeader) {
+        RunStackLeaveAction();
+        WriteTestReport();
+    }
+    ClearTestAnswers();
+}
 
 }  // namespace
 
@@ -57,26 +72,29 @@ bool ReadUserPreferenceIsYes(const char* key) {
     return false;
 }
 
+Subsystems ApplicationSubsystems() {
+    Subsystems s = UnavailableSubsystems();
+    s.PumpOneMessage = PumpOneMessage;
+    s.ServeDueTick = ServeDueTick;
+    s.PostCloseRequest = PostCloseRequest;
+    s.RunItemAction = RunItemAction;
+    s.RunActionById = RunActionById;
+    s.RunNamedAction = RunNamedAction;
+    s.ActionDoesSomething = ActionDoesSomething;
+    s.StopActionPlayout = StopActionPlayout;
+    s.StackClosing = StackClosing;
+    return s;
+}
+
 bool InitApplication(void* window) {
     GetHost().window = window;
-    GetDocument().stackHeader = 0;  // 1
-    InitPaths();                    // 2
-    InitStackState();               // 3
-    Nothing();                      // 4: the text library's own start
-    Nothing();                      // 5: the font map, with the fonts
-    Nothing();                      // 6: the hand icon of the sprite layer
-    Nothing();                      // 7: the text engine
-    Nothing();                      // 8: the caption font, for measuring
-    Nothing();                      // 9: the undo records of the authoring tools
-    gProgressText = GetString(kProgressString);  // 10
-    Nothing();                      // 11
-    Nothing();                      // 12: the extension table
-    Nothing();                      // 13: the display's depth, with the display
-    Nothing();                      // 14
-    Nothing();                      // 15: the Extras list
-    Nothing();                      // 16: the hand cursors
-    Nothing();                      // 17: the file dialogs' messages
-    Nothing();                      // 18: the Find state
-    Nothing();                      // 19: sound detection
+    InstallSubsystems(ApplicationSubsystems());
+    GetDocument().stackHeader = 0;
+    InitPaths();
+    InitStackState();
+    // The font map and the text engine are made on first use. Each subsystem that must start
+    // with the program (the extension table, the Find state, sound detection) starts here, after
+    // the paths and the stack state it reads.
+    gProgressText = GetString(kProgressString);  // shown while a stack's cards are converted
     return true;
 }

@@ -1,9 +1,9 @@
 #include "host/ButtonPress.h"
 
-#include "host/ActionHooks.h"
-#include "imaging/DisplayList.h"
+#include "card/ButtonDraw.h"
+#include "card/DisplayList.h"
+#include "subsystems/Subsystems.h"
 #include "platform/Host.h"
-#include "stack/ButtonDraw.h"
 #include "stack/CardRecord.h"
 
 namespace {
@@ -30,10 +30,10 @@ Rect InversionBounds(const DisplayItem& item) {
 // The hilite goes straight to the window, not to the offscreen card: a repaint takes it away.
 void InvertOnWindow(const DisplayItem& item) {
     const Host& host = GetHost();
-    Surface* window = host.GetWindowSurface ? host.GetWindowSurface() : nullptr;
+    Surface* window = host.GetWindowSurface();
     if (!window) return;
     InvertItem(*window, window->Bounds(), item);
-    if (host.Present) host.Present(InversionBounds(item));
+    host.Present(InversionBounds(item));
 }
 
 void SetInverted(bool on) {
@@ -87,7 +87,7 @@ bool TrackHover(void* window, int32_t x, int32_t y) {
                 // Entering a hover button ends a press in progress; its hilite goes with it,
                 // rather than staying on the window.
                 CancelPress();
-                GetActionHooks().RunItemAction(window, id, 1);
+                GetSubsystems().RunItemAction(window, id, 1);
                 return true;
             }
         } else {
@@ -108,5 +108,5 @@ void ReleaseButtonPress(void* window) {
     SetInverted(false);
     const uint16_t id = static_cast<uint16_t>(gPress.pressedId);
     gPress.pressedId = 0;
-    GetActionHooks().RunItemAction(window, id, 1);
+    GetSubsystems().RunItemAction(window, id, 1);
 }

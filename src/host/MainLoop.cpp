@@ -9,11 +9,6 @@ MainLoopState gLoop;
 
 bool Reached(uint32_t now, uint32_t time) { return static_cast<int32_t>(now - time) >= 0; }
 
-uint32_t Now() {
-    const Host& host = GetHost();
-    return host.GetTickCount ? host.GetTickCount() : 0;
-}
-
 // Input that is due goes to the window procedure; false once the window has closed.
 bool DispatchInput(void* window) {
     const Host& host = GetHost();
@@ -23,7 +18,7 @@ bool DispatchInput(void* window) {
         event.kind = HostEventKind::Close;
         HandleWindowMessage(window, event);
     }
-    while (!GetWindowProcState().closed && host.PollEvent && host.PollEvent(&event)) {
+    while (!GetWindowProcState().closed && host.PollEvent(&event)) {
         HandleWindowMessage(window, event);
     }
     return !GetWindowProcState().closed;
@@ -36,7 +31,7 @@ void ResetMainLoop() { gLoop = MainLoopState{}; }
 
 uint32_t ServeDueTick(bool* ran) {
     if (ran) *ran = false;
-    const uint32_t now = Now();
+    const uint32_t now = GetHost().GetTickCount();
     if (!gLoop.started) {
         gLoop.started = true;
         gLoop.nextTickMs = now + kTickMs;
@@ -61,15 +56,15 @@ void PumpOneMessage() { ServeDueTick(); }
 int RunMainLoop(uint32_t untilMs) {
     Host& host = GetHost();
     void* window = host.window;
-    if (host.SetTimer) host.SetTimer(kTickMs);
+    host.SetTimer(kTickMs);
     while (DispatchInput(window)) {
         uint32_t deadline = ServeDueTick();
         if (GetWindowProcState().closed || gLoop.closePosted) continue;
-        if (untilMs && Reached(Now(), untilMs)) break;
+        if (untilMs && Reached(GetHost().GetTickCount(), untilMs)) break;
         if (untilMs && !Reached(untilMs, deadline)) deadline = untilMs;
         // The host sleeps until the next tick or until input comes: no busy waiting.
-        if (host.WaitUntil) host.WaitUntil(deadline);
+        host.WaitUntil(deadline);
     }
-    if (host.SetTimer) host.SetTimer(0);
+    host.SetTimer(0);
     return 0;
 }

@@ -9,8 +9,8 @@
 #include "platform/HostFile.h"
 #include "platform/HostFolder.h"
 #include "platform/HostPath.h"
+#include "player/StackFlows.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ void StartApplicationOnWindow(void* window) {
     }
     // A later instance's window takes over the running player: starting memory and settings again
     // would drop the blocks that the open stack still holds.
-    if (GetHost().SetTimer) GetHost().SetTimer(kIdleTimerMs);
+    GetHost().SetTimer(kIdleTimerMs);
     State().handledWindow = window;
     // The palette translation tables start as the identity with the palette layer.
 }

@@ -1,46 +1,24 @@
 #include "host/WindowProc.h"
 
 #include "actions/RunAction.h"
-
-#include "host/ActionHooks.h"
+#include "base/ByteOrder.h"
+#include "card/DisplayList.h"
+#include "card/OffscreenCard.h"
+#include "subsystems/Subsystems.h"
 #include "host/ButtonPress.h"
 #include "host/MainLoop.h"
 #include "host/MenuTable.h"
-#include "imaging/DisplayList.h"
-#include "imaging/OffscreenCard.h"
 #include "memory/MemRef.h"
-#include "stack/ByteOrder.h"
+#include "player/Navigation.h"
+#include "player/StackFlows.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
-#include "stack/Navigation.h"
-#include "stack/StackFlows.h"
 #include "stack/StackHeader.h"
 #include "ui/JumpDialog.h"
 
 namespace {
 
 WindowProcState gState;
-
-// Steps of subsystems that don't exist yet keep their place as empty calls.
-bool OfferToLanguageWindows(const HostEvent&) { return false; }
-bool OfferToExtensions(const HostEvent&) { return false; }
-void ServeFieldDragScroll() {}
-void SoundTick() {}
-void ServeAutoTimers(void*) {}
-void SendExtensionMessage(int32_t) {}
-void StopUnkeptSounds() {}  // all sounds not marked to keep playing
-void StopAllSounds() {}
-void ShowEndSplash() {}
-void ClickOnGraphic(DisplayItem&) {}
-bool TextLayerTakesClick(DisplayItem&) { return false; }
-void ClickInField(DisplayItem&) {}
-void ReleaseInField() {}
-void DragInField(int32_t, int32_t) {}
-void ExportScreen() {}
-void ShowFindDialog() {}
-void ShowAboutBox() {}
-void ShowPreferences() {}
-void OpenHelp() {}
 
 // A 16-bit field of the stack header or of the current card, 0 when there is none.
 uint16_t HeaderWord(uint32_t offset) {
@@ -68,7 +46,7 @@ void SetCursorId(int32_t id) {
     if (id == gState.cursorId) return;
     gState.cursorId = id;
     const Host& host = GetHost();
-    if (host.SetCursor) host.SetCursor(id);
+    host.SetCursor(id);
 }
 
 bool IsShiftKey(uint16_t key) {
@@ -80,17 +58,17 @@ bool IsControlKey(uint16_t key) {
 
 // The card's click action, and without one that took the click, the stack's.
 void RunCardClick() {
-    const ActionHooks& hooks = GetActionHooks();
+    const Subsystems& subsystems = GetSubsystems();
     const uint16_t cardAction = CardWord(kCardClickAction);
-    if (cardAction) gState.clickConsumed = hooks.RunNamedAction(cardAction, 1, 0, kLabelCardClick);
+    if (cardAction) gState.clickConsumed = subsystems.RunNamedAction(cardAction, 1, 0, kLabelCardClick);
     if (gState.clickConsumed) return;
     const uint16_t stackAction = HeaderWord(kHdrClickAction);
     if (stackAction)
-        gState.clickConsumed = hooks.RunNamedAction(stackAction, 1, 0, kLabelStackClick);
+        gState.clickConsumed = subsystems.RunNamedAction(stackAction, 1, 0, kLabelStackClick);
 }
 
 bool DoesSomething(int16_t id) {
-    return id != 0 && GetActionHooks().ActionDoesSomething(static_cast<uint16_t>(id));
+    return id != 0 && GetSubsystems().ActionDoesSomething(static_cast<uint16_t>(id));
 }
 
 int32_t OnButtonDown(void* window, const HostEvent& event) {
@@ -117,16 +95,16 @@ int32_t OnButtonDown(void* window, const HostEvent& event) {
         itemTook = true;
     } else if (item && item->type == kItemKindText) {
         actionId = item->actionId;
-        if (!DoesSomething(actionId) || ctrl || TextLayerTakesClick(*item)) actionId = 0;
+        if (!DoesSomething(actionId) || ctrl || GetSubsystems().TextLayerTakesClick(*item)) actionId = 0;
         if (actionId) {
             name = item->name;
         } else {
-            ClickInField(*item);
+            GetSubsystems().ClickInField(*item);
             gState.mouseDownHandled = true;
             itemTook = true;
         }
     } else if (item && item->type == kItemKindGraphic) {
-        ClickOnGraphic(*item);
+        GetSubsystems().ClickOnGraphic(*item);
         actionId = item->actionId;
         // Ctrl passes the click through a graphic whose action does nothing, to the card.
         if (ctrl && !DoesSomething(actionId)) actionId = 0;
@@ -135,7 +113,7 @@ int32_t OnButtonDown(void* window, const HostEvent& event) {
     if (actionId) {
         itemTook = true;
         gState.clickConsumed =
-            GetActionHooks().RunActionById(static_cast<uint16_t>(actionId), 1, 0, name) != 0;
+            GetSubsystems().RunActionById(static_cast<uint16_t>(actionId), 1, 0, name) != 0;
     }
     if (!itemTook) RunCardClick();
     return 1;
@@ -148,7 +126,7 @@ int32_t OnDoubleClick(void* window, const HostEvent& event) {
     if (!item) return 1;
     if (item->type == kItemKindButton) return OnButtonDown(window, event);
     if (item->type == kItemKindText) {
-        ClickInField(*item);
+        GetSubsystems().ClickInField(*item);
         gState.mouseDownHandled = true;
     }
     return 1;
@@ -157,7 +135,7 @@ int32_t OnDoubleClick(void* window, const HostEvent& event) {
 int32_t OnButtonUp(void* window, const HostEvent& event) {
     const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
     if (gState.mouseDownHandled) {
-        ReleaseInField();
+        GetSubsystems().ReleaseInField();
         gState.mouseDownHandled = false;
     }
     FollowPress(x, y);
@@ -172,7 +150,7 @@ int32_t TrackMouse(void* window, const HostEvent& event) {
     if (event.mods & (kModShift | kModCtrl)) return 0;
     const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
     if (gState.mouseDownHandled) {
-        DragInField(x, y);
+        GetSubsystems().DragInField(x, y);
         return 1;
     }
     if (gState.clickConsumed) return 1;
@@ -187,7 +165,7 @@ void SetItemBorders(bool on) {
     gState.itemBorders = on;
     GetOffscreenState().itemBorders = on;
     const Host& host = GetHost();
-    if (Surface* window = host.GetWindowSurface ? host.GetWindowSurface() : nullptr) {
+    if (Surface* window = host.GetWindowSurface()) {
         RepaintRect(0, 0, window->width, window->height);
     }
 }
@@ -198,7 +176,7 @@ bool RunDefaultButton(void* window) {
     for (const DisplayItem* item = DisplayListHead(); item; item = item->next.get()) {
         if (item->type != kItemKindButton || item->shape != 1) continue;
         if (item->hidden || (item->flags & kItemFlagHidden)) continue;
-        GetActionHooks().RunItemAction(window, static_cast<uint16_t>(item->id), 1);
+        GetSubsystems().RunItemAction(window, static_cast<uint16_t>(item->id), 1);
         return true;
     }
     return false;
@@ -230,9 +208,9 @@ int32_t OnChar(void* window, const HostEvent& event) {
 }
 
 int32_t OnClose() {
-    StopAllSounds();
+    GetSubsystems().StopSounds(true);
     if (!CheckSave()) return 1;
-    ShowEndSplash();
+    GetSubsystems().ShowEndSplash();
     gState.closed = true;
     return 1;
 }
@@ -244,23 +222,23 @@ struct KeyCommand {
     bool notWhenLocked;
 };
 constexpr KeyCommand kKeyCommands[] = {
-    {kVkDelete, 154, true, false},
+    {kVkDelete, kCmdClear, true, false},
     {'1', kCmdFirstCard, true, false},
     {'9', kCmdLastCard, true, false},
-    {'A', 106, false, true},
-    {'C', 152, false, false},
-    {'E', 105, false, false},
-    {'F', 207, false, false},
+    {'A', kCmdSelectAll, false, true},
+    {'C', kCmdCopy, false, false},
+    {'E', kCmdExportScreen, false, false},
+    {'F', kCmdFindText, false, false},
     {'H', kCmdHome, false, false},
     {'J', kCmdJumpToCard, false, false},
-    {'N', 155, false, true},
+    {'N', kCmdNewCard, false, true},
     {'O', kCmdOpenStack, false, false},
-    {'P', 108, false, false},
+    {'P', kCmdPrint, false, false},
     {'S', kCmdSaveStack, false, false},
-    {'V', 153, false, false},
-    {'X', 151, false, false},
-    {'Z', 150, false, false},
-    {kVkSemicolon, 651, true, false},
+    {'V', kCmdPaste, false, false},
+    {'X', kCmdCut, false, false},
+    {'Z', kCmdUndo, false, false},
+    {kVkSemicolon, kCmdPreferences, true, false},
     {kVkComma, kCmdPreviousCard, false, false},
     {kVkPeriod, kCmdNextCard, false, false},
     {kVkBackQuote, kCmdBack, false, false},
@@ -275,8 +253,8 @@ int16_t CurrentTool() { return kBrowseTool; }
 
 int32_t HandleWindowMessage(void* window, const HostEvent& event) {
     if (Browsing()) ServeActionStep(GetHost().window);
-    if (OfferToLanguageWindows(event)) return 0;
-    if (OfferToExtensions(event)) return 0;
+    if (GetSubsystems().OfferToLanguageWindows(event)) return 0;
+    if (GetSubsystems().OfferToExtensions(event)) return 0;
     switch (event.kind) {
         case HostEventKind::Paint:
             RepaintRect(event.areaLeft, event.areaTop, event.areaRight, event.areaBottom);
@@ -303,16 +281,16 @@ int32_t HandleWindowMessage(void* window, const HostEvent& event) {
 }
 
 int32_t HandleTimerMessage(void* window) {
-    ServeFieldDragScroll();
+    GetSubsystems().ServeFieldDragScroll();
     if (++gState.timerCount > 4) {
         gState.timerCount = 0;
-        SoundTick();
+        GetSubsystems().UpdateSounds();
     }
     ServeActionStep(GetHost().window);
     Document& doc = GetDocument();
     if (doc.stackHeader) doc.autoTimers = HeaderWord(kHdrAutoTimers) != 0;
-    ServeAutoTimers(window);
-    SendExtensionMessage(5);
+    GetSubsystems().ServeAutoTimers(window);
+    GetSubsystems().SendExtensionMessage(5);
     return 1;
 }
 
@@ -345,7 +323,7 @@ int32_t NavigationKeyCommand(uint16_t key) {
 }
 
 void DoCommand(void*, int32_t commandId, int32_t) {
-    StopUnkeptSounds();
+    GetSubsystems().StopSounds(false);
     // The browse tool has no selection to clear and no paint mode to leave.
     switch (commandId) {
         case kCmdOpenStack:
@@ -357,8 +335,8 @@ void DoCommand(void*, int32_t commandId, int32_t) {
         case kCmdSaveStackAs:
             SaveStackAs();
             break;
-        case 105:
-            ExportScreen();
+        case kCmdExportScreen:
+            GetSubsystems().ExportScreen();
             break;
         case kCmdExit:
             PostCloseRequest();
@@ -384,17 +362,17 @@ void DoCommand(void*, int32_t commandId, int32_t) {
         case kCmdJumpToCard:
             AskJumpToCard();
             break;
-        case 207:
-            ShowFindDialog();
+        case kCmdFindText:
+            GetSubsystems().ShowFindDialog();
             break;
-        case 650:
-            ShowAboutBox();
+        case kCmdAbout:
+            GetSubsystems().ShowAboutBox();
             break;
-        case 651:
-            ShowPreferences();
+        case kCmdPreferences:
+            GetSubsystems().ShowPreferences();
             break;
-        case 652:
-            OpenHelp();
+        case kCmdHelp:
+            GetSubsystems().OpenHelp();
             break;
         default:
             // New Stack, page setup, printing, undo, the clipboard and the Extras belong to the

@@ -7,40 +7,26 @@
 #include <cstdint>
 #include <string>
 
+#include "base/KeyCodes.h"
 #include "platform/Host.h"
 
 inline constexpr int16_t kBrowseTool = 18;
-
-// Virtual-key codes, as the system numbers them.
-inline constexpr uint16_t kVkBack = 0x08;
-inline constexpr uint16_t kVkReturn = 0x0D;
-inline constexpr uint16_t kVkShift = 0x10;
-inline constexpr uint16_t kVkControl = 0x11;
-inline constexpr uint16_t kVkEscape = 0x1B;
-inline constexpr uint16_t kVkPageUp = 0x21;
-inline constexpr uint16_t kVkPageDown = 0x22;
-inline constexpr uint16_t kVkEnd = 0x23;
-inline constexpr uint16_t kVkHome = 0x24;
-inline constexpr uint16_t kVkLeft = 0x25;
-inline constexpr uint16_t kVkUp = 0x26;
-inline constexpr uint16_t kVkRight = 0x27;
-inline constexpr uint16_t kVkDown = 0x28;
-inline constexpr uint16_t kVkDelete = 0x2E;
-inline constexpr uint16_t kVkLeftShift = 0xA0;
-inline constexpr uint16_t kVkRightShift = 0xA1;
-inline constexpr uint16_t kVkLeftControl = 0xA2;
-inline constexpr uint16_t kVkRightControl = 0xA3;
-inline constexpr uint16_t kVkSemicolon = 0xBA;
-inline constexpr uint16_t kVkComma = 0xBC;
-inline constexpr uint16_t kVkPeriod = 0xBE;
-inline constexpr uint16_t kVkBackQuote = 0xC0;
 
 // Menu commands.
 inline constexpr int32_t kCmdNewStack = 100;
 inline constexpr int32_t kCmdOpenStack = 101;
 inline constexpr int32_t kCmdSaveStack = 102;
 inline constexpr int32_t kCmdSaveStackAs = 103;
+inline constexpr int32_t kCmdExportScreen = 105;
+inline constexpr int32_t kCmdSelectAll = 106;
+inline constexpr int32_t kCmdPrint = 108;
 inline constexpr int32_t kCmdExit = 110;
+inline constexpr int32_t kCmdUndo = 150;
+inline constexpr int32_t kCmdCut = 151;
+inline constexpr int32_t kCmdCopy = 152;
+inline constexpr int32_t kCmdPaste = 153;
+inline constexpr int32_t kCmdClear = 154;
+inline constexpr int32_t kCmdNewCard = 155;
 inline constexpr int32_t kCmdBack = 200;
 inline constexpr int32_t kCmdHome = 201;
 inline constexpr int32_t kCmdFirstCard = 202;
@@ -48,6 +34,10 @@ inline constexpr int32_t kCmdPreviousCard = 203;
 inline constexpr int32_t kCmdNextCard = 204;
 inline constexpr int32_t kCmdLastCard = 205;
 inline constexpr int32_t kCmdJumpToCard = 206;
+inline constexpr int32_t kCmdFindText = 207;
+inline constexpr int32_t kCmdAbout = 650;
+inline constexpr int32_t kCmdPreferences = 651;
+inline constexpr int32_t kCmdHelp = 652;
 
 // Labels of the card's and the stack's click actions.
 inline constexpr int16_t kLabelCardClick = 2032;

@@ -1,13 +1,15 @@
 // The Host seam: what the core needs from a platform, and nothing more. Each backend (headless,
-// sdl, web) fills one table of functions; the core calls through GetHost(). Files have their own
-// door in HostFile.h.
+// sdl, web) fills one table of functions and a program installs it with SetHost; the core calls
+// through GetHost(). Every slot is always filled: until a program installs a backend the core runs
+// on the null host, and a slot a backend leaves empty is the null host's. Files have their own door
+// in HostFile.h.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-struct AlertLayout;  // ui/AlertLayout.h
-struct Rect;         // imaging/Surface.h
+struct AlertLayout;  // platform/AlertLayout.h
+struct Rect;         // gfx/Surface.h
 struct Surface;
 
 // What a file dialog asks for.
@@ -89,9 +91,13 @@ struct Host {
     // The window the stack lives in: an opaque, pointer-sized host handle.
     void* window = nullptr;
     // True when no more input can ever come (a scripted run has used up its script): a modal
-    // dialog then gives up as if cancelled instead of waiting for ever. Null on interactive hosts.
+    // dialog then gives up as if cancelled instead of waiting for ever.
     bool (*InputExhausted)() = nullptr;
 };
 
 Host& GetHost();
+// Installs a backend; its empty slots take the null host's.
 void SetHost(const Host& host);
+// The host of a program that has chosen none: a clock that moves only when waited on, no input
+// ever, alerts answered by their default button, dialogs cancelled, no window.
+Host NullHost();

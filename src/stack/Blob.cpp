@@ -1,10 +1,12 @@
 #include "stack/Blob.h"
 
+#include "base/ResultCodes.h"
+
 #include <cstring>
 
+#include "base/ByteOrder.h"
 #include "platform/HostFile.h"
 #include "stack/BlobStore.h"
-#include "stack/ByteOrder.h"
 #include "stack/Names.h"
 #include "stack/Normalise.h"
 #include "stack/PathSlot.h"
@@ -12,7 +14,6 @@
 namespace {
 
 StoreState gStores;
-
 
 // Reads one record's data and normalises it by type. 0 if the read or the record fails.
 MemRef ReadRecord(const BlobStore& store, const uint8_t* row) {
@@ -284,7 +285,7 @@ void ReleaseBlob(MemRef handle) {
 int32_t GetBlobInfo(MemRef handle, uint32_t* type, uint16_t* id, uint8_t* name, uint32_t* flags) {
     BlobStore* store;
     uint32_t index;
-    if (!FindHandle(handle, &store, &index)) return 16;
+    if (!FindHandle(handle, &store, &index)) return kResultNoMemory;
     MemRefLock lock(store->table);
     const uint8_t* row = Row(lock.data(), index);
     if (type) *type = Read32(row + kRowType);

@@ -2,10 +2,11 @@
 // cards end. Everything passes through the save's one 64 KB buffer, whatever the records' sizes.
 #include <cstring>
 
+#include "base/ByteOrder.h"
+#include "base/ResultCodes.h"
 #include "platform/HostFile.h"
 #include "stack/Blob.h"
 #include "stack/BlobStore.h"
-#include "stack/ByteOrder.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ bool DropDeletedRows(BlobStore& store) {
 
 int32_t MoveBlobArea(uint32_t ref, uint32_t newOffset, StagingBuffer& buffer) {
     BlobStore* store = FindStore(ref);
-    if (!store) return 16;
+    if (!store) return kResultNoMemory;
     if (!store->table) {
         store->areaOffset = newOffset;
         return 0;
@@ -130,7 +131,7 @@ int32_t MoveBlobArea(uint32_t ref, uint32_t newOffset, StagingBuffer& buffer) {
 int32_t CopyBlobArea(uint32_t ref, HostFile* source, HostFile* destination, uint32_t offset,
                      StagingBuffer& buffer) {
     BlobStore* store = FindStore(ref);
-    if (!store) return 16;
+    if (!store) return kResultNoMemory;
     if (!store->table || store->count == 0) return 0;
     const Chunk chunk = ChunkOf(buffer);
     int32_t result = SeekHostFile(destination, offset);

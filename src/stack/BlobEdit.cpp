@@ -2,10 +2,11 @@
 // flag set on disk at once. This part of a stack is live on disk even while its cards are unsaved.
 #include <cstring>
 
+#include "base/ByteOrder.h"
+#include "base/ResultCodes.h"
 #include "platform/HostFile.h"
 #include "stack/Blob.h"
 #include "stack/BlobStore.h"
-#include "stack/ByteOrder.h"
 #include "stack/RecordWriter.h"
 #include "stack/StackHeader.h"
 
@@ -76,11 +77,11 @@ uint16_t NewBlobId(uint32_t ref) {
 
 int32_t AddBlob(MemRef data, uint32_t flags, uint32_t type, uint16_t* id, const uint8_t* name) {
     BlobStore* store = BlobStores().current;
-    if (!store || !data || type == 0) return 16;
-    if (!store->table) return 16;  // a store in memory only has no file to add to
+    if (!store || !data || type == 0) return kResultNoMemory;
+    if (!store->table) return kResultNoMemory;  // a store in memory only has no file to add to
     const uint32_t index = store->count;
     // A row left unused by a failed add is taken again.
-    if (SetMemRefSize(store->table, (index + 1) * kRowSize) != 0) return 16;
+    if (SetMemRefSize(store->table, (index + 1) * kRowSize) != 0) return kResultNoMemory;
     const uint32_t size = GetMemRefSize(data);
     const uint16_t chosen = (id && *id) ? *id : NewBlobId(store->ref);
     if (id) *id = chosen;
@@ -124,7 +125,7 @@ int32_t AddBlob(MemRef data, uint32_t flags, uint32_t type, uint16_t* id, const 
 
 int32_t DeleteBlob(uint32_t type, uint16_t id) {
     BlobStore* store = BlobStores().current;
-    if (!store || !store->table) return 16;
+    if (!store || !store->table) return kResultNoMemory;
     MemRefLock lock(store->table);
     for (uint32_t i = 0; i < store->count; ++i) {
         uint8_t* row = Row(lock.data(), i);

@@ -1,10 +1,10 @@
 #include "stack/CardList.h"
 
-#include "stack/ByteOrder.h"
-#include "stack/CardAlerts.h"
+#include "base/ByteOrder.h"
+#include "messages/Alert.h"
+#include "messages/CardAlerts.h"
 #include "stack/CardRecord.h"
 #include "stack/Names.h"
-#include "ui/Alert.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 
 MemRef NewCardMemRef(uint32_t size) {
     if (size > UINT32_MAX - 8) return 0;

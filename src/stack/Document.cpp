@@ -1,10 +1,9 @@
 #include "stack/Document.h"
 
-#include "actions/Quiz.h"
-
+#include "base/ByteOrder.h"
+#include "base/ResultCodes.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
-#include "stack/Navigation.h"
+#include "subsystems/Subsystems.h"
 
 namespace {
 Document gDocument;
@@ -30,7 +29,7 @@ MemRef GetCardByPosition(int32_t position) {
 int32_t InsertCardAt(int32_t position, MemRef card) {
     if (!gDocument.cardList) {
         gDocument.cardList = NewMemRef(0);
-        if (!gDocument.cardList) return 16;
+        if (!gDocument.cardList) return kResultNoMemory;
     }
     if (position < 0 || position > CardCount()) return -1;
     uint8_t row[kCardRowSize] = {};
@@ -39,11 +38,8 @@ int32_t InsertCardAt(int32_t position, MemRef card) {
 }
 
 void CloseStack() {
-    if (gDocument.stackHeader) {
-        RunStackLeaveAction();
-        WriteTestReport();  // the quiz answers given on this stack, beside it
-    }
-    ClearTestAnswers();
+    // Its leave action runs and the quiz report is written before anything of it is freed.
+    GetSubsystems().StackClosing();
     for (int32_t i = 1; i <= CardCount(); ++i) FreeMemRef(GetCardByPosition(i));
     if (gDocument.cardList) FreeMemRef(gDocument.cardList);
     if (gDocument.stackHeader) FreeMemRef(gDocument.stackHeader);

@@ -1,7 +1,7 @@
 // Reporting file errors: the error codes are string ids at once.
-#include "stack/StackAlerts.h"
-#include "stack/StackFlows.h"
-#include "ui/Alert.h"
+#include "messages/Alert.h"
+#include "messages/StackAlerts.h"
+#include "stack/StackFiles.h"
 
 namespace {
 inline constexpr int32_t kFileErrors[] = {2680, 2681, 2682, 2683, 2684, 2685, 2686, 2687,
@@ -9,7 +9,7 @@ inline constexpr int32_t kFileErrors[] = {2680, 2681, 2682, 2683, 2684, 2685, 26
 }  // namespace
 
 void ShowFileError(int32_t code) {
-    if (code == kFlowOk || code == kFlowReported) return;
+    if (code == kResultOk || code == kResultReported) return;
     for (int32_t known : kFileErrors) {
         if (known != code) continue;
         // -2688's low 16 bits are no string id: its alert comes out empty, so nothing shows.

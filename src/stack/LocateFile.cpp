@@ -2,12 +2,12 @@
 // drives, and at last by asking the user.
 #include <vector>
 
+#include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
-#include "ui/StringTable.h"
+#include "stack/StackFiles.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ bool LocateFile(const LocateRequest& request, int slot, bool search) {
     choice.filterPattern = request.filterPattern;
     choice.proposed = name;
     std::string chosen;
-    if (!GetHost().ChooseFile || !GetHost().ChooseFile(choice, &chosen)) return false;
+    if (!GetHost().ChooseFile(choice, &chosen)) return false;
     if (!SetSlotPath(kSlotScratch, DosPathFromHost(chosen))) return false;
     CopySlot(kSlotScratch, request.targetSlot);
     return true;

@@ -8,7 +8,7 @@
 
 #include <cstring>
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
 #include "stack/StagingBuffer.h"

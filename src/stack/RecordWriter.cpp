@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
 #include "stack/Normalise.h"

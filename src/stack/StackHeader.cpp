@@ -1,6 +1,6 @@
 #include "stack/StackHeader.h"
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 #include "stack/Normalise.h"
 
 void SwapHeader(uint8_t* h) {

@@ -1,14 +1,15 @@
-#include "stack/StackAlerts.h"
 #include "stack/StackReader.h"
+
+#include "messages/StackAlerts.h"
 
 #include <fmt/format.h>
 
 #include <cstring>
 
+#include "base/ByteOrder.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/Normalise.h"
@@ -16,7 +17,6 @@
 #include "stack/StackHeader.h"
 
 namespace {
-
 
 int32_t Refuse(LoadFault* fault, int alert, uint64_t offset, std::string detail) {
     fault->alerts.push_back(alert);

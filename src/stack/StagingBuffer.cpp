@@ -1,14 +1,16 @@
 #include "stack/StagingBuffer.h"
 
+#include "base/ResultCodes.h"
+
 #include <cstring>
 
+#include "base/ByteOrder.h"
 #include "platform/HostFile.h"
-#include "stack/ByteOrder.h"
 
 int32_t NewStagingBuffer(StagingBuffer* buffer, HostFile* file) {
     buffer->ref = NewMemRef(kStagingBufferSize);
     buffer->file = file;
-    if (!buffer->ref) return 16;
+    if (!buffer->ref) return kResultNoMemory;
     MemRefLock lock(buffer->ref);
     Write32(lock.data(), kStagingBufferSize - kStagingBookkeeping);
     Write32(lock.data() + 4, 0);

@@ -7,7 +7,7 @@
 // chunk's length stays. Stacks in the field have been through exactly these rules, so they stay.
 #include <cstring>
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
 #include "stack/RecordEmitter.h"

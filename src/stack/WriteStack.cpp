@@ -6,18 +6,18 @@
 
 #include <cstring>
 
+#include "base/ByteOrder.h"
+#include "messages/Alert.h"
+#include "messages/StackAlerts.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/Document.h"
 #include "stack/Normalise.h"
 #include "stack/PathSlot.h"
 #include "stack/RecordWriter.h"
-#include "stack/StackAlerts.h"
-#include "stack/StackFlows.h"
+#include "stack/StackFiles.h"
 #include "stack/StackHeader.h"
-#include "ui/Alert.h"
 
 namespace {
 
@@ -99,7 +99,7 @@ int32_t SaveThroughTemporary(const std::string& target, uint32_t store, const Sa
     uint32_t compacted = 0;
     if (result == 0) {
         compacted = OpenBlobStoreAt(temporary, sizes.newOffset, kHdrBlobCount, kHdrNextBlobId);
-        result = compacted ? MoveBlobArea(compacted, sizes.newOffset, buffer) : kFlowFailed;
+        result = compacted ? MoveBlobArea(compacted, sizes.newOffset, buffer) : kResultFailed;
         if (compacted) CloseBlobStore(compacted);
     }
     if (result == 0) result = RenameHostFile(temporary, target);
@@ -115,7 +115,7 @@ int32_t SaveInPlace(const std::string& target, uint32_t store, const SaveSizes& 
     const uint32_t oldOffset = recordsHere ? BlobAreaOffset(store) : 0;
     HostFile* out = nullptr;
     if (OpenHostFile(target, GetHostFileStatus(target).exists ? FileMode::ReadWrite : FileMode::Create, &out) != 0)
-        return kFlowNoMemory;
+        return kResultNoMemory;
     uint64_t length = 0;
     int32_t result = HostFileLength(out, &length);
     if (result == 0 && length < sizes.total) result = SetHostFileLength(out, sizes.total);
@@ -153,25 +153,25 @@ int32_t WriteStack(int slot, bool keepStoreOpen) {
     Document& doc = GetDocument();
     const std::string target = SlotHostPath(slot);
     if (target.empty()) {
-        ShowFileError(kFlowFailed);
-        return kFlowReported;
+        ShowFileError(kResultFailed);
+        return kResultReported;
     }
     Host& host = GetHost();
-    if (host.SetWaitCursor) host.SetWaitCursor(true);
+    host.SetWaitCursor(true);
     struct RestoreCursor {
         Host& host;
         ~RestoreCursor() {
-            if (host.SetWaitCursor) host.SetWaitCursor(false);
+            host.SetWaitCursor(false);
         }
     } restore{host};
 
     if (!FolderIsWritable(FolderOf(target))) {
         Alert(kAlertDiskLocked);
-        return kFlowReported;
+        return kResultReported;
     }
     // The emulated display has the stack's depth, so no card is converted for the save.
     StagingBuffer buffer;
-    if (NewStagingBuffer(&buffer, nullptr) != 0) return kFlowNoMemory;
+    if (NewStagingBuffer(&buffer, nullptr) != 0) return kResultNoMemory;
     struct FreeBuffer {
         StagingBuffer& buffer;
         ~FreeBuffer() { FreeStagingBuffer(&buffer); }
@@ -179,8 +179,8 @@ int32_t WriteStack(int slot, bool keepStoreOpen) {
 
     const HostFileStatus status = GetHostFileStatus(target);
     if (status.exists && status.readOnly) {
-        ShowFileError(kFlowReadOnly);
-        return kFlowReadOnly;
+        ShowFileError(kResultReadOnly);
+        return kResultReadOnly;
     }
     const uint32_t store = doc.storeRef;
     const SaveSizes sizes = MeasureSave(store);
@@ -189,7 +189,7 @@ int32_t WriteStack(int slot, bool keepStoreOpen) {
     if (free < 0) free = INT64_MAX / 2;  // unknown: the host can't tell, so assume room
     if (sizes.total > existing && free < static_cast<int64_t>(sizes.total - existing) + kFreeSpaceMargin) {
         Alert(kAlertDiskFull);
-        return kFlowReported;
+        return kResultReported;
     }
     CopySlot(slot, kSlotScratch);
     const bool useTemp = free > static_cast<int64_t>(sizes.total) + kFreeSpaceMargin;
@@ -199,7 +199,7 @@ int32_t WriteStack(int slot, bool keepStoreOpen) {
                                    : SaveInPlace(target, store, sizes, buffer, &storeMoved);
     if (result != 0) {
         ShowFileError(result);
-        return kFlowReported;
+        return kResultReported;
     }
     doc.dirty = false;
     doc.hasFile = true;
@@ -208,12 +208,12 @@ int32_t WriteStack(int slot, bool keepStoreOpen) {
         if (store) CloseBlobStore(store);
         doc.storeRef = OpenBlobStoreAt(target, sizes.newOffset, kHdrBlobCount, kHdrNextBlobId);
         if (!doc.storeRef) {
-            ShowFileError(kFlowFailed);
-            return kFlowReported;
+            ShowFileError(kResultFailed);
+            return kResultReported;
         }
         // A store on a file that already held deleted records is compacted now.
         MoveBlobArea(doc.storeRef, sizes.newOffset, buffer);
     }
     // The workspace record is attached here when the language arrives.
-    return kFlowOk;
+    return kResultOk;
 }

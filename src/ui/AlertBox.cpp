@@ -2,9 +2,9 @@
 
 #include <cctype>
 
-#include "host/WindowProc.h"
+#include "base/KeyCodes.h"
+#include "platform/AlertLayout.h"
 #include "ui/AlertDraw.h"
-#include "ui/AlertLayout.h"
 #include "ui/ModalLoop.h"
 
 namespace {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <string_view>
 
-#include "imaging/Draw.h"
-#include "imaging/ResourcePicture.h"
-#include "ui/Alert.h"
-#include "ui/AlertLayout.h"
+#include "gfx/Draw.h"
+#include "messages/Alert.h"
+#include "platform/AlertLayout.h"
+#include "pictures/ResourcePicture.h"
 
 namespace {
 

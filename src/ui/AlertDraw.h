@@ -6,8 +6,8 @@
 // sunk, a black and a grey ring round a flat face, its label one pixel down and to the right.
 #pragma once
 
-#include "imaging/Font.h"
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
+#include "text/Font.h"
 
 struct AlertLayout;
 

@@ -1,9 +1,9 @@
 #include "ui/JumpDialog.h"
 
-#include "host/WindowProc.h"
-#include "imaging/Draw.h"
-#include "imaging/Font.h"
-#include "stack/Navigation.h"
+#include "base/KeyCodes.h"
+#include "gfx/Draw.h"
+#include "player/Navigation.h"
+#include "text/Font.h"
 #include "ui/ModalLoop.h"
 
 namespace {

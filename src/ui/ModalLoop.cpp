@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "host/MainLoop.h"
-#include "imaging/OffscreenCard.h"
+#include "card/OffscreenCard.h"
+#include "subsystems/Subsystems.h"
 
 namespace {
 
 Surface* WindowSurface() {
     const Host& host = GetHost();
-    return host.GetWindowSurface ? host.GetWindowSurface() : nullptr;
+    return host.GetWindowSurface();
 }
 
 void Show(const ModalDialog& dialog) {
@@ -17,7 +17,7 @@ void Show(const ModalDialog& dialog) {
     if (!window) return;
     dialog.Draw(dialog.context, *window, dialog.box);
     const Host& host = GetHost();
-    if (host.Present) host.Present(dialog.box);
+    host.Present(dialog.box);
 }
 
 // What lay under the box, for a window that has no offscreen card to be rebuilt from.
@@ -44,7 +44,7 @@ void Restore(const Rect& area, const Surface& saved) {
         std::copy(saved.Row(y), saved.Row(y) + saved.width, window->Row(area.top + y) + area.left);
     }
     const Host& host = GetHost();
-    if (host.Present) host.Present(area);
+    host.Present(area);
 }
 
 }  // namespace
@@ -65,7 +65,7 @@ void RunModalDialog(const ModalDialog& dialog) {
     bool done = false;
     while (!done) {
         HostEvent event;
-        while (!done && host.PollEvent && host.PollEvent(&event)) {
+        while (!done && host.PollEvent(&event)) {
             if (event.kind == HostEventKind::Close) {
                 dialog.GiveUp(dialog.context);
                 done = true;
@@ -79,14 +79,14 @@ void RunModalDialog(const ModalDialog& dialog) {
         }
         if (done) break;
         bool ticked = false;
-        const uint32_t nextTick = ServeDueTick(&ticked);
+        const uint32_t nextTick = GetSubsystems().ServeDueTick(&ticked);
         // The timer work may have drawn over the box.
         if (ticked) Show(dialog);
-        if (host.InputExhausted && host.InputExhausted()) {
+        if (host.InputExhausted()) {
             dialog.GiveUp(dialog.context);
             break;
         }
-        if (host.WaitUntil) host.WaitUntil(nextTick);
+        host.WaitUntil(nextTick);
     }
     Restore(area, saved);
 }

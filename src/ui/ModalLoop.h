@@ -2,7 +2,7 @@
 // timer work keeps running under it, and the window is put back as it was when the dialog ends.
 #pragma once
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 #include "platform/Host.h"
 
 struct ModalDialog {

@@ -6,7 +6,7 @@
 
 #include "StackBuilder.h"
 #include "actions/ActionStack.h"
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 
 namespace {
 
@@ -42,7 +42,7 @@ TEST_F(ActionJsonTest, ActnRecordsFromTheirHead) {
               expected);
 
     // Opened, the first card's arrive action takes us on to the second.
-    SetNamedActionRunner(nullptr);
+    GetSubsystems().RunNamedAction = RunNamedAction;
     Open(WriteTempFile("built-actions.stk", stack));
     EXPECT_EQ(Current(), 2);
 }

@@ -20,7 +20,7 @@ protected:
         ResetMainLoop();
         gRoundsToGo = 0;
         gBusy = 0;
-        ActionServices& s = GetActionServices();
+        Subsystems& s = GetSubsystems();
         s.IsMovieDone = [](uint16_t) { return --gRoundsToGo <= 0; };
         s.IsNbaBusy = []() -> int32_t { return std::exchange(gBusy, 0); };
         s.StopAllAnimations = [] { Log("stop animations"); };
@@ -88,7 +88,7 @@ TEST_F(ActionMediaTest, OnlyAPressOrAKeyEndsTheWaitAndItStaysQueued) {
 
 // The press is offered even behind a key, and a controller that takes it keeps the wait going.
 TEST_F(ActionMediaTest, APressTakenByAMovieControllerDoesNotEndTheWait) {
-    GetActionServices().OfferMovieEvent = [](void*, const HostEvent* event) {
+    GetSubsystems().OfferMovieEvent = [](void*, const HostEvent* event) {
         Log(event && event->kind == HostEventKind::MouseDown ? "offer press" : "offer other");
         return true;
     };

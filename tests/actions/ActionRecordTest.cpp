@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 
 namespace {
 

@@ -49,7 +49,8 @@ TEST_F(GoToCardCodeTest, AnotherStackThroughItsReference) {
         {1, 6, "other.stk", "stop movies; stop sounds; stop movies; arrive 66"},
         {2, 5, "other.stk", "stop movies; stop sounds; stop movies; arrive 55"},  // -6: the first card
         {3, 5, "other.stk", "stop movies; stop sounds; stop movies; arrive 55"},  // a card it hasn't: the first card
-        {4, 4, "start.stk", "stop movies; stop sounds; stop movies"},  // not found (the dialog is cancelled): stay
+        // Not found (the dialog is cancelled): the card is drawn again, its sounds and movies stopped.
+        {4, 4, "start.stk", "stop movies; stop sounds; stop movies; stop sounds; stop movies"},
     };
     for (const auto& c : cases) {
         Open(home);

@@ -17,7 +17,7 @@ protected:
     void SetUp() override {
         ActionStackTest::SetUp();
         GetQuizState().clock = FixedTime;
-        GetActionServices().AskText = [](const std::string& label, std::string* text) {
+        GetSubsystems().AskText = [](const std::string& label, std::string* text) {
             Log("ask " + label);
             *text = "Ada Augusta King, Countess of Lovelace";
             return true;

@@ -4,9 +4,9 @@
 
 #include "actions/ActionQuery.h"
 #include "actions/ActionStack.h"
-#include "imaging/Palette.h"
-#include "imaging/TransitionSteps.h"
+#include "gfx/Palette.h"
 #include "stack/CardRecord.h"
+#include "transitions/TransitionSteps.h"
 
 namespace {
 
@@ -109,11 +109,11 @@ void DoMischief(Mischief m) {
 }
 
 TEST_F(RunActionTest, AfterTheNbaTheRecordAndTheButtonAfterTheScriptOnlyTheButton) {
-    GetActionServices().CallStackNba = [](uint16_t, int32_t, int32_t) {
+    GetSubsystems().CallStackNba = [](uint16_t, int32_t, int32_t) {
         DoMischief(gNba);
         return Log(GetActionState().inItemAction ? "nba in item" : "nba");
     };
-    GetActionServices().RunLogoText = [](void*, MemRef*) {
+    GetSubsystems().RunLogoText = [](void*, MemRef*) {
         DoMischief(gLogo);
         return Log("logo");
     };

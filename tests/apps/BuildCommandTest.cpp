@@ -16,7 +16,7 @@
 #include "Commands.h"
 #include "StackBuilder.h"
 #include "StackInfo.h"
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
 
 namespace {
 

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -15,10 +14,10 @@
 #include <vector>
 
 #include "Commands.h"
-#include "support/CommandFixture.h"
 #include "PngFile.h"
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 #include "platform/headless/HeadlessHost.h"
+#include "support/CommandFixture.h"
 
 namespace {
 

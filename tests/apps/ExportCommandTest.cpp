@@ -15,11 +15,11 @@
 #include <vector>
 
 #include "Commands.h"
-#include "imaging/Background.h"
-#include "imaging/DibImage.h"
-#include "imaging/JpegBackground.h"
-#include "imaging/PackedPixels.h"
-#include "imaging/PictureMaker.h"
+#include "gfx/DibImage.h"
+#include "pictures/Background.h"
+#include "pictures/JpegBackground.h"
+#include "pictures/PackedPixels.h"
+#include "support/PictureMaker.h"
 #include "support/StackBytes.h"
 
 namespace {

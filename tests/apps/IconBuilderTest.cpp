@@ -14,8 +14,8 @@
 
 #include "PngFile.h"
 #include "StackBuilder.h"
-#include "stack/ButtonDraw.h"
-#include "stack/ByteOrder.h"
+#include "base/ByteOrder.h"
+#include "card/ButtonDraw.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "host/ActionHooks.h"
+#include "card/DisplayList.h"
+#include "subsystems/Subsystems.h"
 #include "host/ButtonPress.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
-#include "imaging/DisplayList.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 #include "stack/CardRecord.h"
@@ -27,7 +27,7 @@ inline ActionRecorder& Recorder() {
 
 inline void StartRecordingActions() {
     Recorder() = ActionRecorder{};
-    ActionHooks& hooks = GetActionHooks();
+    Subsystems& hooks = GetSubsystems();
     hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t {
         Recorder().calls.push_back("item " + std::to_string(id));
         return 0;

@@ -20,7 +20,7 @@ protected:
     }
     void TearDown() override {
         ResetDisplayList();
-        ResetActionHooks();
+        ResetSubsystems();
     }
     static void Send(HostEventKind kind, int32_t x, int32_t y) {
         HandleWindowMessage(nullptr, MouseEvent(kind, x, y));

@@ -6,19 +6,19 @@
 
 #include <cstring>
 
+#include "base/ByteOrder.h"
+#include "card/OffscreenCard.h"
 #include "host/ActionRecorder.h"
 #include "host/Application.h"
 #include "host/ButtonPress.h"
 #include "host/MainLoop.h"
 #include "host/MenuTable.h"
-#include "imaging/OffscreenCard.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
+#include "player/StackFlows.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
-#include "stack/StackFlows.h"
 #include "stack/StackHeader.h"
 #include "support/StackBytes.h"
 
@@ -50,7 +50,7 @@ protected:
     }
     void TearDown() override {
         ResetDisplayList();
-        ResetActionHooks();
+        ResetSubsystems();
         Document& doc = GetDocument();
         doc.stackHeader = 0;
         doc.currentCard = 0;
@@ -245,7 +245,7 @@ protected:
             StoredStack(
                 spec, {StoredCard(11, "one"), StoredCard(12, "two"), StoredCard(13, "three")}, {}));
         SetSlotPath(kSlotStack, DosPathFromHost(path));
-        ASSERT_EQ(OpenStack(false), kFlowOk);
+        ASSERT_EQ(OpenStack(false), kResultOk);
         ASSERT_EQ(GetDocument().currentCardId, 11);
     }
     void TearDown() override {

@@ -2,7 +2,7 @@
 // by rectangle, and every present is recorded.
 #include <gtest/gtest.h>
 
-#include "imaging/Draw.h"
+#include "gfx/Draw.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/ByteOrder.h"
 #include "stack/PathSlot.h"
-#include "stack/ByteOrder.h"
 #include "support/StackBytes.h"
 
 namespace {

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/ByteOrder.h"
+#include "messages/Alert.h"
 #include "platform/headless/HeadlessHost.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
-#include "ui/Alert.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/ByteOrder.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/Names.h"

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "base/ByteOrder.h"
 #include "memory/MemRef.h"
 #include "platform/HostFile.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/Document.h"
 #include "stack/Normalise.h"
 #include "stack/PathSlot.h"

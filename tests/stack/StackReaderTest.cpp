@@ -4,8 +4,8 @@
 
 #include <cstring>
 
+#include "base/ByteOrder.h"
 #include "stack/Blob.h"
-#include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"

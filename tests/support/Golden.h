@@ -9,7 +9,7 @@
 
 #include <string>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 
 testing::AssertionResult MatchesGolden(const Surface& surface, const std::string& name);
 inline void ExpectMatchesGolden(const Surface& surface, const std::string& name) {

@@ -9,11 +9,11 @@
 #include <unistd.h>
 
 #include "host/Application.h"
+#include "messages/Alert.h"
 #include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
 #include "stack/Blob.h"
 #include "stack/Document.h"
-#include "ui/Alert.h"
 
 void PutBE16(Bytes& b, size_t at, uint16_t v) {
     b[at] = static_cast<uint8_t>(v >> 8);

@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 
 inline constexpr uint32_t kRed = 0xFF0000, kGreen = 0x00FF00, kBlue = 0x0000FF;
 

@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "imaging/Palette.h"
-#include "imaging/TransitionSteps.h"
+#include "gfx/Palette.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
+#include "transitions/TransitionSteps.h"
 
 class TransitionFixture : public testing::Test {
 protected:

@@ -3,14 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include "card/OffscreenCard.h"
+#include "gfx/Draw.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
-#include "imaging/Draw.h"
-#include "imaging/OffscreenCard.h"
+#include "messages/Alert.h"
+#include "platform/AlertLayout.h"
 #include "platform/headless/HeadlessHost.h"
-#include "ui/Alert.h"
 #include "ui/AlertDraw.h"
-#include "ui/AlertLayout.h"
 #include "ui/ModalLoop.h"
 
 namespace {

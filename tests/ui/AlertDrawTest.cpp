@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "messages/Alert.h"
+#include "platform/AlertLayout.h"
 #include "support/Golden.h"
-#include "ui/Alert.h"
-#include "ui/AlertLayout.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/AlertLayout.h"
 #include "ui/AlertBox.h"
-#include "ui/AlertLayout.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 #include "platform/Host.h"
 
 Host HeadlessHost();

@@ -3,7 +3,7 @@
 #include <map>
 #include <vector>
 
-#include "imaging/CursorPicture.h"
+#include "pictures/CursorPicture.h"
 #include "platform/sdl/SdlState.h"
 
 namespace {

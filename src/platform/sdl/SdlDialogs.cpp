@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "base/Windows1252.h"
+#include "platform/AlertLayout.h"
 #include "platform/sdl/SdlState.h"
-#include "text/Windows1252.h"
-#include "ui/AlertLayout.h"
 
 namespace {
 

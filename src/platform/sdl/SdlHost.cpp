@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/Windows1252.h"
 #include "platform/sdl/SdlState.h"
-#include "text/Windows1252.h"
 
 namespace {
 
@@ -221,6 +221,8 @@ Host SdlHost() {
     host.Present = SdlPresent;
     host.SetTitle = SdlSetTitle;
     host.SetCursor = SdlSetCursor;
+    // A person at the window can always give more input.
+    host.InputExhausted = [] { return false; };
     host.window = gState.window;
     return host;
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 #include "platform/Host.h"
 
 struct SdlHostOptions {

@@ -2,9 +2,9 @@
 // characters in Windows-1252.
 #include <string>
 
+#include "base/Windows1252.h"
 #include "platform/sdl/KeyNames.h"
 #include "platform/sdl/SdlState.h"
-#include "text/Windows1252.h"
 
 namespace {
 

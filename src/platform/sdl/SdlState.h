@@ -6,7 +6,7 @@
 
 #include <deque>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 #include "platform/Host.h"
 #include "platform/sdl/ViewLayout.h"
 

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "imaging/Surface.h"
+#include "gfx/Surface.h"
 
 struct ViewLayout {
     int32_t scale = 1;

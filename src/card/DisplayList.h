@@ -1,0 +1,109 @@
+// The DisplayList: one live record per item shown on the current card, in drawing order (later
+// records lie on top). Hit testing, hover, presses and drawing work on these records, never on the
+// stored chunks.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "gfx/BitMask.h"
+#include "gfx/Region.h"
+#include "gfx/Surface.h"
+#include "memory/MemRef.h"
+
+struct DisplayItem {
+    DisplayItem() = default;
+    ~DisplayItem();  // frees the MemRefs below
+    DisplayItem(const DisplayItem&) = delete;
+    DisplayItem& operator=(const DisplayItem&) = delete;
+
+    std::unique_ptr<DisplayItem> next;
+    int16_t type = 0;  // 16 graphic, 48 button, 96 text field
+    int16_t id = 0;
+    Region region;  // window coordinates; hit testing and the items' clip
+    bool hasRegion = false;
+    Rect rect;
+    uint16_t flags = 0;   // a copy of the chunk's itemFlags
+    bool hidden = false;  // set while an action hides the item: it isn't drawn
+    uint16_t cursorId = 0;
+
+    // Buttons.
+    int16_t shape = 0;
+    int16_t textColor = 0;  // 0-based palette indices
+    int16_t fillColor = 0;
+    bool showName = false;
+    bool hiliteOnPress = true;
+    bool showIcon = false;
+    MemRef icon = 0;  // private copy of the Icon record; 0 none
+    std::string name;
+
+    // Picture buttons (shapes 5-7) and transparent graphics: the hit mask, whose bit (0, 0) stands
+    // at rect's corner, and its inverse.
+    BitMask mask;
+    BitMask inverseMask;
+    bool hasMask = false;
+
+    // Graphics.
+    MemRef bitmap = 0;             // display DibImage
+    MemRef transparentBitmap = 0;  // display DibImage whose zero pixels are see-through; 0 none
+    BitMask outline;               // the inner rim of the transparent picture's shape
+    uint16_t frameColor = 0;       // 0-based
+    uint16_t frameWidth = 0;
+    int16_t actionId = 0;  // graphic and text field: the click's 'Actn' id
+
+    // Text fields: the text engine's document arrives with the text engine.
+};
+
+inline constexpr int32_t kMaxListPosition = 9999;
+
+DisplayItem* DisplayListHead();
+// Links `item` after `position` - 1 records from the head (position from 1 at the bottom), or at
+// the top for -1; the count is capped at 9,999. Rebuilds the items' clip.
+DisplayItem* InsertDisplayItem(std::unique_ptr<DisplayItem> item, int32_t position);
+DisplayItem* FindDisplayItem(int16_t type, int16_t id);
+void RemoveDisplayItem(DisplayItem* item);
+// Frees every record; the items' clip becomes the whole display again.
+void FreeDisplayList();
+// direction 'C' toward the head, 'F' toward the tail; with toEnd all the way.
+void MoveDisplayItem(DisplayItem* item, char direction, bool toEnd);
+int32_t DisplayListLength();
+
+// Whether the browse tool is in use; until the authoring tools arrive it always is.
+bool IsBrowsing();
+// The topmost record hit at (x, y); with buttonsOnly only records with the hover flag (0x80).
+// `ignore` is passed over. Null outside browsing, and when nothing is hit.
+DisplayItem* FindItemAt(int32_t x, int32_t y, bool buttonsOnly, const DisplayItem* ignore);
+// Whether (x, y) is in the item by its kind: mask, rectangle or region.
+bool ItemContainsPoint(const DisplayItem& item, int32_t x, int32_t y);
+
+// The display less the shapes of every record with a region.
+void CreateClipRegion();
+const Region& GetItemsClip();
+// The items' clip as the whole display.
+void FreeItemsClip();
+// A mask of screen size, clear, with every item's shape set: graphics and picture buttons by
+// exclusive-or of their mask, other buttons by their region, text fields as rectangles.
+BitMask MakeItemsMask();
+
+// Live records for stored chunks: the native chunk at `offset` of `card`. `position` as for
+// InsertDisplayItem. Each rebuilds the items' clip; null when the chunk can't be read, and the item
+// is then neither drawn nor hit.
+DisplayItem* AddGraphicNode(MemRef card, uint32_t offset, int32_t position);
+DisplayItem* AddButtonNode(MemRef card, uint32_t offset, int32_t position);
+DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position);
+
+// Draws a graphic record into `target`: stretched to its rectangle with a frame, or through its
+// shape with the rim in the frame colour. `colors`: the 256 colours of the palette in use.
+void DrawGraphicNode(Surface& target, const Clip& clip, const DisplayItem& item,
+                     const uint32_t* colors);
+
+// A mask of the picture's size in which the inner rim of its shape, `width` pixels deep, is set;
+// a pixel is of the shape when it isn't zero (an index, a 16-bit word, or a colour). Empty for an
+// image that isn't one.
+BitMask MakeOutlineMask(MemRef dib, int32_t width);
+// The picture's shape: its non-zero pixels set.
+BitMask MakeShapeMask(MemRef dib);
+
+// Module state, for tests and for the card's life.
+void ResetDisplayList();

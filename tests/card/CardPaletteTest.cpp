@@ -1,0 +1,270 @@
+// The palettes of cards: which card has which, re-indexing a card and the cards that share its
+// picture, the palette side of a change of card, and the fixture stack's colours.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "card/CardPalette.h"
+#include "gfx/ColorTable.h"
+#include "pictures/Background.h"
+#include "pictures/PackedPixels.h"
+#include "stack/CardRecord.h"
+#include "stack/Document.h"
+#include "stack/PathSlot.h"
+#include "stack/StackReader.h"
+#include "support/PictureMaker.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+using Rgb = std::array<uint8_t, 3>;
+
+Rgb RgbOf(const PaletteEntry& e) { return {e.red, e.green, e.blue}; }
+
+MemRef BlockOf(const Bytes& bytes) {
+    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
+    MemRefLock lock(ref);
+    std::copy(bytes.begin(), bytes.end(), lock.data());
+    return ref;
+}
+
+// Format 2 image data of a one-colour picture.
+MemRef PlainPicture(int32_t width, int32_t height) {
+    const MemRef image = MakePicture(width, height, 8, Fill::Single, 1);
+    const MemRef data = CompressBackground(image, false);
+    FreeMemRef(image);
+    return data;
+}
+
+MemRef TableOf(const std::vector<PaletteEntry>& colors) {
+    Bytes table(ColorTableSize(static_cast<uint32_t>(colors.size())));
+    WriteColorTable(table.data(), colors.data(), static_cast<uint32_t>(colors.size()), 0);
+    return BlockOf(table);
+}
+
+// A button head behind the common head: the action flags, the two colours, nothing else.
+Bytes ButtonRest(uint16_t actionFlags, uint16_t textColor, uint16_t fillColor) {
+    Bytes rest(kButtonHeadSize - 16, 0);
+    PutBE16(rest, 20 - 16, actionFlags);
+    PutBE16(rest, kButtonTextColor - 16, textColor);
+    PutBE16(rest, kButtonFillColor - 16, fillColor);
+    return rest;
+}
+
+// A 4 by 2 graphic of 8-bit pixels, run-packed: rows 0 1 2 3 and 3 2 1 0 on 16-byte stored rows.
+Bytes GraphicRest() {
+    const Bytes runs = {3, 0, 1, 2, 3, 0xF5, 0, 3, 3, 2, 1, 0, 0xF5, 0};
+    Bytes rest(kGraphicHeadSize - 16, 0);
+    PutBE32(rest, kGraphicPictureSize - 16, static_cast<uint32_t>(8 + runs.size()));
+    Append(rest, {0, 4, 0, 2, 0, 0, 0, 0});
+    Append(rest, runs);
+    return rest;
+}
+
+struct ItemView {
+    uint32_t at;
+    int16_t kind;
+    uint16_t flags;
+};
+
+std::vector<ItemView> Items(MemRef card) {
+    MemRefLock lock(card);
+    const uint8_t* c = lock.data();
+    std::vector<ItemView> items;
+    for (uint32_t at = ItemChainStart(c); ReadS16(c + at) != 0; at += Read32(c + at + kItemLength)) {
+        items.push_back({at, ReadS16(c + at), Read16(c + at + kItemFlags)});
+    }
+    return items;
+}
+
+uint16_t Field(MemRef card, uint32_t at) {
+    MemRefLock lock(card);
+    return Read16(lock.data() + at);
+}
+
+std::vector<uint32_t> gSpriteCalls;
+int32_t RecordSprite(MemRef, uint32_t itemOffset, const Palette&, const Palette&) {
+    gSpriteCalls.push_back(itemOffset);
+    return 0;
+}
+
+class PaletteCards : public testing::Test {
+protected:
+    void SetUp() override {
+        InitPathSlots();
+        ResetPaletteState();
+    }
+    void TearDown() override {
+        CloseStack();
+        ResetPaletteState();
+    }
+    void Open(const std::string& path) {
+        LoadFault fault;
+        ASSERT_EQ(ReadStackFile(path, &fault), 0) << fault.detail;
+    }
+    void OpenFixture() { Open(std::string(QB_FIXTURES_DIR) + "/sample-cards.stk"); }
+};
+
+TEST_F(PaletteCards, FixturePixelsComeOutThroughTheCardPalette) {
+    OpenFixture();
+    struct Case {
+        int32_t x, y;
+        Rgb rgb;
+    };
+    const Case cases[] = {{5, 5, {77, 51, 117}}, {10, 70, {88, 168, 24}}, {30, 70, {228, 28, 4}}, {5, 470, {34, 222, 178}}};
+    for (int32_t position : {1, 2}) {  // the picture card and the card that shares its picture
+        const MemRef card = GetCardByPosition(position);
+        MemRef image = 0;
+        ASSERT_EQ(GetCardBackground(card, &image, 8, true, false), 0);
+        const PaletteRef palette = GetCardPalette(card);
+        ASSERT_TRUE(palette);
+        EXPECT_EQ(palette->count, 256u);
+        const Bytes pixels = TakeBytes(image);
+        for (const Case& c : cases) {
+            const uint32_t index = GetPixel(pixels.data(), c.x, 479 - c.y);  // display rows run bottom-up
+            EXPECT_EQ(RgbOf(palette->entries[index]), c.rgb) << "card " << position << " at " << c.x << "," << c.y;
+        }
+    }
+}
+
+TEST_F(PaletteCards, APaletteComesFromThePictureOwnersColorTable) {
+    OpenFixture();
+    const MemRef bare = NewCardMemRef(kEmptyCardSize - 2), noTable = NewCardMemRef(kEmptyCardSize - 2);
+    {
+        MemRefLock lock(bare);
+        Write16(lock.data() + kCardKind, kCardKindPicture);  // kind 1, but 100 bytes: no picture
+    }
+    const MemRef data = PlainPicture(16, 2);
+    ASSERT_EQ(StoreBackground(noTable, data, 0, 8), 0);
+    struct Case {
+        const char* name;
+        MemRef card;
+        bool has;
+    };
+    const Case cases[] = {
+        {"the picture card", GetCardByPosition(1), true}, {"a card sharing its picture", GetCardByPosition(2), true},
+        {"a blank card", GetCardByPosition(3), false},    {"no card", 0, false},
+        {"a record of 100 bytes", bare, false},          {"a picture without a table", noTable, false},
+    };
+    for (const Case& c : cases) {
+        const PaletteRef palette = GetCardPalette(c.card);
+        EXPECT_EQ(palette != nullptr, c.has) << c.name;
+        if (!palette) continue;
+        // White first, black last, as the stack's home platform has it; the entries above 9 are
+        // kept apart from the system's colours.
+        EXPECT_EQ(RgbOf(palette->entries[0]), (Rgb{255, 255, 255})) << c.name;
+        EXPECT_EQ(RgbOf(palette->entries[255]), (Rgb{0, 0, 0})) << c.name;
+        EXPECT_EQ((std::array{palette->entries[9].flags, palette->entries[10].flags}), (std::array<uint8_t, 2>{0, kPaletteNoCollapse}));
+    }
+    for (MemRef r : {bare, noTable, data}) FreeMemRef(r);
+}
+
+TEST_F(PaletteCards, ChangingCardsKeepsWhiteFirstPalettesAndNotesTheColours) {
+    OpenFixture();
+    ASSERT_EQ(DisplayDepth(), 8);
+    ASSERT_EQ(InitPalette(), 0);
+    const MemRef cover = GetCardByPosition(1);
+    const Bytes before = BlockBytes(cover);
+    const PaletteState& state = GetPaletteState();
+
+    PrepareIncomingPalette(cover);
+    ASSERT_TRUE(state.incoming);
+    EXPECT_EQ(PaletteInUse(), state.incoming.get()) << "the card is drawn with its own palette";
+    EXPECT_EQ(RgbOf(state.oldColors[1]), (Rgb{0xFC, 0xF3, 0x05})) << "the default's yellow";
+    EXPECT_EQ(RgbOf(state.newColors[1]), (Rgb{0x25, 0x5B, 0x0D})) << "the card's second colour";
+    AdoptIncomingPalette();
+    ASSERT_TRUE(state.current);
+    EXPECT_FALSE(state.incoming);
+    PaletteEntry shown[256];
+    GetSystemPaletteEntries(shown);
+    EXPECT_EQ((std::array{RgbOf(state.current->entries[0]), RgbOf(shown[0]), RgbOf(shown[1]), RgbOf(shown[255])}),
+              (std::array{Rgb{255, 255, 255}, Rgb{255, 255, 255}, Rgb{0x25, 0x5B, 0x0D}, Rgb{0, 0, 0}}))
+        << "the 8-bit display realises the card's palette as it is";
+    EXPECT_EQ(BlockBytes(cover), before) << "nothing of the card is re-indexed";
+    EXPECT_FALSE(GetDocument().dirty);
+
+    // To the card that shares the picture: the same colours before and after.
+    PrepareIncomingPalette(GetCardByPosition(2));
+    AdoptIncomingPalette();
+    EXPECT_EQ(RgbOf(state.oldColors[1]), RgbOf(state.newColors[1]));
+    EXPECT_EQ(RgbOf(state.oldColors[200]), RgbOf(state.newColors[200]));
+
+    // A blank card draws with the palette in force, which stays.
+    const Palette* kept = state.current.get();
+    PrepareIncomingPalette(GetCardByPosition(3));
+    EXPECT_FALSE(state.incoming);
+    EXPECT_EQ(PaletteInUse(), kept);
+    AdoptIncomingPalette();
+    EXPECT_EQ(state.current.get(), kept);
+    EXPECT_EQ(RgbOf(state.newColors[1]), (Rgb{0x25, 0x5B, 0x0D}));
+}
+
+TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPicture) {
+    // Card 5: a button, a graphic, a button; card 6 shares card 5's picture and has a button.
+    const Bytes graphic = StoredItem(kItemKindGraphic, 11, 10, 10, 14, 12, GraphicRest());
+    const Bytes first = StoredItem(kItemKindButton, 10, 0, 0, 40, 20, ButtonRest(0, 2, 0));
+    const Bytes last = StoredItem(kItemKindButton, 12, 0, 30, 40, 50, ButtonRest(0x80, 3, 300));
+    const Bytes member = StoredItem(kItemKindButton, 13, 0, 0, 40, 20, ButtonRest(0, 2, 1));
+    HeaderSpec header;
+    header.cardCount = 3;
+    Open(WriteTempFile("replace-palette.stk",
+                       StoredStack(header, {StoredCard(5, "Owner", {first, graphic, last}), StoredCard(6, "Member", {member}, 3, 5),
+                                            StoredCard(7, "Other", {member})},
+                                   {})));
+    const MemRef owner = GetCardByPosition(1), shares = GetCardByPosition(2), other = GetCardByPosition(3);
+    // The owner's picture and its palette: white, red, blue, green, then black.
+    std::vector<PaletteEntry> oldColors(256);
+    oldColors[0] = {255, 255, 255, 0};
+    oldColors[1] = {200, 0, 0, 0};
+    oldColors[2] = {0, 0, 200, 0};
+    oldColors[3] = {0, 200, 0, 0};
+    const MemRef table = TableOf(oldColors), data = PlainPicture(640, 480);
+    ASSERT_EQ(StoreBackground(owner, data, table, 8), 0);
+    for (MemRef r : {table, data}) FreeMemRef(r);
+    ASSERT_EQ(Items(owner).size(), 3u);
+
+    PaletteRef palette = NewPalette(5);
+    palette->entries[0] = {0, 0, 0, 0};
+    palette->entries[1] = {0, 0, 255, 0};
+    palette->entries[2] = {255, 0, 0, 0};
+    palette->entries[3] = {255, 255, 255, 0};
+    palette->entries[4] = {0, 255, 0, 0};
+    GetPaletteState().remapButtonSprite = RecordSprite;
+    gSpriteCalls.clear();
+    const Bytes otherBefore = BlockBytes(other);
+    ASSERT_EQ(ReplaceCardPalette(owner, *palette), 0);
+
+    // Colour fields hold an index + 1: red 2 -> 3, blue 3 -> 2, white 1 -> 4; 0 and 300 name no
+    // colour of the old palette and stay.
+    const std::vector<ItemView> items = Items(owner);
+    ASSERT_EQ(items.size(), 3u);
+    EXPECT_EQ((std::array{Field(owner, items[0].at + kButtonTextColor), Field(owner, items[0].at + kButtonFillColor),
+                          Field(owner, items[2].at + kButtonTextColor), Field(owner, items[2].at + kButtonFillColor)}),
+              (std::array<uint16_t, 4>{3, 0, 2, 300}));
+    const std::vector<ItemView> memberItems = Items(shares);
+    ASSERT_EQ(memberItems.size(), 1u);
+    EXPECT_EQ((std::array{Field(shares, memberItems[0].at + kButtonTextColor), Field(shares, memberItems[0].at + kButtonFillColor)}),
+              (std::array<uint16_t, 2>{3, 4}));
+    EXPECT_EQ(BlockBytes(other), otherBefore) << "a card that does not share the picture";
+    EXPECT_EQ(gSpriteCalls, (std::vector<uint32_t>{items[2].at})) << "the sprite of the button whose action has one";
+
+    // The graphic's pixels are re-indexed (white 3, red 2, blue 1, green 4) and packed by rows.
+    EXPECT_TRUE(items[1].flags & kGraphicFlagRowPacked);
+    EXPECT_FALSE(items[1].flags & kItemFlagOddPad);
+    const Bytes record = BlockBytes(owner);
+    const uint8_t* g = record.data() + items[1].at;
+    const uint32_t pictureSize = Read32(g + kGraphicPictureSize);
+    EXPECT_EQ(Read32(g + kItemLength), kGraphicHeadSize + pictureSize);
+    EXPECT_EQ((std::array{Read16(g + kGraphicHeadSize), Read16(g + kGraphicHeadSize + 2)}), (std::array<uint16_t, 2>{4, 2}));
+    const MemRef image = NewDibImage(4, 2, 8);
+    ASSERT_EQ(DecodeGraphicPixels(image, items[1].flags, g + kGraphicHeadSize + 8, pictureSize - 8), 0);
+    const Bytes pixels = TakeBytes(image);
+    const uint8_t* px = DibPixels(pixels.data());
+    EXPECT_EQ(Bytes(px, px + 8), (Bytes{3, 2, 1, 4, 4, 1, 2, 3}));
+    EXPECT_EQ(Read32(record.data() + kCardSize), record.size());
+    EXPECT_EQ(Bytes(record.end() - 4, record.end()), (Bytes{0, 0, 0xFA, 0xCE})) << "the tail follows the items";
+}
+
+}  // namespace

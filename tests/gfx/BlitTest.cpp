@@ -1,0 +1,306 @@
+// Blits: overlapping copies, raster operations, masked copies and their polarity, stretching, and
+// pictures of every depth drawn through a palette.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "base/ByteOrder.h"
+#include "gfx/Blit.h"
+#include "gfx/DibImage.h"
+#include "gfx/DisplayDepth.h"
+#include "support/SurfaceArt.h"
+#if QB_GOLDEN_TESTS
+#include "support/Golden.h"
+#endif
+
+namespace {
+
+// A surface whose every pixel differs: 0xTTYYXX for tag T.
+Surface Numbered(int32_t w, int32_t h, uint32_t tag = 0) {
+    Surface s(w, h);
+    for (size_t i = 0; i < s.pixels.size(); ++i) {
+        s.pixels[i] = tag << 16 | static_cast<uint32_t>(i / static_cast<size_t>(w)) << 8 |
+                      static_cast<uint32_t>(i % static_cast<size_t>(w));
+    }
+    return s;
+}
+
+// Against a copy from a separate source: every offset, with and without a clip region, and a
+// source rectangle reaching past the source.
+TEST(Blit, CopyWithinOneSurfaceIsSafeEveryWay) {
+    const Region band = UnionRegions(Region({0, 0, 12, 3}), Region({0, 6, 12, 10}));
+    for (int32_t dy = -3; dy <= 3; ++dy) {
+        for (int32_t dx = -3; dx <= 3; ++dx) {
+            for (const Region* region : {static_cast<const Region*>(nullptr), &band}) {
+                Surface s = Numbered(12, 10), expected = s;
+                const Surface source = s;
+                const Rect from{2 - dx, 2, 14 - dx, 8};
+                CopyRect(expected, Clip(expected.Bounds(), region), 2 + dx, 2 + dy, source, from);
+                CopyRect(s, Clip(s.Bounds(), region), 2 + dx, 2 + dy, s, from);
+                ASSERT_EQ(s.pixels, expected.pixels)
+                    << dx << "," << dy << (region ? " with region" : "");
+            }
+        }
+    }
+    Surface dst(5, 4);
+    CopyRect(dst, Rect{0, 0, 5, 3}, 3, 1, FromArt({"##", "##"}), {-1, 0, 5, 5});
+    EXPECT_EQ(Art(dst), Art({".....", "....#", "....#", "....."}));
+    CopyRect(dst, dst.Bounds(), INT32_MAX, 0, FromArt({"##"}), {INT32_MIN, 0, 2, 1});  // too far
+    StretchCopy(dst, dst.Bounds(), {INT32_MIN, 0, 3, 1}, FromArt({"##"}), {0, 0, 2, 1});
+    EXPECT_EQ(Art(dst), Art({".....", "....#", "....#", "....."}));
+}
+
+TEST(Blit, RasterOperations) {
+    const uint32_t d = 0x0F33CC, s = 0x5555F0;
+    const std::pair<Rop, uint32_t> cases[] = {
+        {Rop::SrcCopy, s},
+        {Rop::NotSrcCopy, 0xAAAA0F},
+        {Rop::SrcAnd, 0x0511C0},
+        {Rop::SrcPaint, 0x5F77FC},
+        {Rop::SrcInvert, 0x5A663C},
+        {Rop::SrcErase, 0x504430},
+        {Rop::NotSrcErase, 0xA08803},
+        {Rop::MergePaint, 0xAFBBCF},
+        {Rop::DstInvert, 0xF0CC33},
+    };
+    for (const auto& [rop, result] : cases) {
+        Surface dst(3, 1, d);
+        BlitRop(dst, dst.Bounds(), 1, 0, Surface(3, 1, s), {0, 0, 3, 1}, rop);
+        EXPECT_EQ(dst.pixels, (std::vector<uint32_t>{d, result, result})) << static_cast<int>(rop);
+        EXPECT_EQ(ApplyRop(rop, d, s), result);
+    }
+}
+
+// A mask from rows of '1' and '0', standing at (left, top).
+BitMask MaskOf(int32_t left, int32_t top, std::initializer_list<const char*> rows) {
+    BitMask mask(static_cast<int32_t>(std::string(*rows.begin()).size()),
+                 static_cast<int32_t>(rows.size()));
+    mask.left = left;
+    mask.top = top;
+    int32_t y = 0;
+    for (const char* row : rows) {
+        for (int32_t x = 0; row[x]; ++x) mask.Set(x, y, row[x] == '1');
+        ++y;
+    }
+    return mask;
+}
+
+TEST(Blit, MaskedCopyTakesTheSourceWhereBitsAreSet) {
+    const BitMask mask = MaskOf(1, 0, {"1001", "0110", "1111"});
+    const std::tuple<int32_t, int32_t, Rect, std::string> cases[] = {
+        {0, 0, {0, 0, 6, 3}, Art({".#..#.", "..##..", ".####."})},  // outside the mask stays
+        {2, 1, {0, 0, 6, 3}, Art({"......", "..##..", "..###."})},  // the source covers part of it
+        {0, 0, {0, 1, 3, 3}, Art({"......", "..#...", ".##..."})},
+    };
+    for (const auto& [x, y, clip, art] : cases) {
+        Surface dst(6, 3);
+        MaskedCopy(dst, clip, x, y, Surface(6, 3, kBlack), {0, 0, 6, 3}, mask);
+        EXPECT_EQ(Art(dst), art) << x << "," << y;
+    }
+    // Every alignment and run length, bit by bit, from another surface and overlapping itself.
+    BitMask wide(61, 3);
+    for (int32_t x = 0; x < 61; ++x) wide.Set(x, 1, x % 3 == 0 || (x > 16 && x < 33));
+    wide.left = 3;
+    for (int32_t shift = 0; shift < 9; ++shift) {
+        Surface dst = Numbered(70, 3), same = dst;
+        const Surface before = dst, other = Numbered(70, 3, 7);
+        MaskedCopy(dst, dst.Bounds(), shift, 0, other, {0, 0, 70, 3}, wide);
+        MaskedCopy(same, same.Bounds(), shift, 0, same, {0, 0, 70, 3}, wide);
+        for (int32_t x = 0; x < 70; ++x) {
+            const bool set = wide.Contains(x, 1) && x >= shift;
+            ASSERT_EQ(dst.Row(1)[x], set ? other.Row(1)[x - shift] : before.Row(1)[x])
+                << shift << ":" << x;
+            ASSERT_EQ(same.Row(1)[x], set ? before.Row(1)[x - shift] : before.Row(1)[x])
+                << shift << ":" << x;
+        }
+    }
+}
+
+TEST(Blit, MaskAsAPictureOfTwoColours) {
+    const BitMask mask = MaskOf(1, 1, {"110", "011"});
+    Surface s = FromArt({"rrrr", "rrrr", "rrrr"});
+    const Surface before = s;
+    BlitMask(s, s.Bounds(), mask, kWhite, kBlack, Rop::SrcInvert);  // a picture button's hilite
+    EXPECT_EQ(s.Row(1)[1], 0x00FFFFu);
+    EXPECT_EQ(Art(s), Art({"rrrr", "r??r", "rr??"}));
+    BlitMask(s, s.Bounds(), mask, kWhite, kBlack, Rop::SrcInvert);
+    EXPECT_EQ(s.pixels, before.pixels);
+    BlitMask(s, s.Bounds(), mask, kBlack, kWhite, Rop::SrcAnd);  // paints the set bits
+    EXPECT_EQ(Art(s), Art({"rrrr", "r##r", "rr##"}));
+    BlitMask(s, Rect{0, 0, 4, 2}, mask, kGreen, kBlue, Rop::SrcCopy);
+    FillMask(s, s.Bounds(), mask, kWhite);
+    EXPECT_EQ(Art(s), Art({"rrrr", "r..b", "rr.."}));
+}
+
+TEST(Blit, StretchTakesThePixelUnderEachCentre) {
+    const Surface src = FromArt({"#r.", "gb#"});
+    const std::tuple<Rect, Rect, std::string> cases[] = {
+        {{0, 0, 6, 4}, {0, 0, 3, 2}, Art({"##rr..", "##rr..", "ggbb##", "ggbb##"})},
+        {{0, 0, 3, 1}, {0, 0, 3, 2}, Art({"gb#", "...", "...", "..."})},
+        {{1, 1, 3, 2}, {0, 0, 3, 2}, Art({"......", ".g#...", "......", "......"})},
+        {{0, 0, 5, 2}, {0, 0, 3, 2}, Art({"##r..", "ggb##", ".....", "....."})},
+        {{-2, 0, 4, 4}, {0, 0, 3, 2}, Art({"rr..", "rr..", "bb##", "bb##"})},
+        {{0, 0, 3, 2}, {1, 0, 4, 2}, Art({"...", "...", "...", "..."})},  // not inside the source
+    };
+    for (const auto& [to, from, art] : cases) {
+        Surface dst(static_cast<int32_t>(art.find('\n')), 4);
+        StretchCopy(dst, dst.Bounds(), to, src, from);
+        EXPECT_EQ(Art(dst), art) << to.right << "x" << to.bottom;
+    }
+}
+
+// A display image from top-down rows of pixel values, and a colour table.
+MemRef NewDib(int32_t depth, const std::vector<std::vector<uint32_t>>& rows,
+              const std::vector<uint32_t>& table = {}) {
+    const int32_t width = static_cast<int32_t>(rows[0].size()),
+                  height = static_cast<int32_t>(rows.size());
+    const MemRef image = NewDibImage(width, height, depth);
+    MemRefLock lock(image);
+    uint8_t* dib = lock.data();
+    for (size_t i = 0; i < table.size(); ++i) Write32(DibColors(dib) + i * kDibColorSize, table[i]);
+    for (int32_t y = 0; y < height; ++y) {
+        uint8_t* line =
+            DibPixels(dib) + DibImageRowBytes(dib) * static_cast<uint32_t>(height - 1 - y);
+        for (int32_t x = 0; x < width; ++x) {
+            const uint32_t v = rows[static_cast<size_t>(y)][static_cast<size_t>(x)];
+            if (depth == 1) line[x / 8] |= static_cast<uint8_t>(v << (7 - x % 8));
+            if (depth == 4) line[x / 2] |= static_cast<uint8_t>(v << (x % 2 ? 0 : 4));
+            if (depth == 8) line[x] = static_cast<uint8_t>(v);
+            if (depth == 16) Write16(line + 2 * x, static_cast<uint16_t>(v));
+            if (depth == 24)
+                for (int k = 0; k < 3; ++k) line[3 * x + k] = static_cast<uint8_t>(v >> 8 * k);
+            if (depth == 32) Write32(line + 4 * x, v);
+        }
+    }
+    return image;
+}
+
+// A picture made for a test, locked while it lives and freed after.
+struct Picture {
+    struct Owner {
+        MemRef ref;
+        ~Owner() { FreeMemRef(ref); }
+    } owner;
+    MemRefLock lock{owner.ref};
+    uint8_t* dib() const { return lock.data(); }
+};
+
+TEST(Blit, PicturesOfEveryDepth) {
+    // The card's palette: index i is (i % 16) * 0x111111, and 200 is red.
+    std::vector<uint32_t> palette(256);
+    for (uint32_t i = 0; i < 256; ++i) palette[i] = (i & 15) * 0x111111;
+    palette[200] = kRed;
+    const uint32_t g1 = 0x111111;
+    const std::tuple<int32_t, std::vector<std::vector<uint32_t>>, std::vector<uint32_t>> cases[] = {
+        {1,
+         {{1, 0, 1, 1, 0, 0, 0, 0, 1}, {0, 1, 0, 0, 1, 1, 1, 1, 0}},
+         {g1, 0, g1, g1, 0, 0, 0, 0, g1, 0, g1, 0, 0, g1, g1, g1, g1, 0}},
+        {4,
+         {{15, 0, 3, 4, 5}, {1, 2, 14, 12, 11}},
+         {kWhite, kBlack, 0x333333, 0x444444, 0x555555, g1, 0x222222, 0xEEEEEE, 0xCCCCCC,
+          0xBBBBBB}},
+        {8, {{200, 15, 0}, {1, 2, 3}}, {kRed, kWhite, kBlack, g1, 0x222222, 0x333333}},
+        {16,
+         {{0x7FFF, 0x7C00, 0x03E0}, {0x001F, 0x0000, 0x4210}},
+         {kWhite, kRed, kGreen, kBlue, kBlack, 0x848484}},
+        {24,
+         {{0x123456, 0xFEDCBA}, {0x000001, 0x800000}},
+         {0x123456, 0xFEDCBA, 0x000001, 0x800000}},
+        {32,
+         {{0x123456, 0xAAFEDCBA}, {0x000001, 0x800000}},
+         {0x123456, 0xFEDCBA, 0x000001, 0x800000}},
+    };
+    for (const auto& [depth, rows, expected] : cases) {
+        const int32_t width = static_cast<int32_t>(rows[0].size());
+        const Picture picture{{NewDib(depth, rows)}};
+        // At (1, 1) of a surface one pixel larger all round, whose border must stay white; and
+        // stretched to twice its size.
+        Surface s(width + 2, 4), twice(2 * width, 4);
+        ASSERT_EQ(DrawDib(s, s.Bounds(), 1, 1, picture.dib(), palette.data()), 0);
+        ASSERT_EQ(StretchDib(twice, twice.Bounds(), twice.Bounds(), picture.dib(), {0, 0, width, 2},
+                             palette.data()),
+                  0);
+        for (int32_t y = 0; y < 4; ++y) {
+            for (int32_t x = 0; x < width + 2; ++x) {
+                const bool inside = x >= 1 && x <= width && y >= 1 && y <= 2;
+                EXPECT_EQ(s.Row(y)[x],
+                          inside ? expected[static_cast<size_t>((y - 1) * width + x - 1)] : kWhite)
+                    << depth << "-bit at " << x << "," << y;
+            }
+            for (int32_t x = 0; x < 2 * width; ++x) {
+                EXPECT_EQ(twice.Row(y)[x], expected[static_cast<size_t>(y / 2 * width + x / 2)])
+                    << depth << "-bit stretched at " << x << "," << y;
+            }
+        }
+        // Its bottom row alone, cut by the clip.
+        Surface part(3, 2);
+        ASSERT_EQ(DrawDibPart(part, Rect{1, 0, 3, 2}, 0, 0, picture.dib(), {0, 1, width, 2},
+                              palette.data()),
+                  0);
+        EXPECT_EQ(part.Row(0)[0], kWhite) << depth;
+        EXPECT_EQ(part.Row(0)[1], expected[static_cast<size_t>(width + 1)]) << depth;
+        EXPECT_EQ(Art(part).substr(4), "...\n") << depth;
+    }
+
+    // Without a palette the picture's own colours; a raster operation; a header that can not be
+    // drawn from draws nothing.
+    const Picture own{{NewDib(4, {{0, 1, 2}}, {kRed, kGreen, kBlue})}};
+    Surface s(3, 1);
+    ASSERT_EQ(DrawDib(s, s.Bounds(), 0, 0, own.dib(), nullptr), 0);
+    EXPECT_EQ(Art(s), Art({"rgb"}));
+    ASSERT_EQ(DrawDib(s, s.Bounds(), 0, 0, own.dib(), nullptr, Rop::NotSrcCopy), 0);
+    EXPECT_EQ(s.pixels, (std::vector<uint32_t>{0x00FFFF, 0xFF00FF, 0xFFFF00}));
+    Write16(own.dib() + kDibBitCount, 7);
+    EXPECT_EQ(DrawDib(s, s.Bounds(), 0, 0, own.dib(), nullptr), -1);
+    EXPECT_EQ(s.pixels, (std::vector<uint32_t>{0x00FFFF, 0xFF00FF, 0xFFFF00}));
+}
+
+TEST(DisplayDepth, SixteenBitsKeepFiveBitsAChannel) {
+    const std::pair<uint32_t, uint32_t> cases[] = {{kWhite, kWhite},
+                                                   {kBlack, kBlack},
+                                                   {0x123456, 0x103152},
+                                                   {0x07F808, 0x00FF08},
+                                                   {0x808080, 0x848484}};
+    for (const auto& [in, at16] : cases) {
+        for (int32_t depth : {8, 16, 32}) {
+            Surface s(2, 1, in);
+            QuantizeToDepth(s, {1, 0, 5, 5}, depth);
+            EXPECT_EQ(s.pixels, (std::vector<uint32_t>{in, depth == 16 ? at16 : in}))
+                << std::hex << in << " at " << depth;
+        }
+        EXPECT_EQ(Rgb555ToRgb(RgbToRgb555(in)), at16);
+    }
+}
+
+#if QB_GOLDEN_TESTS
+// An 8-bit picture through a palette: plain, stretched, through an elliptical mask, and that
+// masked picture hilited. Look at tests/golden/blit-pictures.png after a change.
+TEST(Blit, PicturesGolden) {
+    std::vector<uint32_t> palette(256);
+    for (uint32_t i = 0; i < 256; ++i)
+        palette[i] = Rgb(static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i),
+                         static_cast<uint8_t>(i * 4));
+    std::vector<std::vector<uint32_t>> rows(30, std::vector<uint32_t>(40));
+    for (size_t y = 0; y < rows.size(); ++y) {
+        for (size_t x = 0; x < 40; ++x) rows[y][x] = (x / 4 * 24 + y * 2) & 255;
+    }
+    const Picture image{{NewDib(8, rows)}};
+    Surface s(200, 72);
+    const Clip all = s.Bounds();
+    DrawDib(s, all, 4, 4, image.dib(), palette.data());
+    StretchDib(s, all, {50, 4, 130, 64}, image.dib(), {0, 0, 40, 30}, palette.data());
+    const Surface picture = SurfaceFromDib(image.dib(), palette.data());
+    BitMask mask = MaskFromRegion(EllipseRegion({0, 0, 40, 30}));
+    for (int32_t i = 0; i < 2; ++i) {
+        mask.left = 140 + 12 * i;
+        mask.top = 4 + 34 * i;
+        FillPattern(s, all, mask.Bounds(),
+                    Pattern{{0xAA, 0x55, 0xAA, 0x55, 0xAA, 0x55, 0xAA, 0x55}}, 0xC0C0C0, kWhite);
+        MaskedCopy(s, all, mask.left, mask.top, picture, picture.Bounds(), mask);
+        if (i == 1) BlitMask(s, all, mask, kWhite, kBlack, Rop::SrcInvert);
+    }
+    ExpectMatchesGolden(s, "blit-pictures");
+}
+#endif
+
+}  // namespace

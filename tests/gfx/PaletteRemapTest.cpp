@@ -1,0 +1,111 @@
+// Re-indexing pictures into another palette and off the reserved entries.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "gfx/PaletteRemap.h"
+#include "support/PictureMaker.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+void SetColor(MemRef image, uint32_t index, uint8_t red, uint8_t green, uint8_t blue) {
+    MemRefLock lock(image);
+    uint8_t* c = DibColors(lock.data()) + index * kDibColorSize;
+    c[0] = blue;
+    c[1] = green;
+    c[2] = red;
+}
+
+MemRef ImageOfRows(int32_t width, int32_t depth, const std::vector<Bytes>& rows) {
+    const MemRef image = NewDibImage(width, static_cast<int32_t>(rows.size()), depth);
+    MemRefLock lock(image);
+    for (size_t y = 0; y < rows.size(); ++y) {
+        std::copy(rows[y].begin(), rows[y].end(), DibPixels(lock.data()) + DibImageRowBytes(lock.data()) * y);
+    }
+    return image;
+}
+
+TEST(PaletteRemap, IndicesTakeTheNearestColourOfTheNewPalette) {
+    PaletteRef palette = NewPalette(20);
+    palette->entries[0] = {255, 0, 0, 0};      // red
+    palette->entries[1] = {255, 255, 255, 0};  // white
+    palette->entries[2] = {0, 0, 0, 0};        // black, and 4 to 16 are black too
+    palette->entries[3] = {0, 0, 255, 0};      // blue
+    palette->entries[5] = {0, 200, 0, 0};
+    palette->entries[17] = {0, 255, 0, 0};     // green: out of a 4-bit image's reach
+    struct Case {
+        const char* name;
+        int32_t width, depth;
+        std::vector<Bytes> rows, expected;  // whole display rows, pad bytes included
+    };
+    const Case cases[] = {
+        // 0 white -> 1, 1 near-black -> 2 (the first of the blacks), 2 dark red -> 0, 7 dark blue
+        // -> 3, 5 black -> 2. The pad bytes behind the five pixels are no pixels and stay 0.
+        {"8 bits", 5, 8, {{0, 1, 2, 7, 1, 0, 0, 0}, {2, 2, 0, 5, 7, 0, 0, 0}}, {{1, 2, 0, 3, 2, 0, 0, 0}, {0, 0, 1, 2, 3, 0, 0, 0}}},
+        // 1 green -> 5, the nearest of the first 16; each nibble on its own.
+        {"4 bits", 3, 4, {{0x12, 0x10, 0, 0}}, {{0x50, 0x51, 0, 0}}},
+    };
+    for (const Case& c : cases) {
+        const MemRef image = ImageOfRows(c.width, c.depth, c.rows);
+        SetColor(image, 0, 250, 250, 250);
+        SetColor(image, 1, c.depth == 4 ? 0 : 10, c.depth == 4 ? 255 : 10, c.depth == 4 ? 0 : 10);
+        SetColor(image, 2, 200, 0, 0);
+        SetColor(image, 7, 0, 0, 190);
+        ASSERT_EQ(RemapImageToPalette(image, *palette), 0) << c.name;
+        const Bytes back = BlockBytes(image);
+        for (size_t y = 0; y < c.rows.size(); ++y) {
+            const uint8_t* row = DibPixels(back.data()) + DibImageRowBytes(back.data()) * y;
+            EXPECT_EQ(Bytes(row, row + c.expected[y].size()), c.expected[y]) << c.name << ", row " << y;
+        }
+        // The image now has the palette's colours, as many as its depth holds.
+        const uint8_t* colors = DibColors(back.data());
+        EXPECT_EQ(Bytes(colors, colors + 8), (Bytes{0, 0, 255, 0, 255, 255, 255, 0})) << c.name;
+        EXPECT_EQ(Bytes(colors + 5 * 4, colors + 6 * 4), (Bytes{0, 200, 0, 0})) << c.name;
+        if (c.depth == 8) {
+            EXPECT_EQ(Bytes(colors + 17 * 4, colors + 18 * 4), (Bytes{0, 255, 0, 0}));
+        }
+        FreeMemRef(image);
+    }
+    const MemRef deep = MakePicture(4, 4, 16, Fill::Noise);
+    const Bytes before = BlockBytes(deep);
+    EXPECT_EQ(RemapImageToPalette(deep, *palette), -1);
+    EXPECT_EQ(BlockBytes(deep), before);
+    FreeMemRef(deep);
+}
+
+TEST(PaletteRemap, ReservedEntriesGoToTheNearestByTheEyesWeights) {
+    // Everything magenta but the colours under test, so that only they can be nearest.
+    const MemRef image = ImageOfRows(6, 8, {{250, 249, 5, 255, 100, 0, 0, 0}, {246, 9, 10, 245, 0, 0, 0, 0}});
+    for (uint32_t i = 0; i < 256; ++i) SetColor(image, i, 255, 0, 255);
+    struct Color {
+        uint32_t index;
+        uint8_t red, green, blue;
+    };
+    const Color colors[] = {
+        {250, 100, 200, 100}, {30, 110, 200, 100}, {31, 100, 200, 112},  // red 3 * 10^2 > blue 2 * 12^2
+        {249, 50, 220, 50},   {60, 50, 220, 60},   {61, 50, 220, 40},    // equal: the lower wins
+        {5, 20, 180, 20},     {2, 20, 180, 20},    {40, 20, 180, 20},   {41, 20, 180, 20},
+        {255, 0, 150, 0},     {3, 0, 150, 0},                             // the high ones search 0 to 245
+        {246, 0, 100, 0},     {245, 0, 100, 1},
+        {9, 0, 90, 0},                                                    // 245 at 4 * 10^2 + 2 * 1^2
+    };
+    for (const Color& c : colors) SetColor(image, c.index, c.red, c.green, c.blue);
+    ASSERT_EQ(MapReservedColors(image), 0);
+    const Bytes back = BlockBytes(image);
+    const uint8_t* px = DibPixels(back.data());
+    // 0, magenta, goes to 10, the first magenta of 10 to 245; so do the pad bytes, which are passed
+    // through the map with the rest.
+    EXPECT_EQ(Bytes(px, px + 8), (Bytes{31, 60, 40, 3, 100, 10, 10, 10}));
+    EXPECT_EQ(Bytes(px + 8, px + 16), (Bytes{245, 245, 10, 245, 10, 10, 10, 10}));
+    const uint8_t* table = DibColors(back.data());
+    EXPECT_EQ(Bytes(table + 250 * 4, table + 251 * 4), (Bytes{100, 200, 100, 0})) << "the colours stay";
+    FreeMemRef(image);
+
+    const MemRef four = MakePicture(4, 4, 4, Fill::Noise);
+    EXPECT_EQ(MapReservedColors(four), -1);
+    FreeMemRef(four);
+}
+
+}  // namespace

@@ -1,0 +1,144 @@
+// The default palette and the system's colours, nearest-colour matching, the emulated display
+// depth, and the colours that fades are handed.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+#include "gfx/Palette.h"
+#include "stack/Document.h"
+
+namespace {
+
+using Rgb = std::array<uint8_t, 3>;
+
+Rgb RgbOf(const PaletteEntry& e) { return {e.red, e.green, e.blue}; }
+Rgb RgbOf(uint32_t rgb) { return {static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8), static_cast<uint8_t>(rgb)}; }
+
+// What the fade hook was handed, last call only.
+struct Animated {
+    int calls = 0;
+    const Palette* palette = nullptr;
+    uint32_t first = 0, count = 0;
+    std::vector<PaletteEntry> entries;
+} gAnimated;
+
+void RecordAnimated(const Palette* palette, uint32_t first, uint32_t count, const PaletteEntry* entries) {
+    ++gAnimated.calls;
+    gAnimated.palette = palette;
+    gAnimated.first = first;
+    gAnimated.count = count;
+    gAnimated.entries.assign(entries, entries + count);
+}
+
+class Palette : public testing::Test {
+protected:
+    void SetUp() override { ResetPaletteState(); }
+    void TearDown() override {
+        ResetPaletteState();
+        GetDocument().depth = 8;
+    }
+};
+
+TEST_F(Palette, DefaultPaletteIsDefpalWithTheSystemColoursReversedOnTop) {
+    const PaletteRef palette = LoadDefaultPalette();
+    ASSERT_TRUE(palette);
+    EXPECT_EQ(palette->count, 256u);
+    struct Case {
+        uint32_t index;
+        uint32_t rgb;
+        uint8_t flags;
+    };
+    const Case cases[] = {
+        {0, 0xFFFFFF, 1},    // the classic colours: white first
+        {15, 0x010101, 1},   // almost-black
+        {235, 0xFF3366, 1},  // DEFPAL's last
+        {236, 0xFFFFFF, 0},  // system 255, white
+        {245, 0xFFFBF0, 0},  // system 246, cream
+        {246, 0xA6CAF0, 0},  // system 9, sky blue
+        {254, 0x800000, 0},  // system 1, dark red
+        {255, 0x000000, 0},  // system 0, black
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(RgbOf(palette->entries[c.index]), RgbOf(c.rgb)) << c.index;
+        EXPECT_EQ(palette->entries[c.index].flags, c.flags) << c.index;
+    }
+}
+
+TEST_F(Palette, NearestColourIsTheLeastSquaredDistanceAndTheLowestIndexOfEquals) {
+    const PaletteEntry entries[] = {
+        {0, 0, 0, 0},        // 0
+        {100, 100, 100, 0},  // 1
+        {100, 100, 100, 0},  // 2: the same as 1
+        {110, 90, 100, 0},   // 3: as far from (105, 95, 100) as 1 is
+        {0, 0, 200, 0},      // 4
+        {255, 255, 255, 0},  // 5
+    };
+    struct Case {
+        Rgb color;
+        uint32_t count;
+        uint32_t index;
+    };
+    const Case cases[] = {
+        {{100, 100, 100}, 6, 1},  // exact, and 2 is equal: the lower wins
+        {{105, 95, 100}, 6, 1},   // 1 and 3 both at 50
+        {{108, 92, 100}, 6, 3},   // nearer 3
+        {{0, 0, 99}, 6, 0},       // 99^2 against 101^2
+        {{0, 0, 101}, 6, 4},
+        {{200, 200, 200}, 6, 5},  // 3 * 55^2 against 3 * 100^2
+        {{200, 200, 200}, 5, 1},  // without white: 1 at 30000 before 3 at 30200
+        {{1, 2, 3}, 0, 0},        // an empty palette
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(NearestColorIndex(entries, c.count, c.color[0], c.color[1], c.color[2]), c.index)
+            << int{c.color[0]} << "," << int{c.color[1]} << "," << int{c.color[2]} << " of " << c.count;
+    }
+}
+
+TEST_F(Palette, DisplayDepthFollowsTheStackUnlessForced) {
+    struct Case {
+        int16_t stackDepth;
+        int32_t forced;
+        int32_t display;
+    };
+    const Case cases[] = {{4, 0, 8}, {8, 0, 8}, {16, 0, 16}, {24, 0, 32}, {32, 0, 32}, {8, 16, 16}, {32, 8, 8}, {16, 32, 32}};
+    for (const Case& c : cases) {
+        GetDocument().depth = c.stackDepth;
+        ASSERT_EQ(ForceDisplayDepth(c.forced), 0);
+        EXPECT_EQ(DisplayDepth(), c.display) << c.stackDepth << " forced " << c.forced;
+    }
+    EXPECT_EQ(ForceDisplayDepth(24), -1);
+    EXPECT_EQ(DisplayDepth(), 32) << "a refused depth changes nothing";
+}
+
+TEST_F(Palette, BlendsMixOldAndNewColoursAndGoToTheFadeHook) {
+    ASSERT_EQ(InitPalette(), 0);
+    GetPaletteState().animate = RecordAnimated;
+    gAnimated = {};
+    PaletteEntry before[256] = {}, after[256] = {};
+    before[0] = {0, 255, 10, 0};
+    after[0] = {255, 0, 13, 4};
+    before[255] = {9, 9, 9, 0};
+    after[255] = {9, 9, 9, 0};
+    NoteColors(before);
+    NoteColors(after);
+    struct Case {
+        int32_t k;
+        Rgb first;
+    };
+    // ((256 - k) * old + k * new) / 256 in whole numbers; k outside 0 to 256 is held to it.
+    const Case cases[] = {{0, {0, 255, 10}}, {1, {0, 254, 10}}, {128, {127, 127, 11}}, {255, {254, 0, 12}},
+                          {256, {255, 0, 13}}, {300, {255, 0, 13}}, {-5, {0, 255, 10}}};
+    for (const Case& c : cases) {
+        BlendPalette(c.k);
+        ASSERT_EQ(gAnimated.entries.size(), 256u);
+        EXPECT_EQ(RgbOf(gAnimated.entries[0]), c.first) << c.k;
+        EXPECT_EQ(RgbOf(gAnimated.entries[255]), (Rgb{9, 9, 9})) << c.k;
+        EXPECT_EQ(gAnimated.entries[0].flags, kPaletteReserved);
+        EXPECT_EQ((std::array{gAnimated.first, gAnimated.count}), (std::array{0u, 256u}));
+        EXPECT_EQ(gAnimated.palette, GetPaletteState().current.get());
+    }
+    EXPECT_EQ(gAnimated.calls, 7);
+}
+
+}  // namespace

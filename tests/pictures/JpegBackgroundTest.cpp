@@ -1,0 +1,269 @@
+// Format 3 card pictures through libjpeg-turbo: round trips at every depth the codec makes, the
+// description and quality it writes, djpeg reading what we store, and damaged streams.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "memory/GlobalBlock.h"
+#include "pictures/Background.h"
+#include "pictures/JpegBackground.h"
+#include "stack/CardRecord.h"
+#include "support/PictureMaker.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+using Rgb = std::array<int, 3>;
+
+// A smooth picture with different shapes in red, green and blue, so that swapped channels or
+// flipped rows show as large errors while JPEG's own loss stays small.
+Rgb Photo(int32_t x, int32_t y) {
+    return {static_cast<int>(128 + 100 * std::sin(x / 23.0) * std::cos(y / 31.0)),
+            static_cast<int>(40 + y * 170 / 120 + x % 7),
+            static_cast<int>(200 - x * 150 / 160)};
+}
+
+// A display image of the picture (memory rows bottom-up); 8 bits through a 6-6-6 colour cube.
+MemRef MakePhoto(int32_t width, int32_t height, int32_t depth) {
+    const MemRef ref = NewDibImage(width, height, depth);
+    MemRefLock lock(ref);
+    uint8_t* dib = lock.data();
+    for (uint32_t i = 0; i < DibColorCount(dib); ++i) {
+        uint8_t* c = DibColors(dib) + 4 * i;
+        c[2] = static_cast<uint8_t>(i / 36 % 6 * 51), c[1] = static_cast<uint8_t>(i / 6 % 6 * 51), c[0] = static_cast<uint8_t>(i % 6 * 51);
+    }
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x) {
+            const Rgb p = Photo(x, height - 1 - y);
+            const uint32_t r = static_cast<uint32_t>(p[0]), g = static_cast<uint32_t>(p[1]), b = static_cast<uint32_t>(p[2]);
+            if (depth == 8) SetPixel(dib, x, y, (r + 25) / 51 * 36 + (g + 25) / 51 * 6 + (b + 25) / 51);
+            if (depth == 16) SetPixel(dib, x, y, (r >> 3) << 10 | (g >> 3) << 5 | b >> 3);
+            if (depth == 32) SetPixel(dib, x, y, r << 16 | g << 8 | b);
+            if (depth == 24) {
+                uint8_t* px = DibPixels(dib) + DibImageRowBytes(dib) * static_cast<uint32_t>(y) + 3 * x;
+                px[0] = static_cast<uint8_t>(b), px[1] = static_cast<uint8_t>(g), px[2] = static_cast<uint8_t>(r);
+            }
+        }
+    }
+    return ref;
+}
+
+// The colour of pixel (x, y) counted from the top of a display image with bottom-up rows.
+Rgb ColorAt(const uint8_t* dib, int32_t x, int32_t y) {
+    const int32_t row = DibHeight(dib) - 1 - y;
+    const int32_t depth = DibDepth(dib);
+    if (depth == 24) {
+        const uint8_t* px = DibPixels(dib) + DibImageRowBytes(dib) * static_cast<uint32_t>(row) + 3 * x;
+        return {px[2], px[1], px[0]};
+    }
+    const uint32_t v = GetPixel(dib, x, row);
+    if (depth == 32) return {static_cast<int>(v >> 16 & 255), static_cast<int>(v >> 8 & 255), static_cast<int>(v & 255)};
+    if (depth == 16) return {static_cast<int>((v >> 10 & 31) << 3), static_cast<int>((v >> 5 & 31) << 3), static_cast<int>((v & 31) << 3)};
+    const uint8_t* c = DibColors(dib) + 4 * v;
+    return {c[2], c[1], c[0]};
+}
+
+struct Difference {
+    double mean = 0;  // per channel
+    int worst = 0;
+};
+
+Difference Compare(const uint8_t* a, const uint8_t* b) {
+    Difference d;
+    const int32_t width = DibWidth(a), height = DibHeight(a);
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x) {
+            const Rgb p = ColorAt(a, x, y), q = ColorAt(b, x, y);
+            for (int c = 0; c < 3; ++c) {
+                d.mean += std::abs(p[c] - q[c]);
+                d.worst = std::max(d.worst, std::abs(p[c] - q[c]));
+            }
+        }
+    }
+    d.mean /= 3.0 * width * height;
+    return d;
+}
+
+// A kind 1 card of the picture's size whose chunk is format 3 `data`.
+MemRef JpegCard(MemRef data, int32_t width, int32_t height, int32_t depth) {
+    const MemRef card = NewMemRef(kEmptyCardSize);
+    {
+        MemRefLock lock(card);
+        Write16(lock.data() + kCardId, 2);
+        Write16(lock.data() + kCardWidth, static_cast<uint16_t>(width));
+        Write16(lock.data() + kCardHeight, static_cast<uint16_t>(height));
+        Write32(lock.data() + kCardSize, kEmptyCardSize);
+    }
+    EXPECT_EQ(StoreBackground(card, data, 0, depth), 0);
+    MemRefLock lock(card);
+    Write16(lock.data() + kCardHeadSize + kBgFormat, kBgFormatJpeg);
+    return card;
+}
+
+MemRef BlockOf(const Bytes& bytes) {
+    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
+    MemRefLock lock(ref);
+    std::copy(bytes.begin(), bytes.end(), lock.data());
+    return ref;
+}
+
+// The first luminance quantiser of the stream's first DQT segment.
+int FirstQuantiser(const Bytes& stream) {
+    for (size_t i = 0; i + 5 < stream.size(); ++i) {
+        if (stream[i] == 0xFF && stream[i + 1] == 0xDB) return stream[i + 5];
+    }
+    return -1;
+}
+
+TEST(JpegBackground, PicturesRoundTripThroughACardAtEveryDepth) {
+    struct Case {
+        int32_t from, to;
+        double mean;  // JPEG's loss at quality 50 on a smooth picture, plus the depth's own rounding
+        int worst;
+    };
+    const Case cases[] = {{32, 32, 2.5, 24}, {24, 24, 2.5, 24}, {16, 16, 3.5, 32}, {32, 16, 6, 32},
+                          {16, 32, 6, 32},   {8, 32, 6, 64},    {32, 8, 7, 72}};
+    for (const Case& c : cases) {
+        for (auto [width, height] : {std::pair{160, 120}, std::pair{37, 21}}) {
+            const MemRef picture = MakePhoto(width, height, c.from);
+            const MemRef data = EncodeJpegBackground(picture, kJpegBackgroundQuality);
+            ASSERT_NE(data, 0);
+            const MemRef card = JpegCard(data, width, height, c.from);
+            MemRef back = 0;
+            ASSERT_EQ(GetCardBackground(card, &back, c.to, true, true), kBackgroundJpeg);
+            ASSERT_EQ(DecodeJpegBackground(card, &back, c.to, true), 0) << c.from << " to " << c.to;
+            const Bytes a = BlockBytes(picture), b = BlockBytes(back);
+            EXPECT_EQ((std::array{DibWidth(b.data()), DibHeight(b.data()), DibDepth(b.data())}), (std::array{width, height, c.to}));
+            const Difference d = Compare(a.data(), b.data());
+            EXPECT_LT(d.mean, c.mean) << c.from << " to " << c.to << ", " << width << "x" << height;
+            EXPECT_LE(d.worst, c.worst) << c.from << " to " << c.to << ", " << width << "x" << height;
+            if (c.to == 32) {
+                const Bytes px = PixelBytes(back);
+                bool zero = true;
+                for (size_t i = 3; i < px.size(); i += 4) zero = zero && px[i] == 0;
+                EXPECT_TRUE(zero) << "the fourth byte of a working pixel is 0";
+            }
+            for (MemRef r : {picture, data, card, back}) FreeMemRef(r);
+        }
+    }
+}
+
+TEST(JpegBackground, DataIsTheDescriptionAndABaselineStreamAtTheQuality) {
+    const MemRef picture = MakePhoto(37, 21, 16);
+    const Bytes data = TakeBytes(EncodeJpegBackground(picture, kJpegBackgroundQuality));
+    ASSERT_GT(data.size(), kImageDescriptionSize + 4);
+    // Size, "jpeg", width, height, the stored size 96 * 21 at 44, the depth 16 written as 24.
+    EXPECT_EQ(ReadBE32(data.data()), 86u);
+    EXPECT_EQ(std::string(data.begin() + 4, data.begin() + 8), "jpeg");
+    EXPECT_EQ((std::array{ReadBE16(data.data() + 32), ReadBE16(data.data() + 34), ReadBE16(data.data() + 82)}),
+              (std::array<uint16_t, 3>{37, 21, 24}));
+    EXPECT_EQ(ReadBE32(data.data() + 44), 96u * 21);
+    const Bytes stream(data.begin() + kImageDescriptionSize, data.end());
+    EXPECT_EQ((Bytes{stream[0], stream[1], stream[stream.size() - 2], stream[stream.size() - 1]}), (Bytes{0xFF, 0xD8, 0xFF, 0xD9}));
+    // At quality 50 the quantisers are the standard tables unscaled: luminance starts at 16.
+    EXPECT_EQ(FirstQuantiser(stream), 16);
+    EXPECT_EQ(FirstQuantiser(TakeBytes(EncodeJpegBackground(picture, 75))), 8) << "scaled by half";
+    EXPECT_EQ(EncodeJpegBackground(picture, 0), 0);
+    FreeMemRef(picture);
+}
+
+TEST(JpegBackground, DjpegReadsTheStoredStream) {
+#ifdef __EMSCRIPTEN__
+    GTEST_SKIP() << "no programs to run under node";
+#else
+    if (std::system("command -v djpeg >/dev/null 2>&1") != 0) GTEST_SKIP() << "djpeg is not installed (libjpeg-turbo-progs)";
+    const MemRef picture = MakePhoto(160, 120, 32), data = EncodeJpegBackground(picture, kJpegBackgroundQuality);
+    const MemRef card = JpegCard(data, 160, 120, 32);
+    uint32_t offset = 0, length = 0;
+    ASSERT_EQ(FindJpegStream(card, &offset, &length), 0);
+    const Bytes record = BlockBytes(card);
+    const std::string in = WriteTempFile("stored.jpg", Bytes(record.begin() + offset, record.begin() + offset + length));
+    const std::string out = in + ".ppm";
+    ASSERT_EQ(std::system(("djpeg -pnm -outfile '" + out + "' '" + in + "'").c_str()), 0);
+    const Bytes ppm = ReadWholeFile(out);
+    std::remove(out.c_str());
+    const std::string header = "P6\n160 120\n255\n";
+    ASSERT_EQ(std::string(ppm.begin(), ppm.begin() + std::min(ppm.size(), header.size())), header);
+    ASSERT_EQ(ppm.size(), header.size() + 160 * 120 * 3);
+
+    MemRef back = 0;
+    ASSERT_EQ(DecodeJpegBackground(card, &back, 32, true), 0);
+    const Bytes ours = BlockBytes(back), original = BlockBytes(picture);
+    int worstToOurs = 0, worstToOriginal = 0;
+    for (int32_t y = 0; y < 120; ++y) {
+        for (int32_t x = 0; x < 160; ++x) {
+            const uint8_t* p = ppm.data() + header.size() + 3 * (160 * y + x);
+            const Rgb a = ColorAt(ours.data(), x, y), b = ColorAt(original.data(), x, y);
+            for (int c = 0; c < 3; ++c) {
+                worstToOurs = std::max(worstToOurs, std::abs(a[c] - p[c]));
+                worstToOriginal = std::max(worstToOriginal, std::abs(b[c] - p[c]));
+            }
+        }
+    }
+    EXPECT_LE(worstToOurs, 1) << "the same decoder";
+    EXPECT_LE(worstToOriginal, 40);
+    for (MemRef r : {picture, data, card, back}) FreeMemRef(r);
+#endif
+}
+
+TEST(JpegBackground, DamagedStreamsGiveNoPicture) {
+    const MemRef picture = MakePhoto(64, 48, 32);
+    const Bytes good = TakeBytes(EncodeJpegBackground(picture, kJpegBackgroundQuality));
+    FreeMemRef(picture);
+    size_t sof = 0, sos = 0;
+    for (size_t i = kImageDescriptionSize; i + 1 < good.size(); ++i) {
+        if (good[i] == 0xFF && good[i + 1] == 0xC0 && !sof) sof = i;
+        if (good[i] == 0xFF && good[i + 1] == 0xDA && !sos) sos = i;
+    }
+    ASSERT_TRUE(sof && sos);
+    const size_t scan = sos + 2 + ReadBE16(good.data() + sos + 2);
+    const size_t middle = (scan + good.size()) / 2;
+    struct Case {
+        const char* name;
+        Bytes data;
+        int32_t result;
+    };
+    auto with = [&](size_t at, Bytes bytes) {
+        Bytes b = good;
+        std::copy(bytes.begin(), bytes.end(), b.begin() + static_cast<ptrdiff_t>(at));
+        return b;
+    };
+    const Case cases[] = {
+        {"the good stream", good, 0},
+        {"cut in the middle of the scan", Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(middle)), kBackgroundDamaged},
+        {"cut inside the headers", Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(sos)), kBackgroundDamaged},
+        {"an end marker inside the scan", with(middle, {0xFF, 0xD9}), kBackgroundDamaged},
+        {"a restart marker out of sequence", with(middle, {0xFF, 0xD3}), kBackgroundDamaged},
+        {"a frame taller than the card", with(sof + 5, {0, 49}), kBackgroundDamaged},
+        {"a frame of no height", with(sof + 5, {0, 0}), kBackgroundDamaged},
+        {"twelve-bit samples", with(sof + 4, {12}), kBackgroundDamaged},
+        {"not a JPEG", with(kImageDescriptionSize, {'G', 'I', 'F', '8'}), kBackgroundDamaged},
+        {"nothing behind the description", Bytes(good.begin(), good.begin() + kImageDescriptionSize), kBackgroundDamaged},
+        {"a description longer than the chunk", with(0, {0, 1, 0, 0}), kBackgroundDamaged},
+    };
+    for (const Case& c : cases) {
+        const MemRef data = BlockOf(c.data), card = JpegCard(data, 64, 48, 32);
+        MemRef back = 77;
+        EXPECT_EQ(DecodeJpegBackground(card, &back, 32, true), c.result) << c.name;
+        EXPECT_EQ(back != 0, c.result == 0) << c.name;
+        if (back) FreeMemRef(back);
+        for (MemRef r : {data, card}) FreeMemRef(r);
+    }
+
+    // Depths the codec does not make, and memory that runs out.
+    const MemRef data = BlockOf(good), card = JpegCard(data, 64, 48, 32);
+    MemRef back = 77;
+    EXPECT_EQ(DecodeJpegBackground(card, &back, 1, true), kJpegUnsupported);
+    EXPECT_EQ(back, 0);
+    SetGlobalAllocFailAfter(0);
+    EXPECT_EQ(DecodeJpegBackground(card, &back, 32, true), kBackgroundNoMemory);
+    SetGlobalAllocFailAfter(-1);
+    EXPECT_EQ(back, 0);
+    for (MemRef r : {data, card}) FreeMemRef(r);
+}
+
+}  // namespace

@@ -1,0 +1,250 @@
+// Opening and saving through the full flows: what the user sees, and what ends up on disk.
+#include "player/StackFlows.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "base/ByteOrder.h"
+#include "host/Application.h"
+#include "messages/Alert.h"
+#include "platform/HostFile.h"
+#include "platform/HostPath.h"
+#include "platform/headless/HeadlessHost.h"
+#include "stack/Blob.h"
+#include "stack/Document.h"
+#include "stack/PathSlot.h"
+#include "stack/StackHeader.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+const std::string kFixtures = QB_FIXTURES_DIR;
+
+class StackFlowsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        StartProgramAfresh();
+    }
+    void TearDown() override {
+        ResetFileFaults();
+        CloseStack();
+        CloseAllBlobStores();
+    }
+
+    static std::vector<int> AlertsShown() {
+        std::vector<int> ids;
+        for (const HeadlessAlert& a : GetHeadlessState().alertsShown) ids.push_back(a.stringId);
+        GetHeadlessState().alertsShown.clear();
+        return ids;
+    }
+    static int32_t Open(const std::string& path) {
+        SetSlotPath(kSlotStack, DosPathFromHost(path));
+        return OpenStack(false);
+    }
+    static int32_t SaveAs(const std::string& path) {
+        GetHeadlessState().fileChoices.push_back(path);
+        return SaveStackAs();
+    }
+    static std::string TempPath(const std::string& name) { return WriteTempFile(name, {}); }
+    static ino_t Inode(const std::string& path) {
+        struct stat st {};
+        ::stat(path.c_str(), &st);
+        return st.st_ino;
+    }
+    static void ExpectBlankStack() {
+        EXPECT_EQ(CardCount(), 1);
+        EXPECT_FALSE(GetDocument().hasFile);
+        EXPECT_EQ(GetDocument().stackName, "Untitled");
+        EXPECT_NE(GetDocument().currentCard, 0);
+        EXPECT_NE(GetDocument().storeRef, 0u);
+    }
+};
+
+TEST_F(StackFlowsTest, FixturesComeBackByteForByte) {
+    for (const char* name : {"sample-cards.stk", "sample-media.stk"}) {
+        const std::string source = kFixtures + "/" + name;
+        ASSERT_EQ(Open(source), kResultOk) << name;
+        EXPECT_TRUE(GetDocument().hasFile);
+        const std::string out = TempPath(std::string("resaved-") + name);
+        ASSERT_EQ(SaveAs(out), kResultOk) << name;
+        EXPECT_EQ(AlertsShown(), std::vector<int>{}) << name;
+        EXPECT_EQ(ReadWholeFile(out), ReadWholeFile(source)) << name;
+        EXPECT_EQ(SlotHostPath(kSlotStack), out);
+    }
+}
+
+TEST_F(StackFlowsTest, DefinedChangesOfASave) {
+    // nextBlobId: the open reads the high half of the 32-bit field, the save writes what it read.
+    Bytes tenth = StoredStack({.nextBlobId = 10}, {StoredCard(1, "A")}, {StoredRecord("Snd ", 4, "", {1, 2, 3})});
+    ASSERT_EQ(Open(WriteTempFile("next-id-10.stk", tenth)), kResultOk);
+    const std::string out = TempPath("next-id-out.stk");
+    ASSERT_EQ(SaveAs(out), kResultOk);
+    Bytes saved = ReadWholeFile(out);
+    ASSERT_EQ(saved.size(), tenth.size());
+    EXPECT_EQ(Bytes(saved.begin() + 68, saved.begin() + 72), (Bytes{0, 0, 0, 0}));
+    PutBE32(saved, 68, 10);
+    for (size_t i = 0; i < saved.size(); ++i) EXPECT_EQ(saved[i], tenth[i]) << "at " << i;
+
+    // Version 4 reads as 5, with the same layout.
+    Bytes four = StoredStack({.version = 4}, {StoredCard(1, "A")}, {});
+    ASSERT_EQ(Open(WriteTempFile("version-4.stk", four)), kResultOk);
+    const std::string fifth = TempPath("version-5.stk");
+    ASSERT_EQ(SaveAs(fifth), kResultOk);
+    saved = ReadWholeFile(fifth);
+    PutBE16(four, 8, 5);
+    EXPECT_EQ(saved, four);
+
+    // A deleted record is compacted away: the file is shorter by exactly its length.
+    Bytes withDeleted = StoredStack({}, {StoredCard(1, "A")},
+                                    {StoredRecord("Snd ", 4, "gone", Bytes(10, 7), 0x80000000u),
+                                     StoredRecord("Snd ", 5, "kept", {1, 2, 3, 4})});
+    ASSERT_EQ(Open(WriteTempFile("deleted.stk", withDeleted)), kResultOk);
+    const std::string compacted = TempPath("compacted.stk");
+    ASSERT_EQ(SaveAs(compacted), kResultOk);
+    saved = ReadWholeFile(compacted);
+    EXPECT_EQ(saved.size(), withDeleted.size() - (68 + 12));
+    EXPECT_EQ(ReadBE32(&saved[64]), 1u);
+    EXPECT_EQ(CountBlobEntries(GetDocument().storeRef), 1u);
+    EXPECT_NE(GetBlobById(FourCC("Snd "), 5), 0);
+}
+
+TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {
+    Bytes pastEnd = StoredStack({}, {StoredCard(1, "A")}, {});
+    PutBE32(pastEnd, 128 + 2, 5000);
+    Bytes secondBad = StoredStack({.cardCount = 2}, {StoredCard(1, "A"), StoredCard(2, "B")}, {});
+    PutBE32(secondBad, 228 + 2, 5000);
+    const struct {
+        const char* name;
+        Bytes bytes;
+        std::vector<int> alerts;
+    } cases[] = {
+        {"empty", {}, {2268}},
+        {"short", Bytes(100, 0), {2268}},
+        {"zero header", Bytes(128, 0), {2268}},
+        {"blobCount 0x10001", StoredStack({.blobCount = 0x10001}, {StoredCard(1, "A")}, {}), {2268}},
+        {"depth 1", StoredStack({.depth = 1}, {StoredCard(1, "A")}, {}), {2256}},
+        {"version 6", StoredStack({.version = 6}, {StoredCard(1, "A")}, {}), {2221}},
+        {"version 3", StoredStack({.version = 3}, {StoredCard(1, "A")}, {}), {2222}},
+        {"card past the end", pastEnd, {2235, 2305}},
+        {"second card past the end", secondBad, {2235}},
+        {"truncated record area", StoredStack({.blobCount = 2}, {StoredCard(1, "A")}, {StoredRecord("Snd ", 1, "", {1})}),
+         {2305}},
+    };
+    for (const auto& c : cases) {
+        Open(WriteTempFile(std::string("malformed-") + c.name, c.bytes));
+        EXPECT_EQ(AlertsShown(), c.alerts) << c.name;
+        ExpectBlankStack();
+    }
+    // The blank stack can take a record and be saved.
+    MemRef data = NewMemRef(5);
+    uint16_t id = 0;
+    EXPECT_EQ(AddBlob(data, 0, FourCC("Snd "), &id, nullptr), 0);
+    EXPECT_EQ(id, 1);
+    const std::string out = TempPath("blank.stk");
+    ASSERT_EQ(SaveAs(out), kResultOk);
+    EXPECT_EQ(ReadWholeFile(out).size(), 128u + 100u + 68u + 8u);
+}
+
+TEST_F(StackFlowsTest, TheCardSizeQuestion) {
+    Bytes small = StoredStack({.cardWidth = 30}, {StoredCard(1, "A")}, {});
+    GetHeadlessState().alertAnswers = {2};  // No
+    Open(WriteTempFile("small-no.stk", small));
+    EXPECT_EQ(AlertsShown(), std::vector<int>{2334});
+    ExpectBlankStack();
+    Open(WriteTempFile("small-yes.stk", small));  // Yes, the default
+    EXPECT_EQ(AlertsShown(), std::vector<int>{2334});
+    EXPECT_TRUE(GetDocument().hasFile);
+    EXPECT_EQ(GetDocument().cardWidth, 40);
+}
+
+TEST_F(StackFlowsTest, SavingInPlaceOrThroughATemporaryFile) {
+    const Bytes stack = StoredStack({}, {StoredCard(1, "A")}, {StoredRecord("Snd ", 4, "", {1, 2, 3})});
+    const std::string path = WriteTempFile("space.stk", stack);
+    ASSERT_EQ(Open(path), kResultOk);
+
+    GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2048;
+    ino_t before = Inode(path);
+    GetDocument().dirty = true;
+    ASSERT_EQ(SaveStack(), kResultOk);
+    EXPECT_EQ(Inode(path), before) << "exactly total + 2048 saves in place";
+    EXPECT_EQ(ReadWholeFile(path), stack);
+
+    GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2049;
+    GetDocument().dirty = true;
+    ASSERT_EQ(SaveStack(), kResultOk);
+    EXPECT_NE(Inode(path), before) << "one byte more goes through the temporary file";
+    EXPECT_EQ(ReadWholeFile(path), stack);
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(path).parent_path() / "QBTMP000.TMP"));
+    EXPECT_NE(GetBlobById(FourCC("Snd "), 4), 0);
+
+    GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2047;
+    EXPECT_EQ(SaveAs(TempPath("no-room.stk")), kResultReported);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{2264});
+}
+
+TEST_F(StackFlowsTest, ReadOnlyFilesAndLockedFolders) {
+    const Bytes stack = StoredStack({}, {StoredCard(1, "A")}, {});
+    const std::string path = WriteTempFile("locked.stk", stack);
+    ASSERT_EQ(Open(path), kResultOk);
+    GetFileFaults().readOnlyPath = path;
+    EXPECT_EQ(WriteStack(kSlotStack, true), kResultReadOnly);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{});
+    ResetFileFaults();
+    GetFileFaults().lockedFolder = std::filesystem::path(path).parent_path().string();
+    EXPECT_EQ(WriteStack(kSlotStack, true), kResultReported);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{2689});
+    EXPECT_EQ(ReadWholeFile(path), stack);
+    EXPECT_EQ(CardCount(), 1);  // the stack stays in memory
+}
+
+TEST_F(StackFlowsTest, AFailureAtAnyWriteOfATemporarySaveLeavesTheOldFile) {
+    const Bytes stack = StoredStack({.cardCount = 2}, {StoredCard(1, "A"), StoredCard(2, "B")},
+                                   {StoredRecord("Snd ", 4, "", Bytes(70000, 3)), StoredRecord("Snd ", 5, "", {1})});
+    const std::string path = WriteTempFile("fragile.stk", stack);
+    ASSERT_EQ(Open(path), kResultOk);
+    ResetFileFaults();
+    ASSERT_EQ(WriteStack(kSlotStack, true), kResultOk);
+    const uint32_t writes = GetFileFaults().writes;
+    ASSERT_GT(writes, 3u);
+    for (uint32_t k = 1; k <= writes; ++k) {
+        ResetFileFaults();
+        GetFileFaults().failWriteAt = k;
+        EXPECT_EQ(WriteStack(kSlotStack, true), kResultReported) << "write " << k;
+        EXPECT_EQ(ReadWholeFile(path), stack) << "write " << k;
+        EXPECT_EQ(AlertsShown(), std::vector<int>{2235}) << "write " << k;
+        EXPECT_NE(GetBlobById(FourCC("Snd "), 5), 0) << "write " << k;
+    }
+}
+
+TEST_F(StackFlowsTest, AConvertedStackAsksBeforeTheFirstReplacingSaveOnly) {
+    const std::string path = WriteTempFile("old.stk", StoredStack({.version = 4}, {StoredCard(1, "A")}, {}));
+    ASSERT_EQ(Open(path), kResultOk);
+    GetHeadlessState().alertAnswers = {2};  // replace the original
+    GetDocument().dirty = true;
+    ASSERT_EQ(SaveStack(), kResultOk);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{2339});
+    EXPECT_EQ(ReadBE16(&ReadWholeFile(path)[8]), 5);
+    GetDocument().dirty = true;
+    ASSERT_EQ(SaveStack(), kResultOk);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{});
+}
+
+TEST_F(StackFlowsTest, TheQuestionBeforeAChangedStackGoes) {
+    ASSERT_EQ(Open(kFixtures + "/sample-media.stk"), kResultOk);
+    GetDocument().dirty = true;
+    GetHeadlessState().alertAnswers = {2};  // Cancel
+    EXPECT_FALSE(CheckSave());
+    GetHeadlessState().alertAnswers = {3};  // Don't Save
+    EXPECT_TRUE(CheckSave());
+    EXPECT_EQ(AlertsShown(), (std::vector<int>{2229, 2229}));
+    GetDocument().autoSave = true;  // saves without asking
+    GetHeadlessState().fileChoices.push_back(TempPath("auto.stk"));
+    GetDocument().hasFile = false;
+    EXPECT_TRUE(CheckSave());
+    EXPECT_EQ(AlertsShown(), std::vector<int>{});
+    EXPECT_FALSE(GetDocument().dirty);
+}
+
+}  // namespace
