@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "memory/MemRef.h"
+#include "platform/headless/HeadlessHost.h"
 #include "platform/sdl/SdlHost.h"
 #include "stack/PathSlot.h"
 
@@ -66,6 +67,7 @@ int main(int argc, char** argv) {
 
     CLI11_PARSE(app, argc, argv);
     if (!InitMemRefs() || !InitPathSlots()) return 2;
+    GetHeadlessState().machineWallAndTerminals = true;
     if (info->parsed()) return raw ? RunInfoRaw(path) : RunInfo(path, json);
     if (validate->parsed()) return RunValidate(path);
     if (build->parsed()) return RunBuild(path, output);

@@ -221,6 +221,8 @@ Host SdlHost() {
     host.Present = SdlPresent;
     host.SetTitle = SdlSetTitle;
     host.SetCursor = SdlSetCursor;
+    host.WallClock = MachineWallClock;
+    host.IsTerminal = MachineIsTerminal;
     host.window = gState.window;
     return host;
 }
