@@ -2,7 +2,6 @@
 // the main loop runs until the window is closed.
 #include <fmt/format.h>
 
-#include <fstream>
 #include <string>
 
 #include "CardWindow.h"
@@ -41,10 +40,7 @@ bool OpenInWindow(const std::string& path) {
 }
 
 bool WriteText(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-    out.close();
-    if (out) return true;
+    if (WriteWholeHostFile(path, text.data(), text.size()) == 0) return true;
     fmt::print(stderr, "{}: could not write\n", path);
     return false;
 }
