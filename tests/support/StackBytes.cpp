@@ -11,6 +11,7 @@
 #include "host/Application.h"
 #include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
+#include "policy/Policy.h"
 #include "stack/Blob.h"
 #include "stack/Document.h"
 #include "ui/Alert.h"
@@ -150,5 +151,6 @@ void StartProgramAfresh() {
     ResetAlertState();
     CloseStack();
     CloseAllBlobStores();
+    ResetPolicyState();
     InitApplication(nullptr);
 }
