@@ -17,6 +17,7 @@
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
 #include "platform/sdl/SdlHost.h"
+#include "policy/Policy.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "stack/StackFlows.h"
@@ -125,6 +126,7 @@ int RunPlay(const PlayOptions& options) {
         return 1;
     }
     SetHost(SdlHost());
+    SetPolicyPlace(PolicyPlace::Desktop);
     const int code = Play(options);
     StopSdlHost();
     SetHost(HeadlessHost());

@@ -5,7 +5,9 @@
 
 #include "platform/Host.h"
 #include "platform/HostFile.h"
+#include "platform/HostFolder.h"
 #include "platform/HostPath.h"
+#include "policy/Policy.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "ui/Alert.h"
@@ -59,6 +61,7 @@ bool ReadUserPreferenceIsYes(const char* key) {
 
 bool InitApplication(void* window) {
     GetHost().window = window;
+    SetPolicyFolders(HostProgramFolder(), HostConfigFolder());
     GetDocument().stackHeader = 0;  // 1
     InitPaths();                    // 2
     InitStackState();               // 3
