@@ -1,8 +1,6 @@
 // The Policy's state and its rules for reading and writing files.
 #include "policy/Policy.h"
 
-#include <fmt/format.h>
-
 #include <cstdint>
 
 #include "platform/HostFile.h"
@@ -86,7 +84,10 @@ std::string PolicySandboxFolder() {
     std::string name = PolicyNameOf(stack);
     const size_t dot = name.find_last_of('.');
     if (dot != std::string::npos && dot > 0) name.resize(dot);
-    return fmt::format("{}/{}/{}-{:016x}", config, kSandboxes, name, PathHash(stack));
+    std::string hex(16, '0');
+    uint64_t hash = PathHash(stack);
+    for (size_t i = hex.size(); i-- > 0; hash >>= 4) hex[i] = "0123456789abcdef"[hash & 15];
+    return config + "/" + kSandboxes + "/" + name + "-" + hex;
 }
 
 bool PolicyAllowsRead(const std::string& hostPath) {
