@@ -37,32 +37,25 @@ TEST_F(HostFileWhole, WrittenBytesReadBack) {
 }
 
 TEST_F(HostFileWhole, FailuresAndFaults) {
-    struct Case {
+    const struct {
         const char* what;
-        void (*fault)(FileFaults&, const std::string& path);
+        uint32_t FileFaults::*counter;
         int32_t read, write;
+    } cases[] = {
+        {"open fails", &FileFaults::failOpenAt, -1, -1},
+        {"read fails", &FileFaults::failReadAt, -1, 0},
+        {"write fails", &FileFaults::failWriteAt, 0, -1},
     };
-    const Case cases[] = {
-        {"open fails", [](FileFaults& f, const std::string&) { f.failOpenAt = 1; }, -1, -1},
-        {"read fails", [](FileFaults& f, const std::string&) { f.failReadAt = 1; }, -1, 0},
-        {"write fails", [](FileFaults& f, const std::string&) { f.failWriteAt = 1; }, 0, -1},
-        {"read-only", [](FileFaults& f, const std::string& p) { f.readOnlyPath = p; }, 0, -1},
-        {"locked folder",
-         [](FileFaults& f, const std::string& p) {
-             f.lockedFolder = fs::path(p).parent_path().string();
-         },
-         0, -1},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ResetFileFaults();
         ASSERT_EQ(WriteWholeHostFile(At("f.bin"), "abc", 3), 0);  // a failed write leaves it empty
         ResetFileFaults();
-        c.fault(GetFileFaults(), At("f.bin"));
+        GetFileFaults().*c.counter = 1;
         std::string back = "old";
         EXPECT_EQ(ReadWholeHostFile(At("f.bin"), &back), c.read) << c.what;
         EXPECT_EQ(back, c.read == 0 ? "abc" : "") << c.what;
         ResetFileFaults();
-        c.fault(GetFileFaults(), At("f.bin"));
+        GetFileFaults().*c.counter = 1;
         EXPECT_EQ(WriteWholeHostFile(At("f.bin"), "abc", 3), c.write) << c.what;
     }
     ResetFileFaults();
