@@ -3,24 +3,15 @@
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <system_error>
 
 #include "Commands.h"
 #include "StackBuilder.h"
 #include "StackInfo.h"
+#include "platform/HostFile.h"
 #include "stack/Document.h"
 #include "stack/StackReader.h"
 
 namespace {
-
-bool ReadWhole(const std::string& path, std::string* text) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    text->assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    return !in.bad();
-}
 
 // The parser's message without its "[json.exception.parse_error.101] " tag.
 std::string ParseMessage(const char* what) {
@@ -32,27 +23,14 @@ std::string ParseMessage(const char* what) {
 // Writes beside the target and renames, so that a failed write never leaves half a stack there.
 bool WriteAtomically(const std::string& outPath, const std::vector<uint8_t>& bytes, std::string* error) {
     const std::string partial = outPath + ".partial";
-    {
-        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-        if (!out) {
-            *error = "cannot create it";
-            return false;
-        }
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        if (!out) {
-            std::error_code ignored;
-            std::filesystem::remove(partial, ignored);
-            *error = "cannot write it";
-            return false;
-        }
+    if (WriteWholeHostFile(partial, bytes.data(), bytes.size()) != 0) {
+        *error = GetHostFileStatus(partial).exists ? "cannot write it" : "cannot create it";
+        DeleteHostFile(partial);
+        return false;
     }
-    std::error_code ec;
-    std::filesystem::rename(partial, outPath, ec);
-    if (ec) {
-        std::error_code ignored;
-        std::filesystem::remove(partial, ignored);
-        *error = ec.message();
+    if (RenameHostFile(partial, outPath) != 0) {
+        DeleteHostFile(partial);
+        *error = "cannot put it in place";
         return false;
     }
     return true;
@@ -62,7 +40,7 @@ bool WriteAtomically(const std::string& outPath, const std::vector<uint8_t>& byt
 
 int RunBuild(const std::string& jsonPath, const std::string& outPath) {
     std::string text;
-    if (!ReadWhole(jsonPath, &text)) {
+    if (ReadWholeHostFile(jsonPath, &text) != 0) {
         fmt::print(stderr, "{}: cannot read the description\n", jsonPath);
         return 1;
     }
@@ -96,7 +74,7 @@ int RunInfoRaw(const std::string& path) {
         return 1;
     }
     std::string text;
-    if (!ReadWhole(path, &text)) {
+    if (ReadWholeHostFile(path, &text) != 0) {
         fmt::print(stderr, "{}: cannot read the file\n", path);
         return 1;
     }

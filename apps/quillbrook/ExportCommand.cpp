@@ -23,6 +23,7 @@
 #include "messages/Alert.h"
 #include "pictures/Background.h"
 #include "pictures/JpegBackground.h"
+#include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
@@ -167,7 +168,7 @@ std::vector<uint8_t> GraphicRgba(MemRef card, uint32_t itemOffset, int32_t* widt
 // Progress on a terminal: one line redrawn in place.
 class Progress {
 public:
-    explicit Progress(size_t total) : total_(total), terminal_(isatty(STDERR_FILENO) == 1) {}
+    explicit Progress(size_t total) : total_(total), terminal_(GetHost().IsTerminal(STDERR_FILENO)) {}
     bool terminal() const { return terminal_; }
     void Show(size_t done, const std::string& name) const {
         if (!terminal_) return;

@@ -2,7 +2,6 @@
 // the main loop runs until the window is closed.
 #include <fmt/format.h>
 
-#include <fstream>
 #include <string>
 
 #include "CardWindow.h"
@@ -19,6 +18,7 @@
 #include "platform/headless/HeadlessHost.h"
 #include "platform/sdl/SdlHost.h"
 #include "player/StackFlows.h"
+#include "policy/Policy.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "ui/AlertBox.h"
@@ -41,10 +41,7 @@ bool OpenInWindow(const std::string& path) {
 }
 
 bool WriteText(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-    out.close();
-    if (out) return true;
+    if (WriteWholeHostFile(path, text.data(), text.size()) == 0) return true;
     fmt::print(stderr, "{}: could not write\n", path);
     return false;
 }
@@ -129,6 +126,7 @@ int RunPlay(const PlayOptions& options) {
         return 1;
     }
     SetHost(SdlHost());
+    SetPolicyPlace(PolicyPlace::Desktop);
     const int code = Play(options);
     StopSdlHost();
     SetHost(HeadlessHost());

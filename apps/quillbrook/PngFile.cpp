@@ -2,23 +2,40 @@
 
 #include <png.h>
 
-#include <cstdio>
 #include <cstring>
-#include <memory>
+
+#include "platform/HostFile.h"
 
 namespace {
 
 constexpr uint32_t kMaxSide = 32767;
 
-using File = std::unique_ptr<FILE, int (*)(FILE*)>;
-
 // What a read needs beyond the libpng structures, owned outside the function that holds the jump
-// point, so that a jump out of libpng skips no destructor.
+// point, so that a jump out of libpng skips no destructor. The file is read whole through the file
+// layer first, so that its faults reach the pictures too.
 struct ReadJob {
     PngImage* image = nullptr;
     std::vector<png_bytep> rows;
     std::string message;
+    std::string bytes;
+    size_t at = 0;
 };
+
+void ReadFromJob(png_structp png, png_bytep out, size_t count) {
+    auto* job = static_cast<ReadJob*>(png_get_io_ptr(png));
+    if (count > job->bytes.size() - job->at) png_error(png, "the file ends too soon");
+    std::memcpy(out, job->bytes.data() + job->at, count);
+    job->at += count;
+}
+
+// Writes what libpng made in memory through the file layer.
+bool WriteEncoded(const std::string& path, png_image* image, const void* pixels, const void* colormap) {
+    size_t size = 0;
+    if (!png_image_write_get_memory_size(*image, size, 0, pixels, 0, colormap)) return false;
+    std::vector<uint8_t> encoded(size);
+    if (!png_image_write_to_memory(image, encoded.data(), &size, 0, pixels, 0, colormap)) return false;
+    return WriteWholeHostFile(path, encoded.data(), size) == 0;
+}
 
 void OnError(png_structp png, png_const_charp message) {
     static_cast<ReadJob*>(png_get_error_ptr(png))->message = message;
@@ -28,9 +45,9 @@ void OnError(png_structp png, png_const_charp message) {
 void OnWarning(png_structp, png_const_charp) {}
 
 // Reads the whole picture; libpng's errors come back here through the jump.
-bool ReadInto(png_structp png, png_infop info, FILE* file, ReadJob* job) {
+bool ReadInto(png_structp png, png_infop info, ReadJob* job) {
     if (setjmp(png_jmpbuf(png))) return false;
-    png_init_io(png, file);
+    png_set_read_fn(png, job, ReadFromJob);
     png_read_info(png, info);
     const png_uint_32 width = png_get_image_width(png, info);
     const png_uint_32 height = png_get_image_height(png, info);
@@ -75,18 +92,17 @@ bool ReadInto(png_structp png, png_infop info, FILE* file, ReadJob* job) {
 
 bool ReadPng(const std::string& path, PngImage* image, std::string* error) {
     *image = PngImage{};
-    File file(std::fopen(path.c_str(), "rb"), std::fclose);
-    if (!file) {
+    ReadJob job;
+    job.image = image;
+    if (ReadWholeHostFile(path, &job.bytes) != 0) {
         *error = "cannot open \"" + path + "\"";
         return false;
     }
-    uint8_t signature[8] = {};
-    if (std::fread(signature, 1, 8, file.get()) != 8 || png_sig_cmp(signature, 0, 8) != 0) {
+    if (job.bytes.size() < 8 || png_sig_cmp(reinterpret_cast<png_const_bytep>(job.bytes.data()), 0, 8) != 0) {
         *error = "\"" + path + "\" is not a PNG file";
         return false;
     }
-    ReadJob job;
-    job.image = image;
+    job.at = 8;
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &job, OnError, OnWarning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info) {
@@ -95,7 +111,7 @@ bool ReadPng(const std::string& path, PngImage* image, std::string* error) {
         return false;
     }
     png_set_sig_bytes(png, 8);
-    const bool read = ReadInto(png, info, file.get(), &job);
+    const bool read = ReadInto(png, info, &job);
     png_destroy_read_struct(&png, &info, nullptr);
     if (!read) {
         *error = "\"" + path + "\": " + job.message;
@@ -124,7 +140,7 @@ bool WritePng(const std::string& path, int32_t width, int32_t height, const std:
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGBA;
-    const bool written = png_image_write_to_file(&image, path.c_str(), 0, rgba.data(), 0, nullptr) != 0;
+    const bool written = WriteEncoded(path, &image, rgba.data(), nullptr);
     png_image_free(&image);
     return written;
 }
@@ -144,7 +160,7 @@ bool WriteIndexedPng(const std::string& path, int32_t width, int32_t height, con
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGB_COLORMAP;
     image.colormap_entries = static_cast<png_uint_32>(palette.size());
-    const bool written = png_image_write_to_file(&image, path.c_str(), 0, indices.data(), 0, colormap.data()) != 0;
+    const bool written = WriteEncoded(path, &image, indices.data(), colormap.data());
     png_image_free(&image);
     return written;
 }

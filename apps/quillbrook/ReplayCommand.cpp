@@ -4,8 +4,6 @@
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -18,6 +16,7 @@
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
 #include "platform/Host.h"
+#include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
 
 namespace {
@@ -42,12 +41,11 @@ void PresentAndKeep(const Rect& dirty) {
 }
 
 bool ReadScript(const std::string& path, std::vector<HostEvent>* events) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    std::string text;
+    if (ReadWholeHostFile(path, &text) != 0) {
         fmt::print(stderr, "{}: cannot read the events\n", path);
         return false;
     }
-    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     std::string error;
     if (!ParseEventScript(text, events, &error)) {
         fmt::print(stderr, "{}: {}\n", path, error);

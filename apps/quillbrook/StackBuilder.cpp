@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <map>
 #include <unordered_map>
@@ -20,6 +18,7 @@
 #include "memory/OwnedMemRef.h"
 #include "pictures/Background.h"
 #include "pictures/PackedPixels.h"
+#include "platform/HostFile.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
@@ -170,11 +169,10 @@ Bytes Content(const Node& owner, const char* hexKey, const char* fileKey, const 
     if (owner.Has(hexKey)) return owner[hexKey].Hex();
     if (!owner.Has(fileKey)) return {};
     const std::filesystem::path path = baseDir / owner[fileKey].Utf8();
-    std::ifstream in(path, std::ios::binary);
-    if (!in) owner[fileKey].Fail(fmt::format("cannot read \"{}\"", path.string()));
-    Bytes bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad()) owner[fileKey].Fail(fmt::format("cannot read \"{}\"", path.string()));
-    return bytes;
+    std::string bytes;
+    if (ReadWholeHostFile(path.string(), &bytes) != 0)
+        owner[fileKey].Fail(fmt::format("cannot read \"{}\"", path.string()));
+    return Bytes(bytes.begin(), bytes.end());
 }
 
 void Append(Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); }

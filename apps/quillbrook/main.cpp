@@ -67,8 +67,12 @@ int main(int argc, char** argv) {
 
     CLI11_PARSE(app, argc, argv);
     if (!InitMemRefs() || !InitPathSlots()) return 2;
-    // Every command runs headless; play puts its window in place of this host.
-    SetHost(HeadlessHost());
+    // Every command runs headless; play puts its window in place of this host. The command line
+    // runs on a real terminal, so the date and the terminal are the machine's.
+    Host host = HeadlessHost();
+    host.WallClock = MachineWallClock;
+    host.IsTerminal = MachineIsTerminal;
+    SetHost(host);
     if (info->parsed()) return raw ? RunInfoRaw(path) : RunInfo(path, json);
     if (validate->parsed()) return RunValidate(path);
     if (build->parsed()) return RunBuild(path, output);

@@ -4,18 +4,18 @@
 
 #include <algorithm>
 #include <cstring>
-#include <ctime>
 #include <vector>
 
-#include "subsystems/Subsystems.h"
 #include "base/ByteOrder.h"
 #include "messages/StringTable.h"
+#include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "player/StackFlows.h"
 #include "stack/CardList.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
+#include "subsystems/Subsystems.h"
 
 namespace {
 
@@ -34,16 +34,14 @@ QuizAnswer* AnswerOf(MemRef card) {
 }
 
 ReportTime LocalTime() {
-    const std::time_t now = std::time(nullptr);
-    const std::tm* t = std::localtime(&now);
+    const HostDateTime t = GetHost().WallClock();
     ReportTime r;
-    if (!t) return r;
-    r.month = t->tm_mon + 1;
-    r.day = t->tm_mday;
-    r.year = t->tm_year % 100;
-    r.hour = t->tm_hour;
-    r.minute = t->tm_min;
-    r.second = t->tm_sec;
+    r.month = t.month;
+    r.day = t.day;
+    r.year = t.year % 100;
+    r.hour = t.hour;
+    r.minute = t.minute;
+    r.second = t.second;
     return r;
 }
 

@@ -14,7 +14,9 @@
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
+#include "platform/HostFolder.h"
 #include "platform/HostPath.h"
+#include "policy/Policy.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 
@@ -89,6 +91,7 @@ Subsystems ApplicationSubsystems() {
 bool InitApplication(void* window) {
     GetHost().window = window;
     InstallSubsystems(ApplicationSubsystems());
+    SetPolicyFolders(HostProgramFolder(), HostConfigFolder());
     GetDocument().stackHeader = 0;
     InitPaths();
     InitStackState();

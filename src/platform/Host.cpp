@@ -66,4 +66,6 @@ void SetHost(const Host& host) {
     FillEmpty(gHost.SetTitle, null.SetTitle);
     FillEmpty(gHost.SetCursor, null.SetCursor);
     FillEmpty(gHost.InputExhausted, null.InputExhausted);
+    FillEmpty(gHost.WallClock, null.WallClock);
+    FillEmpty(gHost.IsTerminal, null.IsTerminal);
 }

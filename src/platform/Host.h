@@ -52,6 +52,20 @@ struct HostEvent {
 // Picks queued events by their content, for PeekEvent and DropEvents.
 using HostEventMatch = bool (*)(const HostEvent& event);
 
+// The local date and time, for the quiz report and the language's clock.
+struct HostDateTime {
+    int32_t year = 0;     // 1999
+    int32_t month = 0;    // 1 to 12
+    int32_t day = 0;      // 1 to 31
+    int32_t hour = 0;     // 0 to 23
+    int32_t minute = 0;
+    int32_t second = 0;
+    int32_t weekday = 0;  // 0 Sunday
+};
+// The machine's own answers (time/localtime_r and isatty): every Host starts with them.
+HostDateTime MachineWallClock();
+bool MachineIsTerminal(int fd);
+
 struct Host {
     const char* name = "none";
     // Milliseconds since start.
@@ -93,6 +107,10 @@ struct Host {
     // True when no more input can ever come (a scripted run has used up its script): a modal
     // dialog then gives up as if cancelled instead of waiting for ever.
     bool (*InputExhausted)() = nullptr;
+    // The local date and time now.
+    HostDateTime (*WallClock)() = MachineWallClock;
+    // True when file descriptor `fd` is a terminal (progress is drawn only there).
+    bool (*IsTerminal)(int fd) = MachineIsTerminal;
 };
 
 Host& GetHost();

@@ -3,6 +3,7 @@
 // disk or a failing write (tests run as root, where chmod proves nothing).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -33,6 +34,11 @@ int32_t RenameHostFile(const std::string& from, const std::string& to);
 // Bytes free on the volume holding `hostPath`; -1 if unknown.
 int64_t HostFreeSpace(const std::string& hostPath);
 std::string HostTempFolder();
+
+// Whole files through the same door (and its faults): 0, or -1. The read refuses files of 4 GB
+// and more; the write creates the file or replaces what it held.
+int32_t ReadWholeHostFile(const std::string& hostPath, std::string* bytes);
+int32_t WriteWholeHostFile(const std::string& hostPath, const void* bytes, size_t count);
 
 // The fault seam. Counters count calls since the last reset; an index of 0 injects nothing.
 struct FileFaults {

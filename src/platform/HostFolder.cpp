@@ -19,3 +19,11 @@ std::string MakePrivateHostFolder(const std::string& parent, const std::string& 
 }
 
 int32_t RemoveHostFolder(const std::string& hostPath) { return ::rmdir(hostPath.c_str()) == 0 ? 0 : -1; }
+
+std::string HostConfigFolder() {
+    const char* config = std::getenv("XDG_CONFIG_HOME");
+    if (config && *config == '/') return std::string(config) + "/quillbrook";
+    const char* home = std::getenv("HOME");
+    if (home && *home == '/') return std::string(home) + "/.config/quillbrook";
+    return "";
+}

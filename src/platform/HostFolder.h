@@ -10,3 +10,7 @@
 std::string MakePrivateHostFolder(const std::string& parent, const std::string& prefix);
 // Removes an empty folder: 0, or -1 (not empty, missing, or not a folder).
 int32_t RemoveHostFolder(const std::string& hostPath);
+// The user's own folder of the player's settings, extension modules and stack sandboxes:
+// $XDG_CONFIG_HOME/quillbrook, else ~/.config/quillbrook; "" when neither is known. It may not
+// exist yet.
+std::string HostConfigFolder();

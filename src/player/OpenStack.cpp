@@ -12,6 +12,7 @@
 #include "platform/HostPath.h"
 #include "player/Navigation.h"
 #include "player/StackFlows.h"
+#include "policy/Policy.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
@@ -184,6 +185,7 @@ int32_t PrepareOpenedStack() {
     doc.hasFile = true;
     doc.dirty = false;
     doc.stackName = GetSlotName(kSlotStack);
+    SetPolicyStack(SlotHostPath(kSlotStack));
     UpdateTitle(true);
     MakeHomeTest();
     // The workspace record is attached here when the language arrives.
@@ -254,6 +256,7 @@ int32_t NewStack(bool showHint) {
     doc.dirty = false;
     doc.showCardNumber = keepCardNumber;
     doc.stackName = GetString(kStringUntitled);
+    SetPolicyStack("");  // an untitled stack has no folder of its own
     UpdateTitle(true);
     if (showHint) ShowMessage(kHintNewStack, true, false, true);
     return kResultOk;

@@ -6,6 +6,7 @@
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
+#include "policy/Policy.h"
 #include "stack/PathSlot.h"
 #include "stack/StackFiles.h"
 
@@ -15,9 +16,10 @@ inline constexpr int kFirstNamedTitle = 2413;
 inline constexpr int kLastNamedTitle = 2418;
 inline constexpr char kDriveOrder[] = "CDABEFGHI";
 
+// A candidate counts only where the stack may read it.
 bool Exists(const std::string& dosPath) {
     const std::string host = HostPathFromDos(dosPath);
-    return !host.empty() && GetHostFileStatus(host).exists;
+    return !host.empty() && GetHostFileStatus(host).exists && PolicyAllowsRead(host);
 }
 
 std::vector<std::string> Split(const std::string& path) {
@@ -81,6 +83,7 @@ bool LocateFile(const LocateRequest& request, int slot, bool search) {
     choice.proposed = name;
     std::string chosen;
     if (!GetHost().ChooseFile(choice, &chosen)) return false;
+    if (!PolicyAllowsRead(chosen)) return false;
     if (!SetSlotPath(kSlotScratch, DosPathFromHost(chosen))) return false;
     CopySlot(kSlotScratch, request.targetSlot);
     return true;

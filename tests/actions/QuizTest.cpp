@@ -90,4 +90,12 @@ TEST_F(QuizTest, AFailedWriteEndsTheReportWithTheFileError) {
     EXPECT_EQ(GetQuizState().answers.size(), 0u);
 }
 
+TEST_F(QuizTest, WithoutAClockOfItsOwnTheReportTakesTheHostsDate) {
+    GetQuizState().clock = nullptr;
+    Click(1, 11);
+    SetHeadlessWallClock({.year = 2001, .month = 9, .day = 8, .hour = 7, .minute = 6, .second = 5});
+    EXPECT_EQ(WriteTestReport(), 0);
+    EXPECT_NE(Report().find("\r\n09/08/01    07:06:05\r\n"), std::string::npos) << Report();
+}
+
 }  // namespace

@@ -12,6 +12,7 @@
 #include "messages/Alert.h"
 #include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
+#include "policy/Policy.h"
 #include "stack/Blob.h"
 #include "stack/Document.h"
 
@@ -150,5 +151,6 @@ void StartProgramAfresh() {
     ResetAlertState();
     CloseStack();
     CloseAllBlobStores();
+    ResetPolicyState();
     InitApplication(nullptr);
 }

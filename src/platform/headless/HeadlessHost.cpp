@@ -1,6 +1,7 @@
 #include "platform/headless/HeadlessHost.h"
 
 #include <algorithm>
+#include <ctime>
 
 #include "platform/AlertLayout.h"
 #include "ui/AlertBox.h"
@@ -114,6 +115,26 @@ void HeadlessSetCursor(int32_t cursorId) {
     gState.cursorId = cursorId;
 }
 
+HostDateTime HeadlessWallClock() {
+    const int64_t nowMs = gState.wallClockStartMs + gState.clockMs;
+    const std::time_t now = static_cast<std::time_t>(nowMs / 1000);
+    std::tm utc{};
+    HostDateTime t;
+    if (!::gmtime_r(&now, &utc)) return t;
+    t.year = utc.tm_year + 1900;
+    t.month = utc.tm_mon + 1;
+    t.day = utc.tm_mday;
+    t.hour = utc.tm_hour;
+    t.minute = utc.tm_min;
+    t.second = utc.tm_sec;
+    t.weekday = utc.tm_wday;
+    return t;
+}
+
+bool HeadlessIsTerminal(int fd) {
+    return fd >= 0 && fd < 32 && (gState.terminalFds >> fd & 1u) != 0;
+}
+
 }  // namespace
 
 Host HeadlessHost() {
@@ -134,6 +155,8 @@ Host HeadlessHost() {
     host.SetTitle = HeadlessSetTitle;
     host.SetCursor = HeadlessSetCursor;
     host.InputExhausted = HeadlessInputExhausted;
+    host.WallClock = HeadlessWallClock;
+    host.IsTerminal = HeadlessIsTerminal;
     return host;
 }
 
@@ -155,4 +178,16 @@ void SetHeadlessWindowSize(int32_t width, int32_t height) {
     height = std::max(height, kMinWindowSide);
     gState.window = Surface(width, height);
     gState.screen = Surface(width, height);
+}
+
+void SetHeadlessWallClock(const HostDateTime& at) {
+    // Days since 1970 of a proleptic Gregorian date, in eras of 400 years (timegm is no standard).
+    const int64_t year = at.year - (at.month <= 2 ? 1 : 0);
+    const int64_t era = (year >= 0 ? year : year - 399) / 400;
+    const int64_t yearOfEra = year - era * 400;
+    const int64_t dayOfYear = (153 * (at.month + (at.month > 2 ? -3 : 9)) + 2) / 5 + at.day - 1;
+    const int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+    const int64_t days = era * 146097 + dayOfEra - 719468;
+    const int64_t seconds = days * 86400 + at.hour * 3600 + at.minute * 60 + at.second;
+    gState.wallClockStartMs = seconds * 1000 - gState.clockMs;
 }

@@ -50,6 +50,10 @@ struct HeadlessState {
     // Alerts run the in-window modal box on the scripted input instead of taking alertAnswers.
     // When the script runs out, the box ends as cancelled.
     bool modalAlerts = false;
+    // The wall clock reads this UTC time (milliseconds since 1970) plus the virtual clock, as
+    // local time, so tests see the date they set whatever the machine's zone.
+    int64_t wallClockStartMs = 946684800000;  // 2000-01-01 00:00:00
+    uint32_t terminalFds = 0;            // bit n set: descriptor n is a terminal
 };
 
 HeadlessState& GetHeadlessState();
@@ -60,3 +64,5 @@ void QueueHeadlessEvent(const HostEvent& event);
 // Gives the window (and the screen) a new size, at least kMinWindowSide each way, all white. The
 // surface keeps its address.
 void SetHeadlessWindowSize(int32_t width, int32_t height);
+// The wall clock shows `at` now (its weekday is ignored) and moves on with the virtual clock.
+void SetHeadlessWallClock(const HostDateTime& at);

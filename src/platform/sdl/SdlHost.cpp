@@ -223,6 +223,8 @@ Host SdlHost() {
     host.SetCursor = SdlSetCursor;
     // A person at the window can always give more input.
     host.InputExhausted = [] { return false; };
+    host.WallClock = MachineWallClock;
+    host.IsTerminal = MachineIsTerminal;
     host.window = gState.window;
     return host;
 }

@@ -1,0 +1,68 @@
+// Whole-file reads and writes go through the file layer, so its faults reach them.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/HostFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class HostFileWhole : public testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() / ("qb-whole-" + std::to_string(::getpid()));
+        fs::create_directories(dir_);
+        ResetFileFaults();
+    }
+    void TearDown() override {
+        ResetFileFaults();
+        fs::remove_all(dir_);
+    }
+    std::string At(const char* name) const { return (dir_ / name).string(); }
+    fs::path dir_;
+};
+
+TEST_F(HostFileWhole, WrittenBytesReadBack) {
+    const std::string bytes("a\0b\r\n\xff", 6);
+    for (const std::string& content : {bytes, std::string(), std::string(70000, 'x')}) {
+        ASSERT_EQ(WriteWholeHostFile(At("f.bin"), content.data(), content.size()), 0);
+        std::string back = "old";
+        ASSERT_EQ(ReadWholeHostFile(At("f.bin"), &back), 0);
+        EXPECT_EQ(back, content) << content.size();
+    }
+}
+
+TEST_F(HostFileWhole, FailuresAndFaults) {
+    const struct {
+        const char* what;
+        uint32_t FileFaults::*counter;
+        int32_t read, write;
+    } cases[] = {
+        {"open fails", &FileFaults::failOpenAt, -1, -1},
+        {"read fails", &FileFaults::failReadAt, -1, 0},
+        {"write fails", &FileFaults::failWriteAt, 0, -1},
+    };
+    for (const auto& c : cases) {
+        ResetFileFaults();
+        ASSERT_EQ(WriteWholeHostFile(At("f.bin"), "abc", 3), 0);  // a failed write leaves it empty
+        ResetFileFaults();
+        GetFileFaults().*c.counter = 1;
+        std::string back = "old";
+        EXPECT_EQ(ReadWholeHostFile(At("f.bin"), &back), c.read) << c.what;
+        EXPECT_EQ(back, c.read == 0 ? "abc" : "") << c.what;
+        ResetFileFaults();
+        GetFileFaults().*c.counter = 1;
+        EXPECT_EQ(WriteWholeHostFile(At("f.bin"), "abc", 3), c.write) << c.what;
+    }
+    ResetFileFaults();
+    std::string back;
+    EXPECT_EQ(ReadWholeHostFile(At("missing"), &back), -1);
+    EXPECT_EQ(ReadWholeHostFile(dir_.string(), &back), -1);
+    EXPECT_EQ(WriteWholeHostFile(At("no-folder/f.bin"), "abc", 3), -1);
+}
+
+}  // namespace

@@ -1,0 +1,204 @@
+// What a stack may read, write, load and launch, on a small disk made at test time: a site with a
+// stack, its art, a media folder beside it and a secret next door, links out of the stack's folder,
+// an installation and a user config folder.
+#include "policy/Policy.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class PolicyTest : public testing::Test {
+protected:
+    void SetUp() override {
+        root_ = fs::temp_directory_path() / ("qb-policy-" + std::to_string(::getpid()));
+        fs::remove_all(root_);
+        for (const char* file :
+             {"site/Stacks/game.stk", "site/Stacks/art/pic.bmp", "site/QBSounds/ding.wav",
+              "site/Other/secret.txt", "install/QBArt/logo.bmp", "install/Extras/extra.bmp",
+              "install/NBAs/Sound.nba", "config/NBAs/Sound.nba", "config/NBAs/Mine.nba"}) {
+            Touch(file);
+        }
+        fs::create_directory_symlink(root_ / "site/Other", root_ / "site/Stacks/out");
+        fs::create_symlink(root_ / "site/Other/secret.txt", root_ / "site/Stacks/leak.bmp");
+        ResetPolicyState();
+        SetPolicyFolders(At("install"), At("config"));
+        SetPolicyStack(At("site/Stacks/game.stk"));
+    }
+    void TearDown() override {
+        ResetPolicyState();
+        fs::remove_all(root_);
+    }
+
+    std::string At(const std::string& relative) const { return (root_ / relative).string(); }
+    void Touch(const std::string& relative) const {
+        fs::create_directories((root_ / relative).parent_path());
+        std::ofstream(root_ / relative) << "x";
+    }
+
+    fs::path root_;
+};
+
+struct PathCase {
+    const char* path;  // under the test root
+    bool allowed;
+};
+
+TEST_F(PolicyTest, ReadsStayInTheStacksFoldersAndTheMediaFolders) {
+    const PathCase cases[] = {
+        {"site/Stacks/game.stk", true},
+        {"site/Stacks/art/pic.bmp", true},
+        {"site/Stacks/art/not-there.bmp", true},  // whether it exists is the locator's question
+        {"site/Stacks//art///./pic.bmp", true},
+        {"site/Stacks/../QBSounds/ding.wav", true},
+        {"site/qbsounds/ding.wav", true},  // media folders in any case
+        {"install/QBArt/logo.bmp", true},
+        {"site/Other/secret.txt", false},
+        {"site/Stacks/../Other/secret.txt", false},
+        {"site/Stacks/art/../../Other/secret.txt", false},
+        {"site/QBSounds/../Other/secret.txt", false},
+        {"site/Stacks/out/secret.txt", false},  // a folder link out
+        {"site/Stacks/leak.bmp", false},        // a file link out
+        {"site/StacksMore/a.bmp", false},
+        {"site/QBArtwork/a.bmp", false},
+        {"install/Extras/extra.bmp", false},
+        {"install/NBAs/Sound.nba", false},
+        {"install/logo.bmp", false},
+    };
+    for (const PathCase& c : cases) EXPECT_EQ(PolicyAllowsRead(At(c.path)), c.allowed) << c.path;
+
+    const std::string sandbox = PolicySandboxFolder();
+    EXPECT_TRUE(PolicyAllowsRead(sandbox + "/notes.txt"));
+    EXPECT_FALSE(PolicyAllowsRead(sandbox + "/../other-stack/notes.txt"));
+    for (const char* elsewhere : {"/etc/passwd", "../../../../../../../../etc/passwd", "", "/"})
+        EXPECT_FALSE(PolicyAllowsRead(elsewhere)) << elsewhere;
+    // The OS stops at the NUL, so the part behind it must not make the path look inside.
+    std::string cut = "/etc/passwd";
+    cut += '\0';
+    EXPECT_FALSE(PolicyAllowsRead(cut + "/../.." + At("site/Stacks/art/pic.bmp")));
+}
+
+TEST_F(PolicyTest, ReadsWithoutAStackOrBesideTheTemporaryFolderOrAtTheRoot) {
+    SetPolicyStack("");
+    EXPECT_TRUE(PolicyAllowsRead(At("install/QBArt/logo.bmp")));
+    EXPECT_FALSE(PolicyAllowsRead(At("site/Stacks/art/pic.bmp")));
+
+    // A streamed stack's private folder sits in the temporary folder: no media folders beside it.
+    const std::string savedTemp = std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "";
+    setenv("TMPDIR", At("site").c_str(), 1);
+    SetPolicyStack(At("site/Stacks/game.stk"));
+    const bool streamedSeesMedia = PolicyAllowsRead(At("site/QBSounds/ding.wav"));
+    const bool streamedSeesItsFolder = PolicyAllowsRead(At("site/Stacks/art/pic.bmp"));
+    savedTemp.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", savedTemp.c_str(), 1);
+    EXPECT_FALSE(streamedSeesMedia);
+    EXPECT_TRUE(streamedSeesItsFolder);
+
+    SetPolicyStack("/game.stk");
+    EXPECT_FALSE(PolicyAllowsRead("/etc/passwd"));
+}
+
+TEST_F(PolicyTest, WritesOnlyInTheStacksOwnSandboxAndTheStackItself) {
+    const std::string sandbox = PolicySandboxFolder();
+    ASSERT_EQ(sandbox.rfind(fs::canonical(root_ / "config").string() + "/Sandboxes/game-", 0), 0u)
+        << sandbox;
+    fs::create_directories(sandbox);
+    fs::create_directory_symlink(root_ / "site/Other", sandbox + "/escape");
+    const PathCase cases[] = {
+        {"site/Stacks/game.stk", true},     {"site/Stacks/QBTMP000.TMP", true},
+        {"site/Stacks/QBTMP12.TMP", false}, {"site/Stacks/art/QBTMP000.TMP", false},
+        {"site/Stacks/art/pic.bmp", false}, {"site/Stacks/leak.bmp", false},
+        {"site/QBSounds/ding.wav", false},  {"config/Sandboxes", false},
+    };
+    for (const PathCase& c : cases) EXPECT_EQ(PolicyAllowsWrite(At(c.path)), c.allowed) << c.path;
+    const std::pair<const char*, bool> inSandbox[] = {
+        {"/notes.txt", true}, {"/sub/deeper.txt", true},     {"/", false},
+        {"/../x", false},     {"/escape/secret.txt", false},
+    };
+    for (const auto& [tail, allowed] : inSandbox) {
+        EXPECT_EQ(PolicyAllowsWrite(sandbox + tail), allowed) << tail;
+    }
+
+    SetPolicyStack(At("site/Stacks/art/../game.stk"));
+    EXPECT_EQ(PolicySandboxFolder(), sandbox) << "the same stack finds its files again";
+    SetPolicyStack(At("site/Other/game.stk"));
+    EXPECT_FALSE(PolicyAllowsWrite(sandbox + "/notes.txt")) << "another stack of the same name";
+    SetPolicyFolders(At("install"), "");
+    EXPECT_EQ(PolicySandboxFolder(), "");
+    EXPECT_TRUE(PolicyAllowsWrite(At("site/Other/game.stk")));
+}
+
+TEST_F(PolicyTest, ModulesLoadByBareNameFromTheNbaFoldersOrCompiledIn) {
+    RegisterBuiltInModule("Quiz.nba");
+    RegisterBuiltInModule("../Evil.nba");  // never a name to load
+    std::string file = "unchanged";
+    EXPECT_TRUE(PolicyAllowsLoad("QUIZ.NBA", &file));
+    EXPECT_EQ(file, "");
+    EXPECT_FALSE(PolicyAllowsLoad("../Evil.nba", &file));
+    SetPolicyPlace(PolicyPlace::Web);
+    EXPECT_FALSE(PolicyAllows(PolicyAct::Load, "Mine.nba")) << "no module files on the web";
+    SetPolicyPlace(PolicyPlace::Desktop);
+    if (PolicyOnWeb()) GTEST_SKIP() << "a web build has no module files";
+
+    const std::pair<std::string, const char*> cases[] = {
+        {"Sound.nba", "install/NBAs/Sound.nba"},  // the installation's first
+        {"Mine.nba", "config/NBAs/Mine.nba"},
+        {"Missing.nba", nullptr},
+        {"NBAs/Sound.nba", nullptr},
+        {"..\\Sound.nba", nullptr},
+        {"Sound..nba", nullptr},
+        {"C:Sound.nba", nullptr},
+        {At("install/NBAs/Sound.nba"), nullptr},
+        {"", nullptr},
+        {std::string(300, 'a'), nullptr},
+        {std::string("Sound.nba\0x", 11), nullptr},
+    };
+    for (const auto& [name, found] : cases) {
+        file = "unchanged";
+        EXPECT_EQ(PolicyAllowsLoad(name, &file), found != nullptr) << name;
+        EXPECT_EQ(file, found ? At(found) : "") << name;
+    }
+}
+
+std::vector<std::string> gAsked;
+bool gAnswer = false;
+bool Confirm(const std::string& program, const std::string&) {
+    gAsked.push_back(program);
+    return gAnswer;
+}
+
+TEST_F(PolicyTest, LaunchesNeverRunOnTheWebAreRecordedHeadlessAndAskedOnTheDesktop) {
+    SetPolicyConfirmLaunch(Confirm);
+    gAnswer = true;
+    for (PolicyPlace place : {PolicyPlace::Web, PolicyPlace::Headless}) {
+        SetPolicyPlace(place);
+        EXPECT_FALSE(PolicyAllowsLaunch("/usr/bin/xcalc")) << static_cast<int>(place);
+    }
+    ASSERT_EQ(GetPolicyState().launchesRecorded.size(), PolicyOnWeb() ? 0u : 1u);
+    if (PolicyOnWeb()) GTEST_SKIP() << "a web build never launches";
+    EXPECT_EQ(GetPolicyState().launchesRecorded[0].program, "/usr/bin/xcalc");
+    EXPECT_TRUE(gAsked.empty());
+
+    SetPolicyPlace(PolicyPlace::Desktop);
+    EXPECT_TRUE(PolicyAllowsLaunch("/usr/bin/xcalc"));
+    gAnswer = false;
+    EXPECT_TRUE(PolicyAllowsLaunch("/usr/bin/xcalc")) << "asked once per stack and program";
+    EXPECT_FALSE(PolicyAllowsLaunch("/usr/bin/xterm"));
+    EXPECT_FALSE(PolicyAllowsLaunch("/usr/bin/xterm"));
+    SetPolicyStack(At("site/Other/other.stk"));
+    EXPECT_FALSE(PolicyAllows(PolicyAct::Launch, "/usr/bin/xcalc")) << "another stack asks again";
+    EXPECT_EQ(gAsked,
+              (std::vector<std::string>{"/usr/bin/xcalc", "/usr/bin/xterm", "/usr/bin/xcalc"}));
+    SetPolicyConfirmLaunch(nullptr);
+    EXPECT_FALSE(PolicyAllowsLaunch("/usr/bin/xclock")) << "no one to ask";
+    EXPECT_FALSE(PolicyAllowsLaunch(""));
+}
+
+}  // namespace

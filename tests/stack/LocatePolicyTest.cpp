@@ -1,0 +1,78 @@
+// The file locator takes only what the Policy lets the current stack read: a stack in a folder
+// elsewhere is neither found nor taken from the user's choice, and an opened stack becomes the
+// one the Policy judges for.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/HostPath.h"
+#include "platform/headless/HeadlessHost.h"
+#include "policy/Policy.h"
+#include "stack/Blob.h"
+#include "stack/Document.h"
+#include "player/Navigation.h"
+#include "stack/PathSlot.h"
+#include "player/StackFlows.h"
+#include "support/StackBytes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string WriteOneCardStack(const std::string& file) {
+    return WriteTempFile(file, StoredStack({}, {StoredCard(1, "")}, {}));
+}
+
+class LocatePolicyTest : public testing::Test {
+protected:
+    void SetUp() override {
+        StartProgramAfresh();
+        outside_ = fs::temp_directory_path() / ("qb-outside-" + std::to_string(::getpid()));
+        fs::create_directories(outside_);
+    }
+    void TearDown() override {
+        CloseStack();
+        CloseAllBlobStores();
+        ResetPolicyState();
+        fs::remove_all(outside_);
+    }
+    fs::path outside_;
+};
+
+TEST_F(LocatePolicyTest, OtherStacksComeOnlyFromAllowedFolders) {
+    const std::string home = WriteOneCardStack("home.stk");
+    const std::string beside = WriteOneCardStack("beside.stk");
+    const std::string far = (outside_ / "far.stk").string();
+    fs::copy_file(beside, far);
+    SetSlotPath(kSlotStack, DosPathFromHost(home));
+    ASSERT_EQ(OpenStack(false), kResultOk);
+    EXPECT_EQ(GetPolicyState().context.stackPath, home);
+
+    struct Case {
+        std::string target;
+        std::string chosen;  // the user's answer to the search; "" cancels
+        int32_t result;
+        const char* stackAfter;
+    };
+    const Case cases[] = {
+        {far, "", kStackMoveStopped, "home.stk"},  // there, but outside
+        {far, far, kStackMoveStopped, "home.stk"},
+        {far, beside, kResultOk, "beside.stk"},
+        {home, "", kResultOk, "home.stk"},
+    };
+    for (const Case& c : cases) {
+        SetSlotPath(kSlotOtherStack, DosPathFromHost(c.target));
+        if (!c.chosen.empty()) GetHeadlessState().fileChoices.push_back(c.chosen);
+        EXPECT_EQ(GoToStack(kSlotOtherStack, 1, kPlainEffect, kPlainSpeed, false, false), c.result)
+            << c.target << " / " << c.chosen;
+        EXPECT_EQ(GetDocument().stackName, c.stackAfter) << c.target << " / " << c.chosen;
+        EXPECT_TRUE(GetHeadlessState().fileChoices.empty());
+    }
+    EXPECT_EQ(GetPolicyState().context.stackPath, home);
+    NewStack(false);
+    EXPECT_EQ(GetPolicyState().context.stackPath, "");
+}
+
+}  // namespace
