@@ -71,39 +71,6 @@ Bytes RunPackedPicture(std::initializer_list<const char*> rows) {
         [&](int32_t x, int32_t y) { return static_cast<uint32_t>(lines[y][x] - '0'); });
 }
 
-// A stored graphic chunk holding `picture`, with its frame.
-Bytes StoredGraphic(uint16_t id, const Rect& r, uint16_t flags, uint16_t frameColor,
-                    uint16_t frameWidth, const Bytes& picture) {
-    Bytes rest(kGraphicHeadSize - 16, 0);
-    PutBE16(rest, kGraphicFrameColor - 16, frameColor);
-    PutBE16(rest, kGraphicFrameWidth - 16, frameWidth);
-    PutBE32(rest, kGraphicPictureSize - 16, static_cast<uint32_t>(picture.size()));
-    Append(rest, picture);
-    if (picture.size() % 2) {
-        rest.push_back(0);
-        flags |= kItemFlagOddPad;
-    }
-    return StoredItem(kItemKindGraphic, id, static_cast<int16_t>(r.left),
-                      static_cast<int16_t>(r.top), static_cast<int16_t>(r.right),
-                      static_cast<int16_t>(r.bottom), rest, flags);
-}
-
-// A stored button of `shape` that shows its name.
-Bytes StoredButton(uint16_t id, const Rect& r, int16_t shape, uint16_t flags,
-                   const std::string& name) {
-    Bytes rest(kButtonHeadSize - 16, 0);
-    rest[kButtonName - 16] = static_cast<uint8_t>(name.size());
-    for (size_t i = 0; i < name.size(); ++i)
-        rest[kButtonName - 16 + 1 + i] = static_cast<uint8_t>(name[i]);
-    PutBE16(rest, kButtonShape - 16, static_cast<uint16_t>(shape));
-    PutBE16(rest, kButtonFlags - 16, 8);  // show the name
-    PutBE16(rest, kButtonTextColor - 16, 256);
-    PutBE16(rest, kButtonFillColor - 16, 1);
-    return StoredItem(kItemKindButton, id, static_cast<int16_t>(r.left),
-                      static_cast<int16_t>(r.top), static_cast<int16_t>(r.right),
-                      static_cast<int16_t>(r.bottom), rest, flags);
-}
-
 std::vector<int16_t> ListIds() {
     std::vector<int16_t> ids;
     for (const DisplayItem* item = DisplayListHead(); item; item = item->next.get())
@@ -179,12 +146,12 @@ protected:
             return d > 19 ? 0u : 6u + static_cast<uint32_t>(d / 5);
         });
         const std::vector<Bytes> items = {
-            StoredGraphic(1, {10, 10, 50, 50}, 0, 16, 3, plain),
-            StoredGraphic(2, {60, 10, 100, 50}, kItemFlagHidden, 0, 0, plain),
-            StoredButton(3, {20, 60, 90, 90}, 2, 0, "Shown"),
-            StoredGraphic(4, {60, 30, 100, 70}, kGraphicFlagTransparent, 4, 2, shape),
-            StoredButton(5, {100, 60, 150, 110}, 0, kItemFlagHidden, "Hidden"),
-            StoredButton(6, {110, 10, 150, 40}, 4, 0, "Top"),
+            StoredGraphic(1, {10, 10, 50, 50}, plain, 0, 16, 3),
+            StoredGraphic(2, {60, 10, 100, 50}, plain, kItemFlagHidden),
+            StoredButton(3, {20, 60, 90, 90}, 2, "Shown"),
+            StoredGraphic(4, {60, 30, 100, 70}, shape, kGraphicFlagTransparent, 4, 2),
+            StoredButton(5, {100, 60, 150, 110}, 0, "Hidden", kItemFlagHidden),
+            StoredButton(6, {110, 10, 150, 40}, 4, "Top"),
         };
         HeaderSpec header;
         header.cardWidth = 160;
@@ -269,9 +236,8 @@ TEST_F(OffscreenCardTest, GraphicsAreStretchedAndFramedOrDrawnThroughTheirShape)
     header.cardWidth = 40;
     header.cardHeight = 40;
     const std::vector<Bytes> items = {
-        StoredGraphic(1, {0, 0, 2, 2}, 0, 4, 1, RunPackedPicture({"12", "21"})),
-        StoredGraphic(2, {1, 1, 5, 4}, kGraphicFlagTransparent, 4, 1,
-                      RunPackedPicture({"0110", "1221", "0110"})),
+        StoredGraphic(1, {0, 0, 2, 2}, RunPackedPicture({"12", "21"}), 0, 4, 1),
+        StoredGraphic(2, {1, 1, 5, 4}, RunPackedPicture({"0110", "1221", "0110"}), kGraphicFlagTransparent, 4, 1),
     };
     Open(WriteTempFile("graphics.stk", StoredStack(header, {StoredCard(1, "G", items)}, {})));
     GetPaletteState().current = ArtPalette();

@@ -120,13 +120,6 @@ Bytes IconFile(int32_t w, int32_t h, uint16_t bits, const std::vector<uint32_t>&
     return f;
 }
 
-MemRef BlockOf(const Bytes& bytes) {
-    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-    MemRefLock lock(ref);
-    std::copy(bytes.begin(), bytes.end(), lock.data());
-    return ref;
-}
-
 // White, cream, red, blue, pale blue, then black.
 std::vector<uint32_t> TestPalette() {
     std::vector<uint32_t> p(256, kBlack);
