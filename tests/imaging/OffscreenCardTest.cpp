@@ -19,6 +19,7 @@
 #include "imaging/Transition.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
+#include "stack/ButtonLayout.h"
 #include "stack/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
@@ -380,6 +381,40 @@ TEST_F(OffscreenCardTest, HiddenItemsStayOutUntilShownAgainInTheirPlace) {
     EXPECT_EQ(ListIds(), (std::vector<int16_t>{1, 2, 3, 4, 6}));
     EXPECT_EQ(Screen().Row(15)[70], 0xFF6402u) << "its top left quarter, on the window";
     EXPECT_EQ(FindItemAt(70, 15, false, nullptr), FindDisplayItem(kItemKindGraphic, 2));
+}
+
+// A picture button (shape 5) is hit where its mask is set and nowhere else, even inside its name.
+TEST_F(OffscreenCardTest, APictureButtonIsHitThroughItsMaskOnly) {
+    // A stored mask sub-record (type 130) of 32 by 24: the left half set, the right half clear.
+    const int32_t w = 32, h = 24, stride = MaskRowBytes(w);
+    Bytes mask(kSubHeadSize + 24 + static_cast<size_t>(stride * h), 0);
+    PutBE16(mask, 0, 130);
+    PutBE32(mask, 12, static_cast<uint32_t>(mask.size()));
+    PutBE16(mask, kSubHeadSize, w);
+    PutBE16(mask, kSubHeadSize + 2, h);
+    for (int32_t y = 0; y < h; ++y) PutBE16(mask, kSubHeadSize + 24 + static_cast<size_t>(y * stride), 0xFFFF);
+    HeaderSpec header;
+    header.cardWidth = 80;
+    header.cardHeight = 60;
+    const Rect r{20, 20, 20 + w, 20 + h};
+    Open(WriteTempFile("picture-button.stk",
+                       StoredStack(header, {StoredCard(1, "P", {StoredButton(9, r, 5, "Picture", 0, mask)})}, {})));
+    Show(1);
+    const DisplayItem* button = FindDisplayItem(kItemKindButton, 9);
+    ASSERT_NE(button, nullptr);
+    ASSERT_TRUE(button->hasMask);
+    const Rect name = LayOutButton(*button).nameRect;
+    ASSERT_FALSE(IntersectRect(name, r).IsEmpty());
+    int32_t hits = 0, misses = 0;
+    for (int32_t y = name.top; y < name.bottom; ++y) {
+        for (int32_t x = name.left; x < name.right; ++x) {
+            const bool set = r.Contains(x, y) && x < r.left + 16;
+            EXPECT_EQ(FindItemAt(x, y, false, nullptr), set ? button : nullptr) << x << "," << y;
+            ++(set ? hits : misses);
+        }
+    }
+    EXPECT_GT(hits, 0);
+    EXPECT_GT(misses, 0);
 }
 
 #if QB_GOLDEN_TESTS
