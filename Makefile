@@ -47,14 +47,16 @@ test-wasm: deps-web
 	@cmake --build --preset wasm -j $(JOBS)
 	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
 
-# The unit tests in a --coverage build (build/coverage), then the line coverage of src/ by gcovr.
-# Counters of an earlier run are cleared first, so the figure is this run's alone.
+# The unit tests in a --coverage build (build/coverage), then the line coverage of src/ by gcovr:
+# the summary on the terminal, the table by file in build/coverage/coverage.txt. Counters of an
+# earlier run are cleared first, so the figure is this run's alone.
 coverage: deps
 	@cmake --preset coverage >/dev/null
 	@cmake --build --preset coverage -j $(JOBS)
 	@find build/coverage -name '*.gcda' -delete
 	ctest --preset coverage -j $(JOBS)
-	gcovr -r . --object-directory build/coverage --filter 'src/' --exclude 'build/' --exclude 'tests/' --print-summary -s | tail -3
+	gcovr -r . --object-directory build/coverage --exclude-directories 'build/coverage/CMakeFiles' \
+	  --filter 'src/' --exclude 'build/' --exclude 'tests/' --print-summary -o build/coverage/coverage.txt
 
 # libFuzzer targets built with clang-14 + ASan + UBSan; each runs FUZZ_SECONDS (make fuzz FUZZ_SECONDS=60).
 fuzz: deps
