@@ -7,7 +7,7 @@ QB := build/release/apps/quillbrook/quillbrook
 DEMO := build/release/examples/demo/demo.stk
 DEMO_PNGS := build/release/demo-cards
 
-.PHONY: all deps deps-web run test test-native test-asan test-wasm build-release fuzz bench format clean
+.PHONY: all deps deps-web run test test-native test-asan test-wasm build-release coverage fuzz bench format clean
 
 all: build-release
 
@@ -46,6 +46,17 @@ test-wasm: deps-web
 	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null
 	@cmake --build --preset wasm -j $(JOBS)
 	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
+
+# The unit tests in a --coverage build (build/coverage), then the line coverage of src/ by gcovr:
+# the summary on the terminal, the table by file in build/coverage/coverage.txt. Counters of an
+# earlier run are cleared first, so the figure is this run's alone.
+coverage: deps
+	@cmake --preset coverage >/dev/null
+	@cmake --build --preset coverage -j $(JOBS)
+	@find build/coverage -name '*.gcda' -delete
+	ctest --preset coverage -j $(JOBS)
+	gcovr -r . --object-directory build/coverage --exclude-directories 'build/coverage/CMakeFiles' \
+	  --filter 'src/' --exclude 'build/' --exclude 'tests/' --print-summary -o build/coverage/coverage.txt
 
 # libFuzzer targets built with clang-14 + ASan + UBSan; each runs FUZZ_SECONDS (make fuzz FUZZ_SECONDS=60).
 fuzz: deps

@@ -9,7 +9,7 @@ packages=(
   libfmt-dev libcli11-dev nlohmann-json3-dev
   clang-14 libclang-rt-14-dev
   libjpeg62-turbo-dev libfreetype-dev libpng-dev libtiff-dev
-  libjpeg-turbo-progs
+  libjpeg-turbo-progs gcovr
   libfreetype-dev fonts-liberation2 fonts-dejavu-core
   libsdl2-dev
   xvfb xauth xdotool

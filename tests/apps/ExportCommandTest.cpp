@@ -128,23 +128,6 @@ Bytes ColorTableBytes() {
     return t;
 }
 
-// A graphic item whose picture is `packed` pixels of a width by height picture, as stored.
-Bytes GraphicItem(uint16_t id, int16_t left, int16_t top, int32_t width, int32_t height, const Bytes& packed, uint16_t flags) {
-    Bytes item = StoredItem(16, id, left, top, static_cast<int16_t>(left + width), static_cast<int16_t>(top + height), Bytes(64, 0), flags);
-    Bytes picture(8, 0);
-    PutBE16(picture, 0, static_cast<uint16_t>(width));
-    PutBE16(picture, 2, static_cast<uint16_t>(height));
-    Append(picture, packed);
-    PutBE32(item, 60, static_cast<uint32_t>(picture.size()));
-    Append(item, picture);
-    if (item.size() % 2) {
-        item.push_back(0);
-        PutBE16(item, 22, static_cast<uint16_t>(flags | 0x200));
-    }
-    PutBE32(item, 12, static_cast<uint32_t>(item.size()));
-    return item;
-}
-
 // A kind 1 card whose chunk holds `palette` and image `data` of `format`, as stored.
 Bytes PictureCard(uint16_t id, uint16_t format, const Bytes& palette, const Bytes& data, const std::vector<Bytes>& items = {}) {
     Bytes card = StoredCard(id, "P" + std::to_string(id), {}, 1);
@@ -168,11 +151,10 @@ Bytes PictureCard(uint16_t id, uint16_t format, const Bytes& palette, const Byte
     return card;
 }
 
-Bytes Take(MemRef ref) { return TakeBytes(ref); }
 
 // Format 2 image data as stored: the run lengths turn big-endian.
 Bytes StoredRuns(MemRef picture) {
-    Bytes data = Take(CompressBackground(picture, false));
+    Bytes data = TakeBytes(CompressBackground(picture, false));
     PutBE32(data, 4, Read32(data.data() + 4));
     PutBE32(data, 12, Read32(data.data() + 12));
     return data;
@@ -202,8 +184,13 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
         MemRefLock lock(graphic);
         for (int32_t i = 0; i < 24; ++i) SetPixel(lock.data(), i % 6, i / 6, static_cast<uint32_t>(i));
     }
-    const Bytes runs = Take(EncodeRunPacked(graphic));
-    Bytes rows = Take(EncodeRowPacked(graphic));
+    const Bytes runs = TakeBytes(EncodeRunPacked(graphic));
+    const auto sized = [](const Bytes& packed) {  // behind the picture's 6 by 4 head
+        Bytes picture = {0, 6, 0, 4, 0, 0, 0, 0};
+        Append(picture, packed);
+        return picture;
+    };
+    Bytes rows = TakeBytes(EncodeRowPacked(graphic));
     rows.resize(rows.size() - 3);
     // A good and a damaged format 2 picture, a good and a cut JPEG picture.
     const Bytes goodRuns = StoredRuns(background);
@@ -211,7 +198,7 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
     badRuns[16] = 0;  // compressed, whatever the block was
     badRuns[16 + 4] = 0xFF, badRuns[16 + 5] = 0xFF, badRuns[16 + 6] = 0xFF, badRuns[16 + 7] = 0xFF;  // copies from before the start
     const MemRef photo = Photo();
-    const Bytes jpeg = Take(EncodeJpegBackground(photo, kJpegBackgroundQuality));
+    const Bytes jpeg = TakeBytes(EncodeJpegBackground(photo, kJpegBackgroundQuality));
     const Bytes cutJpeg(jpeg.begin(), jpeg.begin() + static_cast<ptrdiff_t>(jpeg.size() / 2));
 
     HeaderSpec header;
@@ -220,7 +207,7 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
     header.cardHeight = kHeight;
     const Bytes stack = StoredStack(header,
                                     {PictureCard(1, 2, palette, goodRuns,
-                                                 {GraphicItem(10, 5, 5, 6, 4, runs, 0), GraphicItem(11, 20, 5, 6, 4, rows, 16)}),
+                                                 {StoredGraphic(10, {5, 5, 11, 9}, sized(runs)), StoredGraphic(11, {20, 5, 26, 9}, sized(rows), 16)}),
                                      StoredCard(2, "member", {}, 3, 1), PictureCard(3, 2, palette, badRuns),
                                      PictureCard(4, 3, palette, jpeg), PictureCard(5, 3, palette, cutJpeg)},
                                     {});

@@ -120,13 +120,6 @@ Bytes IconFile(int32_t w, int32_t h, uint16_t bits, const std::vector<uint32_t>&
     return f;
 }
 
-MemRef BlockOf(const Bytes& bytes) {
-    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-    MemRefLock lock(ref);
-    std::copy(bytes.begin(), bytes.end(), lock.data());
-    return ref;
-}
-
 // White, cream, red, blue, pale blue, then black.
 std::vector<uint32_t> TestPalette() {
     std::vector<uint32_t> p(256, kBlack);
@@ -389,6 +382,38 @@ TEST_F(ButtonDrawTest, DrawingKeepsToTheClipRegion) {
     DrawButton(whole, whole.Bounds(), item, TestPalette().data(), false);
     EXPECT_EQ(changed, IntersectRegions(ChangedPixels(before, whole), clip));
     FreeMemRef(card);
+}
+
+// A name or an icon wider than its button stays inside the two columns of each side border, where
+// the frame and the shadow are: only the contents between them change.
+TEST_F(ButtonDrawTest, AWideNameOrIconIsClippedInsideTheSideBorders) {
+    const Bytes icon = IconFile(48, 8, 8, {kBlue}, [](int32_t, int32_t) { return 0u; });
+    for (int16_t shape : {0, 1, 2, 3}) {
+        for (const bool withIcon : {false, true}) {
+            SCOPED_TRACE(testing::Message() << "shape " << shape << (withIcon ? ", icon" : ", name"));
+            Button b;
+            b.shape = shape;
+            b.rect = {30, 10, 60, 70};
+            b.textColor = 4;  // blue on white
+            b.name = withIcon ? "" : "WWWWWWWWWWWW";
+            const MemRef card = NativeCard(b);
+            DisplayItem item;
+            ASSERT_TRUE(FillButtonItem(&item, card, kCardHeadSize));
+            Surface plain = Checked(90, 80), full = plain;
+            item.showName = false;
+            DrawButton(plain, plain.Bounds(), item, TestPalette().data(), false);
+            item.showName = !withIcon;
+            if (withIcon) {
+                item.icon = BlockOf(icon);
+                item.showIcon = true;
+            }
+            DrawButton(full, full.Bounds(), item, TestPalette().data(), false);
+            const Region changed = ChangedPixels(plain, full);
+            EXPECT_FALSE(changed.IsEmpty()) << "the contents show";
+            EXPECT_EQ(SubtractRegion(changed, Region({32, 10, 58, 70})), Region());
+            FreeMemRef(card);
+        }
+    }
 }
 
 TEST_F(ButtonDrawTest, InvertingTwiceRestoresEveryShape) {

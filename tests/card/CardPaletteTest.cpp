@@ -23,13 +23,6 @@ using Rgb = std::array<uint8_t, 3>;
 
 Rgb RgbOf(const PaletteEntry& e) { return {e.red, e.green, e.blue}; }
 
-MemRef BlockOf(const Bytes& bytes) {
-    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-    MemRefLock lock(ref);
-    std::copy(bytes.begin(), bytes.end(), lock.data());
-    return ref;
-}
-
 // Format 2 image data of a one-colour picture.
 MemRef PlainPicture(int32_t width, int32_t height) {
     const MemRef image = MakePicture(width, height, 8, Fill::Single, 1);

@@ -18,6 +18,8 @@
 #include "pictures/PackedPixels.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
+#include "card/ButtonLayout.h"
+#include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
@@ -69,39 +71,6 @@ Bytes RunPackedPicture(std::initializer_list<const char*> rows) {
     return RunPackedPicture(
         static_cast<int32_t>(lines[0].size()), static_cast<int32_t>(lines.size()),
         [&](int32_t x, int32_t y) { return static_cast<uint32_t>(lines[y][x] - '0'); });
-}
-
-// A stored graphic chunk holding `picture`, with its frame.
-Bytes StoredGraphic(uint16_t id, const Rect& r, uint16_t flags, uint16_t frameColor,
-                    uint16_t frameWidth, const Bytes& picture) {
-    Bytes rest(kGraphicHeadSize - 16, 0);
-    PutBE16(rest, kGraphicFrameColor - 16, frameColor);
-    PutBE16(rest, kGraphicFrameWidth - 16, frameWidth);
-    PutBE32(rest, kGraphicPictureSize - 16, static_cast<uint32_t>(picture.size()));
-    Append(rest, picture);
-    if (picture.size() % 2) {
-        rest.push_back(0);
-        flags |= kItemFlagOddPad;
-    }
-    return StoredItem(kItemKindGraphic, id, static_cast<int16_t>(r.left),
-                      static_cast<int16_t>(r.top), static_cast<int16_t>(r.right),
-                      static_cast<int16_t>(r.bottom), rest, flags);
-}
-
-// A stored button of `shape` that shows its name.
-Bytes StoredButton(uint16_t id, const Rect& r, int16_t shape, uint16_t flags,
-                   const std::string& name) {
-    Bytes rest(kButtonHeadSize - 16, 0);
-    rest[kButtonName - 16] = static_cast<uint8_t>(name.size());
-    for (size_t i = 0; i < name.size(); ++i)
-        rest[kButtonName - 16 + 1 + i] = static_cast<uint8_t>(name[i]);
-    PutBE16(rest, kButtonShape - 16, static_cast<uint16_t>(shape));
-    PutBE16(rest, kButtonFlags - 16, 8);  // show the name
-    PutBE16(rest, kButtonTextColor - 16, 256);
-    PutBE16(rest, kButtonFillColor - 16, 1);
-    return StoredItem(kItemKindButton, id, static_cast<int16_t>(r.left),
-                      static_cast<int16_t>(r.top), static_cast<int16_t>(r.right),
-                      static_cast<int16_t>(r.bottom), rest, flags);
 }
 
 std::vector<int16_t> ListIds() {
@@ -179,12 +148,12 @@ protected:
             return d > 19 ? 0u : 6u + static_cast<uint32_t>(d / 5);
         });
         const std::vector<Bytes> items = {
-            StoredGraphic(1, {10, 10, 50, 50}, 0, 16, 3, plain),
-            StoredGraphic(2, {60, 10, 100, 50}, kItemFlagHidden, 0, 0, plain),
-            StoredButton(3, {20, 60, 90, 90}, 2, 0, "Shown"),
-            StoredGraphic(4, {60, 30, 100, 70}, kGraphicFlagTransparent, 4, 2, shape),
-            StoredButton(5, {100, 60, 150, 110}, 0, kItemFlagHidden, "Hidden"),
-            StoredButton(6, {110, 10, 150, 40}, 4, 0, "Top"),
+            StoredGraphic(1, {10, 10, 50, 50}, plain, 0, 16, 3),
+            StoredGraphic(2, {60, 10, 100, 50}, plain, kItemFlagHidden),
+            StoredButton(3, {20, 60, 90, 90}, 2, "Shown"),
+            StoredGraphic(4, {60, 30, 100, 70}, shape, kGraphicFlagTransparent, 4, 2),
+            StoredButton(5, {100, 60, 150, 110}, 0, "Hidden", kItemFlagHidden),
+            StoredButton(6, {110, 10, 150, 40}, 4, "Top"),
         };
         HeaderSpec header;
         header.cardWidth = 160;
@@ -269,9 +238,8 @@ TEST_F(OffscreenCardTest, GraphicsAreStretchedAndFramedOrDrawnThroughTheirShape)
     header.cardWidth = 40;
     header.cardHeight = 40;
     const std::vector<Bytes> items = {
-        StoredGraphic(1, {0, 0, 2, 2}, 0, 4, 1, RunPackedPicture({"12", "21"})),
-        StoredGraphic(2, {1, 1, 5, 4}, kGraphicFlagTransparent, 4, 1,
-                      RunPackedPicture({"0110", "1221", "0110"})),
+        StoredGraphic(1, {0, 0, 2, 2}, RunPackedPicture({"12", "21"}), 0, 4, 1),
+        StoredGraphic(2, {1, 1, 5, 4}, RunPackedPicture({"0110", "1221", "0110"}), kGraphicFlagTransparent, 4, 1),
     };
     Open(WriteTempFile("graphics.stk", StoredStack(header, {StoredCard(1, "G", items)}, {})));
     GetPaletteState().current = ArtPalette();
@@ -414,6 +382,40 @@ TEST_F(OffscreenCardTest, HiddenItemsStayOutUntilShownAgainInTheirPlace) {
     EXPECT_EQ(ListIds(), (std::vector<int16_t>{1, 2, 3, 4, 6}));
     EXPECT_EQ(Screen().Row(15)[70], 0xFF6402u) << "its top left quarter, on the window";
     EXPECT_EQ(FindItemAt(70, 15, false, nullptr), FindDisplayItem(kItemKindGraphic, 2));
+}
+
+// A picture button (shape 5) is hit where its mask is set and nowhere else, even inside its name.
+TEST_F(OffscreenCardTest, APictureButtonIsHitThroughItsMaskOnly) {
+    // A stored mask sub-record (type 130) of 32 by 24: the left half set, the right half clear.
+    const int32_t w = 32, h = 24, stride = MaskRowBytes(w);
+    Bytes mask(kSubHeadSize + 24 + static_cast<size_t>(stride * h), 0);
+    PutBE16(mask, 0, 130);
+    PutBE32(mask, 12, static_cast<uint32_t>(mask.size()));
+    PutBE16(mask, kSubHeadSize, w);
+    PutBE16(mask, kSubHeadSize + 2, h);
+    for (int32_t y = 0; y < h; ++y) PutBE16(mask, kSubHeadSize + 24 + static_cast<size_t>(y * stride), 0xFFFF);
+    HeaderSpec header;
+    header.cardWidth = 80;
+    header.cardHeight = 60;
+    const Rect r{20, 20, 20 + w, 20 + h};
+    Open(WriteTempFile("picture-button.stk",
+                       StoredStack(header, {StoredCard(1, "P", {StoredButton(9, r, 5, "Picture", 0, mask)})}, {})));
+    Show(1);
+    const DisplayItem* button = FindDisplayItem(kItemKindButton, 9);
+    ASSERT_NE(button, nullptr);
+    ASSERT_TRUE(button->hasMask);
+    const Rect name = LayOutButton(*button).nameRect;
+    ASSERT_FALSE(IntersectRect(name, r).IsEmpty());
+    int32_t hits = 0, misses = 0;
+    for (int32_t y = name.top; y < name.bottom; ++y) {
+        for (int32_t x = name.left; x < name.right; ++x) {
+            const bool set = r.Contains(x, y) && x < r.left + 16;
+            EXPECT_EQ(FindItemAt(x, y, false, nullptr), set ? button : nullptr) << x << "," << y;
+            ++(set ? hits : misses);
+        }
+    }
+    EXPECT_GT(hits, 0);
+    EXPECT_GT(misses, 0);
 }
 
 #if QB_GOLDEN_TESTS

@@ -8,23 +8,12 @@
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
 void SetColor(MemRef image, uint32_t index, uint8_t red, uint8_t green, uint8_t blue) {
     MemRefLock lock(image);
     uint8_t* c = DibColors(lock.data()) + index * kDibColorSize;
     c[0] = blue;
     c[1] = green;
     c[2] = red;
-}
-
-MemRef ImageOfRows(int32_t width, int32_t depth, const std::vector<Bytes>& rows) {
-    const MemRef image = NewDibImage(width, static_cast<int32_t>(rows.size()), depth);
-    MemRefLock lock(image);
-    for (size_t y = 0; y < rows.size(); ++y) {
-        std::copy(rows[y].begin(), rows[y].end(), DibPixels(lock.data()) + DibImageRowBytes(lock.data()) * y);
-    }
-    return image;
 }
 
 TEST(PaletteRemap, IndicesTakeTheNearestColourOfTheNewPalette) {

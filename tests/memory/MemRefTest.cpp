@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "memory/GlobalBlock.h"
+#include "support/StackBytes.h"
 
 namespace {
 
@@ -17,16 +18,6 @@ protected:
         InitMemRefs();
     }
 
-    static MemRef MakeFilled(const std::vector<uint8_t>& bytes) {
-        MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-        if (!bytes.empty()) std::memcpy(LockMemRef(ref), bytes.data(), bytes.size());
-        UnlockMemRef(ref);
-        return ref;
-    }
-    static std::vector<uint8_t> Contents(MemRef ref) {
-        MemRefLock lock(ref);
-        return {lock.data(), lock.data() + GetMemRefSize(ref)};
-    }
     static uint32_t GuardBehind(MemRef ref) {
         uint32_t guard;
         MemRefLock lock(ref);
@@ -54,18 +45,18 @@ TEST_F(MemRefTest, BlocksCarrySizeWordAndGuardBehindTheData) {
     ASSERT_NE(empty, 0);
     EXPECT_EQ(GetMemRefSize(empty), 0u);
     ASSERT_EQ(SetMemRefSize(empty, 10), 0);
-    EXPECT_EQ(Contents(empty), (std::vector<uint8_t>{0xEF, 0xBE, 0xCE, 0xFA, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(BlockBytes(empty), (std::vector<uint8_t>{0xEF, 0xBE, 0xCE, 0xFA, 0, 0, 0, 0, 0, 0}));
 
-    MemRef ref = MakeFilled({1, 2, 3, 4, 5, 6, 7, 8});
+    MemRef ref = BlockOf({1, 2, 3, 4, 5, 6, 7, 8});
     EXPECT_EQ(GuardBehind(ref), kMemRefGuard);
     ASSERT_EQ(SetMemRefSize(ref, 3), 0);
     EXPECT_EQ(GetMemRefSize(ref), 3u);
     EXPECT_EQ(GuardBehind(ref), kMemRefGuard);
-    EXPECT_EQ(Contents(ref), (std::vector<uint8_t>{1, 2, 3}));
+    EXPECT_EQ(BlockBytes(ref), (std::vector<uint8_t>{1, 2, 3}));
 
     // Growth zero-fills behind the old guard, which stays in the data until overwritten.
     ASSERT_EQ(SetMemRefSize(ref, 12), 0);
-    EXPECT_EQ(Contents(ref), (std::vector<uint8_t>{1, 2, 3, 0xEF, 0xBE, 0xCE, 0xFA, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(BlockBytes(ref), (std::vector<uint8_t>{1, 2, 3, 0xEF, 0xBE, 0xCE, 0xFA, 0, 0, 0, 0, 0}));
     EXPECT_EQ(GuardBehind(ref), kMemRefGuard);
 }
 
@@ -82,27 +73,27 @@ TEST_F(MemRefTest, LocksNestAndFreeingReleasesWhateverTheLockCount) {
 }
 
 TEST_F(MemRefTest, ByteRangeHelpers) {
-    MemRef dst = MakeFilled({1, 2, 3, 4});
+    MemRef dst = BlockOf({1, 2, 3, 4});
     const uint8_t mid[] = {9, 9};
     ASSERT_EQ(InsertBytes(dst, mid, 2, 2), 0);
-    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 2, 9, 9, 3, 4}));
+    EXPECT_EQ(BlockBytes(dst), (std::vector<uint8_t>{1, 2, 9, 9, 3, 4}));
     ASSERT_EQ(DeleteBytes(dst, 1, 3), 0);
-    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 3, 4}));
+    EXPECT_EQ(BlockBytes(dst), (std::vector<uint8_t>{1, 3, 4}));
 
     // Padding an odd source copies one byte more: the first byte of its guard.
-    MemRef odd = MakeFilled({7, 7, 7, 7, 7});
+    MemRef odd = BlockOf({7, 7, 7, 7, 7});
     ASSERT_EQ(InsertMemRef(dst, odd, 1, true), 0);
-    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 7, 7, 7, 7, 7, 0xEF, 3, 4}));
+    EXPECT_EQ(BlockBytes(dst), (std::vector<uint8_t>{1, 7, 7, 7, 7, 7, 0xEF, 3, 4}));
 
-    MemRef whole = MakeFilled({5, 6});
+    MemRef whole = BlockOf({5, 6});
     ASSERT_EQ(AppendMemRef(whole, dst), 0);
     EXPECT_EQ(GetMemRefSize(dst), 11u);
 
     MemRef copy = CopyBytes(dst, 1, 5);
-    EXPECT_EQ(Contents(copy), (std::vector<uint8_t>(5, 7)));
+    EXPECT_EQ(BlockBytes(copy), (std::vector<uint8_t>(5, 7)));
     MemRef cut = ExtractBytes(dst, 0, 7);
     EXPECT_EQ(GetMemRefSize(cut), 7u);
-    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{3, 4, 5, 6}));
+    EXPECT_EQ(BlockBytes(dst), (std::vector<uint8_t>{3, 4, 5, 6}));
     EXPECT_EQ(CopyBytes(dst, 3, 2), 0);  // a range outside the block gives nothing
 }
 
@@ -118,15 +109,15 @@ TEST_F(MemRefTest, ReplaceBytesByLength) {
         {{}, {1, 4}},
     };
     for (const Case& c : cases) {
-        MemRef dst = MakeFilled({1, 2, 3, 4});
-        MemRef src = MakeFilled(c.src);
+        MemRef dst = BlockOf({1, 2, 3, 4});
+        MemRef src = BlockOf(c.src);
         ASSERT_EQ(ReplaceBytes(dst, src, 1, 2), 0);
-        EXPECT_EQ(Contents(dst), c.expected) << "source of " << c.src.size();
+        EXPECT_EQ(BlockBytes(dst), c.expected) << "source of " << c.src.size();
     }
 
     // The same length copies over in place: the block does not move even when allocation fails.
-    MemRef dst = MakeFilled({1, 2, 3, 4});
-    MemRef src = MakeFilled({5, 6});
+    MemRef dst = BlockOf({1, 2, 3, 4});
+    MemRef src = BlockOf({5, 6});
     const uint8_t* before = LockMemRef(dst);
     UnlockMemRef(dst);
     SetGlobalAllocFailAfter(0);
@@ -134,12 +125,12 @@ TEST_F(MemRefTest, ReplaceBytesByLength) {
     SetGlobalAllocFailAfter(-1);
     EXPECT_EQ(LockMemRef(dst), before);
     UnlockMemRef(dst);
-    EXPECT_EQ(Contents(dst), (std::vector<uint8_t>{1, 2, 5, 6}));
+    EXPECT_EQ(BlockBytes(dst), (std::vector<uint8_t>{1, 2, 5, 6}));
 }
 
 TEST_F(MemRefTest, RefusedMemoryLeavesEverythingAsItWas) {
-    MemRef ref = MakeFilled({1, 2, 3});
-    MemRef longer = MakeFilled({9, 9, 9, 9, 9});
+    MemRef ref = BlockOf({1, 2, 3});
+    MemRef longer = BlockOf({9, 9, 9, 9, 9});
     SetGlobalAllocFailAfter(0);
     EXPECT_EQ(NewMemRef(4), 0);
     EXPECT_EQ(SetMemRefSize(ref, 100), -1);
@@ -148,7 +139,7 @@ TEST_F(MemRefTest, RefusedMemoryLeavesEverythingAsItWas) {
     EXPECT_EQ(DuplicateMemRef(&same), -1);
     EXPECT_EQ(same, ref);
     SetGlobalAllocFailAfter(-1);
-    EXPECT_EQ(Contents(ref), (std::vector<uint8_t>{1, 2, 3}));
+    EXPECT_EQ(BlockBytes(ref), (std::vector<uint8_t>{1, 2, 3}));
 
     ASSERT_EQ(DuplicateMemRef(&same), 0);
     EXPECT_NE(same, ref);

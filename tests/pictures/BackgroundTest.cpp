@@ -30,13 +30,6 @@ MemRef BlankCard(int16_t id, int32_t width, int32_t height, int16_t kind = kCard
     return card;
 }
 
-MemRef BlockOf(const Bytes& bytes) {
-    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-    MemRefLock lock(ref);
-    std::copy(bytes.begin(), bytes.end(), lock.data());
-    return ref;
-}
-
 // A kind 1 card holding `image`, compressed, at the image's own size and depth.
 MemRef CardWithPicture(MemRef image, MemRef palette = 0, int16_t id = 2) {
     const Bytes head = BlockBytes(image);

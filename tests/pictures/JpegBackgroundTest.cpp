@@ -104,13 +104,6 @@ MemRef JpegCard(MemRef data, int32_t width, int32_t height, int32_t depth) {
     return card;
 }
 
-MemRef BlockOf(const Bytes& bytes) {
-    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-    MemRefLock lock(ref);
-    std::copy(bytes.begin(), bytes.end(), lock.data());
-    return ref;
-}
-
 // The first luminance quantiser of the stream's first DQT segment.
 int FirstQuantiser(const Bytes& stream) {
     for (size_t i = 0; i + 5 < stream.size(); ++i) {

@@ -9,17 +9,6 @@
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-MemRef ImageOfRows(int32_t width, int32_t depth, const std::vector<Bytes>& rows) {
-    const MemRef image = NewDibImage(width, static_cast<int32_t>(rows.size()), depth);
-    MemRefLock lock(image);
-    for (size_t y = 0; y < rows.size(); ++y) {
-        std::copy(rows[y].begin(), rows[y].end(), DibPixels(lock.data()) + DibImageRowBytes(lock.data()) * y);
-    }
-    return image;
-}
-
 // Decodes a heap copy of exactly the stream, so the sanitizer sees any read past it.
 int32_t Decode(MemRef image, uint16_t flags, Bytes data) {
     return DecodeGraphicPixels(image, flags, data.data(), static_cast<uint32_t>(data.size()));

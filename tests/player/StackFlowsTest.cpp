@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "base/ByteOrder.h"
@@ -12,7 +13,9 @@
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
+#include "player/Navigation.h"
 #include "stack/Blob.h"
+#include "stack/CardList.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "stack/StackHeader.h"
@@ -108,6 +111,64 @@ TEST_F(StackFlowsTest, DefinedChangesOfASave) {
     EXPECT_EQ(ReadBE32(&saved[64]), 1u);
     EXPECT_EQ(CountBlobEntries(GetDocument().storeRef), 1u);
     EXPECT_NE(GetBlobById(FourCC("Snd "), 5), 0);
+}
+
+// A save after the card list changed, opened again, gives the cards it had: their count, ids, order
+// and bytes.
+TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
+    const Bytes three = StoredStack({.cardCount = 3}, {StoredCard(1, "A"), StoredCard(2, "B"), StoredCard(3, "C")},
+                                    {StoredRecord("Snd ", 4, "", {1, 2, 3})});
+    enum class Change { NewStackAndCard, CardAdded, CardDeleted };
+    const struct {
+        const char* name;
+        Change change;
+        std::vector<int16_t> ids;
+    } cases[] = {
+        {"a new stack with a second card", Change::NewStackAndCard, {1, 2}},
+        {"a card added behind the first", Change::CardAdded, {1, 4, 2, 3}},
+        {"the second card deleted", Change::CardDeleted, {1, 3}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.change == Change::NewStackAndCard) {
+            ASSERT_EQ(NewStack(false), kResultOk);
+        } else {
+            ASSERT_EQ(Open(WriteTempFile("three.stk", three)), kResultOk);
+        }
+        if (c.change == Change::CardDeleted) {
+            const MemRef second = GetCardByPosition(2);
+            ASSERT_EQ(DeleteBytes(GetDocument().cardList, 16, 16), 0);  // one 16-byte row a card
+            FreeMemRef(second);
+        } else {
+            ASSERT_NE(NewCard(false, false), 0);
+        }
+        std::vector<int16_t> ids;
+        std::vector<Bytes> cards;
+        for (int32_t i = 1; i <= CardCount(); ++i) {
+            ids.push_back(GetCardId(GetCardByPosition(i)));
+            // The end mark's word is left out: a card made in memory holds it native until it
+            // has been through a file.
+            const Bytes card = BlockBytes(GetCardByPosition(i));
+            cards.emplace_back(card.begin(), card.end() - 2);
+        }
+        EXPECT_EQ(ids, c.ids);
+        const std::string out = TempPath("changed-cards.stk");
+        ASSERT_EQ(SaveAs(out), kResultOk);
+        CloseStack();
+        ASSERT_EQ(Open(out), kResultOk);
+        EXPECT_EQ(AlertsShown(), std::vector<int>{});
+        ASSERT_EQ(CardCount(), static_cast<int16_t>(cards.size()));
+        for (int32_t i = 1; i <= CardCount(); ++i) {
+            EXPECT_EQ(GetCardId(GetCardByPosition(i)), c.ids[i - 1]) << "position " << i;
+            Bytes card = BlockBytes(GetCardByPosition(i));
+            card.resize(card.size() - 2);
+            const auto diff = std::mismatch(card.begin(), card.end(), cards[i - 1].begin(), cards[i - 1].end());
+            EXPECT_TRUE(diff.first == card.end() && diff.second == cards[i - 1].end())
+                << "position " << i << ": sizes " << card.size() << " and " << cards[i - 1].size()
+                << ", first difference at " << (diff.first - card.begin());
+        }
+        CloseStack();
+    }
 }
 
 TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {

@@ -39,7 +39,6 @@ Bytes Cat(std::initializer_list<Bytes> parts) {
     for (const Bytes& p : parts) Append(out, p);
     return out;
 }
-Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
 Bytes Splice(Bytes b, size_t at, size_t oldLength, const Bytes& with) {
     b.erase(b.begin() + static_cast<std::ptrdiff_t>(at), b.begin() + static_cast<std::ptrdiff_t>(at + oldLength));
     b.insert(b.begin() + static_cast<std::ptrdiff_t>(at), with.begin(), with.end());
@@ -198,15 +197,11 @@ protected:
         refs_.push_back(ref);
         return ref;
     }
-    static Bytes Contents(MemRef ref) {
-        MemRefLock lock(ref);
-        return Bytes(lock.data(), lock.data() + GetMemRefSize(ref));
-    }
     // Normalises a stored card and returns what memory then holds.
     Bytes ReadCard(const Bytes& stored) {
         MemRef card = Make(stored);
         EXPECT_EQ(NormaliseCard(card), 0);
-        return Contents(card);
+        return BlockBytes(card);
     }
 
 private:
@@ -516,7 +511,7 @@ TEST_F(NormaliseTest, ActnIsAButtonWithItsCommonHeadAtZero) {
     Bytes head(stored.begin(), stored.begin() + 136);
     Apply(head, 0, {kItemHead, kButtonHead});
     LE32(head, 12, static_cast<uint32_t>(136 + stackNative.size()));
-    EXPECT_TRUE(SameBytes(Contents(record), Cat({head, stackNative})));
+    EXPECT_TRUE(SameBytes(BlockBytes(record), Cat({head, stackNative})));
 }
 
 TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
@@ -549,7 +544,7 @@ TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
         const Bytes stored = c.withAction ? Cat({head, actn}) : head;
         MemRef record = Make(stored);
         ASSERT_EQ(NormaliseHlnk(record), 0);
-        const Bytes memory = Contents(record);
+        const Bytes memory = BlockBytes(record);
 
         Bytes expected = head;
         Apply(expected, 0, Conversion{{0, 2, 4, 6}, {}, {}, {}});
@@ -558,7 +553,7 @@ TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
         if (c.withAction) {
             MemRef alone = Make(actn);
             ASSERT_EQ(NormaliseActn(alone), 0);
-            expected = Cat({expected, Contents(alone)});
+            expected = Cat({expected, BlockBytes(alone)});
         }
         EXPECT_TRUE(SameBytes(memory, expected));
     }

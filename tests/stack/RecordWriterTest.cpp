@@ -110,19 +110,6 @@ Bytes NativeRef(const std::string& path, const std::string& name) {
     return b;
 }
 
-Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
-
-MemRef Block(const Bytes& bytes) {
-    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-    MemRefLock lock(ref);
-    std::memcpy(lock.data(), bytes.data(), bytes.size());
-    return ref;
-}
-Bytes Contents(MemRef ref) {
-    MemRefLock lock(ref);
-    return Bytes(lock.data(), lock.data() + GetMemRefSize(ref));
-}
-
 class RecordWriterTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -155,9 +142,9 @@ protected:
     // Each writer on a block holding `native`, which must come out of it unchanged.
     static Bytes Write(const Bytes& native, const std::function<int32_t(StagingBuffer&, MemRef)>& write,
                        int32_t expected = 0) {
-        const MemRef ref = Block(native);
+        const MemRef ref = BlockOf(native);
         const Bytes out = Emit([&](StagingBuffer& b) { return write(b, ref); }, expected);
-        EXPECT_EQ(Contents(ref), native) << "the live record changed";
+        EXPECT_EQ(BlockBytes(ref), native) << "the live record changed";
         FreeMemRef(ref);
         return out;
     }
@@ -269,10 +256,10 @@ TEST_F(RecordWriterTest, AnimationBodyAndIconSizes) {
     Join(button, icon);
     std::memcpy(&button.stored[136 + 36], &button.stored[6], 2);
     std::memcpy(&button.stored[136 + 38], &button.stored[4], 2);
-    const MemRef ref = Block(button.native);
+    const MemRef ref = BlockOf(button.native);
     EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteButtonRecord(b, ref, 0, nullptr); }), button.stored);
     std::memset(&button.native[136 + 36], 0, 4);
-    EXPECT_EQ(Contents(ref), button.native);
+    EXPECT_EQ(BlockBytes(ref), button.native);
     FreeMemRef(ref);
 }
 
@@ -304,7 +291,7 @@ TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const MemRef ref = ConvertNativePath(c.native.data(), static_cast<uint32_t>(c.native.size()));
-        EXPECT_EQ(ref ? Contents(ref) : Bytes{}, c.stored);
+        EXPECT_EQ(ref ? BlockBytes(ref) : Bytes{}, c.stored);
         if (ref) FreeMemRef(ref);
     }
 }
@@ -398,7 +385,7 @@ TEST_F(RecordWriterTest, ReadThenWrittenGivesTheStoredBytesBack) {
     const Bytes stored = StoredCard(7, "Trip", {StoredItem(16, 11, 5, 5, 25, 15, graphicRest, 0x40),
                                                 StoredItem(96, 12, 5, 5, 25, 15, textRest, 0x40),
                                                 StoredItem(48, 13, 5, 5, 25, 15, buttonRest)});
-    const MemRef card = Block(stored);
+    const MemRef card = BlockOf(stored);
     ASSERT_EQ(NormaliseCard(card), 0);
     {
         MemRefLock lock(card);
@@ -420,7 +407,7 @@ TEST_F(RecordWriterTest, ReadThenWrittenGivesTheStoredBytesBack) {
     PutBE16(action, 136, 83);
     PutBE32(action, 136 + 12, 32);
     Append(link, action);
-    const MemRef hlnk = Block(link);
+    const MemRef hlnk = BlockOf(link);
     ASSERT_EQ(NormaliseHlnk(hlnk), 0);
     EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteHlnkRecord(b, hlnk, nullptr); }), link);
     FreeMemRef(hlnk);
@@ -437,11 +424,11 @@ TEST_F(RecordWriterTest, FixtureCardsAndActionComeBackAsStored) {
         for (int i = 1; i <= CardCount(); ++i) {
             const uint32_t size = ReadBE32(&file[at + 2]);
             const MemRef card = GetCardByPosition(i);
-            const Bytes live = Contents(card);
+            const Bytes live = BlockBytes(card);
             EXPECT_EQ(Emit([&](StagingBuffer& b) { return WriteCardRecord(b, card); }),
                       Bytes(file.begin() + at, file.begin() + at + size))
                 << "card " << i;
-            EXPECT_EQ(Contents(card), live);
+            EXPECT_EQ(BlockBytes(card), live);
             at += size;
         }
         if (std::string(name) == "sample-cards.stk") {
@@ -530,7 +517,7 @@ TEST_F(RecordWriterTest, LyingLengthsStopTheWrite) {
 
 TEST_F(RecordWriterTest, AFailingFileWriteIsReported) {
     const Pair card = Card({ButtonHead(136)});
-    const MemRef ref = Block(card.native);
+    const MemRef ref = BlockOf(card.native);
     GetFileFaults().failWriteAt = 1;
     Emit([&](StagingBuffer& b) { return WriteCardRecord(b, ref); }, -1, kStagingBufferSize - 100);
     FreeMemRef(ref);

@@ -14,7 +14,6 @@ namespace {
 using namespace std::string_literals;
 
 
-Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
 
 class StoredPathTest : public testing::Test {
 protected:

@@ -1,11 +1,13 @@
 // Pictures for the imaging tests, set pixel by pixel so that row pads stay 0.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
 #include "base/ByteOrder.h"
 #include "gfx/DibImage.h"
+#include "support/StackBytes.h"
 
 enum class Fill { Noise, Single, Gradient };
 
@@ -43,20 +45,18 @@ inline MemRef MakePicture(int32_t width, int32_t height, int32_t depth, Fill fil
     return ref;
 }
 
-inline std::vector<uint8_t> BlockBytes(MemRef ref) {
-    MemRefLock lock(ref);
-    return lock ? std::vector<uint8_t>(lock.data(), lock.data() + GetMemRefSize(ref)) : std::vector<uint8_t>{};
-}
-
 inline std::vector<uint8_t> PixelBytes(MemRef image) {
     MemRefLock lock(image);
     const uint8_t* px = DibPixels(lock.data());
     return std::vector<uint8_t>(px, px + DibImageBytes(lock.data()));
 }
 
-// The bytes of a block made for the test, which is freed.
-inline std::vector<uint8_t> TakeBytes(MemRef ref) {
-    std::vector<uint8_t> bytes = BlockBytes(ref);
-    FreeMemRef(ref);
-    return bytes;
+// A picture of `depth` bits whose memory rows, top row first, begin with the given bytes.
+inline MemRef ImageOfRows(int32_t width, int32_t depth, const std::vector<Bytes>& rows) {
+    const MemRef image = NewDibImage(width, static_cast<int32_t>(rows.size()), depth);
+    MemRefLock lock(image);
+    for (size_t y = 0; y < rows.size(); ++y) {
+        std::copy(rows[y].begin(), rows[y].end(), DibPixels(lock.data()) + DibImageRowBytes(lock.data()) * y);
+    }
+    return image;
 }

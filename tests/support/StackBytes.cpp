@@ -8,12 +8,14 @@
 
 #include <unistd.h>
 
+#include "card/GraphicPicture.h"
 #include "host/Application.h"
 #include "messages/Alert.h"
 #include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
 #include "policy/Policy.h"
 #include "stack/Blob.h"
+#include "stack/CardRecord.h"
 #include "stack/Document.h"
 
 void PutBE16(Bytes& b, size_t at, uint16_t v) {
@@ -23,6 +25,21 @@ void PutBE16(Bytes& b, size_t at, uint16_t v) {
 void PutBE32(Bytes& b, size_t at, uint32_t v) {
     PutBE16(b, at, static_cast<uint16_t>(v >> 16));
     PutBE16(b, at + 2, static_cast<uint16_t>(v));
+}
+MemRef BlockOf(const Bytes& bytes) {
+    const MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
+    MemRefLock lock(ref);
+    if (lock && !bytes.empty()) std::memcpy(lock.data(), bytes.data(), bytes.size());
+    return ref;
+}
+Bytes BlockBytes(MemRef ref) {
+    MemRefLock lock(ref);
+    return lock ? Bytes(lock.data(), lock.data() + GetMemRefSize(ref)) : Bytes{};
+}
+Bytes TakeBytes(MemRef ref) {
+    Bytes bytes = BlockBytes(ref);
+    FreeMemRef(ref);
+    return bytes;
 }
 void AppendBE16(Bytes& b, uint16_t v) {
     b.resize(b.size() + 2);
@@ -80,6 +97,35 @@ Bytes StoredItem(uint16_t kind, uint16_t id, int16_t left, int16_t top, int16_t 
     if (i.size() >= 24) PutBE16(i, 22, itemFlags);
     PutBE32(i, 12, static_cast<uint32_t>(i.size()));
     return i;
+}
+
+Bytes StoredGraphic(uint16_t id, const Rect& r, const Bytes& picture, uint16_t itemFlags,
+                    uint16_t frameColor, uint16_t frameWidth) {
+    Bytes rest(kGraphicHeadSize - 16, 0);
+    PutBE16(rest, kGraphicFrameColor - 16, frameColor);
+    PutBE16(rest, kGraphicFrameWidth - 16, frameWidth);
+    PutBE32(rest, kGraphicPictureSize - 16, static_cast<uint32_t>(picture.size()));
+    Append(rest, picture);
+    if (picture.size() % 2) {
+        rest.push_back(0);
+        itemFlags |= kItemFlagOddPad;
+    }
+    return StoredItem(kItemKindGraphic, id, static_cast<int16_t>(r.left), static_cast<int16_t>(r.top),
+                      static_cast<int16_t>(r.right), static_cast<int16_t>(r.bottom), rest, itemFlags);
+}
+
+Bytes StoredButton(uint16_t id, const Rect& r, int16_t shape, const std::string& name,
+                   uint16_t itemFlags, const Bytes& subRecords) {
+    Bytes rest(kButtonHeadSize - 16, 0);
+    rest[kButtonName - 16] = static_cast<uint8_t>(name.size());
+    std::copy(name.begin(), name.end(), rest.begin() + kButtonName - 16 + 1);
+    PutBE16(rest, kButtonShape - 16, static_cast<uint16_t>(shape));
+    PutBE16(rest, kButtonFlags - 16, 8);  // show the name
+    PutBE16(rest, kButtonTextColor - 16, 256);
+    PutBE16(rest, kButtonFillColor - 16, 1);
+    Append(rest, subRecords);
+    return StoredItem(kItemKindButton, id, static_cast<int16_t>(r.left), static_cast<int16_t>(r.top),
+                      static_cast<int16_t>(r.right), static_cast<int16_t>(r.bottom), rest, itemFlags);
 }
 
 Bytes StoredFileRef(const std::string& path, const std::string& name) {

@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "gfx/Surface.h"
+#include "memory/MemRef.h"
+
 using Bytes = std::vector<uint8_t>;
 
 void PutBE16(Bytes& b, size_t at, uint16_t v);
@@ -13,6 +16,13 @@ void PutBE32(Bytes& b, size_t at, uint32_t v);
 void AppendBE16(Bytes& b, uint16_t v);
 void AppendBE32(Bytes& b, uint32_t v);
 void Append(Bytes& b, const Bytes& more);
+inline Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
+
+// A new block holding `bytes`; the bytes a block holds; the same of a block made for the test, which
+// is freed.
+MemRef BlockOf(const Bytes& bytes);
+Bytes BlockBytes(MemRef ref);
+Bytes TakeBytes(MemRef ref);
 
 struct HeaderSpec {
     uint16_t cardCount = 1;
@@ -31,6 +41,13 @@ Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>&
 // An item chunk: common head with the kind-specific head bytes (already big-endian) behind it.
 Bytes StoredItem(uint16_t kind, uint16_t id, int16_t left, int16_t top, int16_t right, int16_t bottom,
                  const Bytes& headRest, uint16_t itemFlags = 0);
+// A stored graphic holding `picture` (its 8-byte size head, then the packed pixels) with its frame;
+// an odd picture gets its pad byte and the item flag that says so.
+Bytes StoredGraphic(uint16_t id, const Rect& r, const Bytes& picture, uint16_t itemFlags = 0,
+                    uint16_t frameColor = 0, uint16_t frameWidth = 0);
+// A stored button of `shape` that shows its name (text colour 256 on fill 1), sub-records behind it.
+Bytes StoredButton(uint16_t id, const Rect& r, int16_t shape, const std::string& name,
+                   uint16_t itemFlags = 0, const Bytes& subRecords = {});
 // A stored file reference: the length-prefixed path, a pad byte if the path with its length byte is
 // odd, six zero bytes, the length-prefixed name.
 Bytes StoredFileRef(const std::string& path, const std::string& name);
