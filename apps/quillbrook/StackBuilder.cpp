@@ -23,6 +23,7 @@
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
 #include "stack/StackHeader.h"
+#include "stack/SubRecord.h"
 
 using Json = nlohmann::ordered_json;
 using Bytes = std::vector<uint8_t>;
@@ -382,8 +383,8 @@ Bytes ReferenceOf(const Node& sub, const char* pathKey, const char* nameKey) {
 
 uint32_t SubFieldWidth(int64_t type, uint32_t offset) {
     if (offset == kSubLength) return 4;
-    if (type == kSubLaunch && offset == kSubLaunchDocumentLength) return 4;
-    if (type == kSubMovie && offset == kSubMovieLong) return 4;
+    if (type == kTagLaunch && offset == kSubDocumentLength) return 4;
+    if (type == kTagMovie && offset == kSubWord16) return 4;
     return 2;
 }
 
@@ -393,7 +394,7 @@ Bytes BuildSubRecord(const Node& sub) {
     if (!sub.value().is_object()) sub.Fail("must be an object");
     if (!sub.Has("type")) sub.FailAt("type", "needs the sub-record's type");
     const int64_t type = sub["type"].Int(0, kMax16);
-    const uint32_t headSize = type == kSubLaserDisc ? kSubLaserDiscHeadSize : kSubHeadSize;
+    const uint32_t headSize = type == kTagLaserDisc ? kLaserDiscHeadSize : kSubHeadSize;
     Bytes s = sub.Has("hex") ? sub["hex"].Hex() : Bytes(headSize, 0);
     if (s.size() < headSize) {
         sub["hex"].Fail(fmt::format("a type {} sub-record has at least {} bytes, not {}", type, headSize, s.size()));
@@ -406,10 +407,10 @@ Bytes BuildSubRecord(const Node& sub) {
     bool padded = false;
     if (references) {
         const char* key = document ? "path" : "programPath";
-        if (type != kSubLaunch && type != kSubOtherStack && type != kSubSoundFile && type != kSubMovie) {
+        if (type != kTagLaunch && type != kTagOtherStack && type != kTagSoundFile && type != kTagMovie) {
             sub[key].Fail(fmt::format("a type {} sub-record carries no file reference (59, 60, 82 and 89 do)", type));
         }
-        if (program && type != kSubLaunch) sub["programPath"].Fail("only a launch (type 59) names a program");
+        if (program && type != kTagLaunch) sub["programPath"].Fail("only a launch (type 59) names a program");
         s.resize(kSubHeadSize);
         if (document) {
             const Bytes reference = ReferenceOf(sub, "path", "name");
@@ -437,7 +438,7 @@ Bytes BuildSubRecord(const Node& sub) {
         }
     }
     if (references) {
-        if (type == kSubLaunch) WriteBE32(&s[kSubLaunchDocumentLength], documentLength);
+        if (type == kTagLaunch) WriteBE32(&s[kSubDocumentLength], documentLength);
         const uint16_t flags = static_cast<uint16_t>((ReadBE16(&s[kSubFlags]) & ~kSubFlagOddPad) | (padded ? kSubFlagOddPad : 0));
         WriteBE16(&s[kSubFlags], flags);
     }

@@ -14,6 +14,7 @@
 #include "stack/ItemFields.h"
 #include "stack/Names.h"
 #include "stack/StackHeader.h"
+#include "stack/SubRecord.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -130,7 +131,7 @@ bool SubRecords(const uint8_t* chunk, uint32_t length, Walk& w, Json* subs) {
         const uint32_t subLength = w.order.U32(chunk + at + kSubLength);
         if (subLength < kSubHeadSize || subLength > length - at) break;
         // The builder takes no laser-disc sub-record shorter than its head: such a body goes out raw.
-        if (w.contents && w.order.U16(chunk + at + kSubType) == kSubLaserDisc && subLength < kSubLaserDiscHeadSize) break;
+        if (w.contents && w.order.U16(chunk + at + kSubType) == kTagLaserDisc && subLength < kLaserDiscHeadSize) break;
         Json sub = {{"type", w.order.U16(chunk + at + kSubType)}, {"length", subLength}};
         if (w.contents) sub["hex"] = Hex(chunk + at, subLength);
         subs->push_back(sub);

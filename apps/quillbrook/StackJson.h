@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "stack/CardRecord.h"
+#include "stack/SubRecord.h"
 
 struct NamedItemField {
     int16_t kind;
@@ -65,16 +66,3 @@ static_assert(20 + 4 == kBgHeadSize);
 inline constexpr uint32_t kHdrReserved80Size = 48;
 inline constexpr uint32_t kBlobHeadReserved52 = 52;
 inline constexpr uint32_t kBlobHeadReserved52Size = 16;
-
-// Sub-records whose payload is a file reference (two for a launch: document, then program).
-inline constexpr uint16_t kSubLaunch = 59;
-inline constexpr uint16_t kSubOtherStack = 60;
-inline constexpr uint16_t kSubSoundFile = 82;
-inline constexpr uint16_t kSubMovie = 89;
-inline constexpr uint16_t kSubLaserDisc = 119;  // the one sub-record with a 96-byte head
-inline constexpr uint32_t kSubLaserDiscHeadSize = 96;
-inline constexpr uint32_t kSubFlags = 22;
-inline constexpr uint32_t kSubRect = 4;
-inline constexpr uint32_t kSubLaunchDocumentLength = 18;  // 32-bit
-inline constexpr uint32_t kSubMovieLong = 16;             // 32-bit
-inline constexpr uint16_t kSubFlagOddPad = 0x200;

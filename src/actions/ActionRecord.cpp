@@ -62,24 +62,17 @@ bool FindOwnerSubRecord(uint16_t id, int16_t tag, MemRef* record, uint32_t* offs
     return false;
 }
 
-uint32_t SubRecordPayloadSize(const uint8_t* sub) {
-    const uint32_t length = Read32(sub + kSubLengthAt);
-    if (length <= kSubHead) return 0;
-    const uint32_t pad = (Read16(sub + kSubFlagsAt) & kSubOddPad) ? 1 : 0;
-    return length - kSubHead - pad;
-}
-
 MemRef CopySubRecordPayload(MemRef record, uint32_t subOffset) {
     const uint32_t size = GetMemRefSize(record);
     uint32_t payload = 0;
     {
         MemRefLock lock(record);
-        if (!lock || subOffset > size || size - subOffset < kSubHead) return 0;
+        if (!lock || subOffset > size || size - subOffset < kSubHeadSize) return 0;
         payload = SubRecordPayloadSize(lock.data() + subOffset);
     }
-    if (payload > size - subOffset - kSubHead) return 0;
+    if (payload > size - subOffset - kSubHeadSize) return 0;
     // CopyBytes checks the range again and gives a fresh block of exactly the payload.
-    return CopyBytes(record, subOffset + kSubHead, payload);
+    return CopyBytes(record, subOffset + kSubHeadSize, payload);
 }
 
 bool SetSlotFromReference(int slot, const uint8_t* reference, uint32_t length) {

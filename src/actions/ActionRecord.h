@@ -16,8 +16,6 @@ bool FindRecordSubRecord(MemRef record, uint32_t offset, int16_t tag, uint32_t* 
 // `id`, else the action behind 'Hlnk' `id`. Its record and the sub-record's offset in it.
 bool FindOwnerSubRecord(uint16_t id, int16_t tag, MemRef* record, uint32_t* offset);
 
-// The payload size of the sub-record at `sub`: its length less the head and the pad byte.
-uint32_t SubRecordPayloadSize(const uint8_t* sub);
 // A fresh block holding the payload of the sub-record at `subOffset` of `record`; 0 when memory is
 // short or the sub-record doesn't lie in the record.
 MemRef CopySubRecordPayload(MemRef record, uint32_t subOffset);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
@@ -157,3 +158,7 @@ int32_t WriteTestReport() {
     ShowFileError(result);
     return result;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Actions, ResetQuiz);
+}  // namespace

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "actions/ActionRecord.h"
-#include "subsystems/Subsystems.h"
 #include "actions/Quiz.h"
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "card/DisplayList.h"
 #include "gfx/Palette.h"
 #include "messages/Alert.h"
-#include "messages/CardAlerts.h"
+#include "messages/StringIds.h"
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "player/Navigation.h"
@@ -24,6 +24,7 @@
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
+#include "subsystems/Subsystems.h"
 #include "transitions/Transition.h"
 
 namespace {
@@ -121,11 +122,11 @@ bool WithSubRecord(MemRef record, uint32_t offset, int16_t tag, Read&& read) {
 }
 
 std::vector<uint8_t> WholeSubRecord(const uint8_t* sub) {
-    return std::vector<uint8_t>(sub, sub + Read32(sub + kSubLengthAt));
+    return std::vector<uint8_t>(sub, sub + Read32(sub + kSubLength));
 }
 
 void ReadRect(const uint8_t* sub, int16_t rect[4]) {
-    for (int i = 0; i < 4; ++i) rect[i] = ReadS16(sub + kSubRectAt + 2 * i);
+    for (int i = 0; i < 4; ++i) rect[i] = ReadS16(sub + kSubRect + 2 * i);
 }
 
 // After a step that can do anything to the stack: (a) the record is still there and (b) of the
@@ -152,7 +153,7 @@ void PlayStackSound(void* window, MemRef record, uint32_t offset) {
     int16_t soundFlags = 0;
     if (!WithSubRecord(record, offset, kTagStackSound, [&](const uint8_t* sub, uint32_t) {
             soundId = Read16(sub + kSubWord16);
-            volume = Read16(sub + kSubVolumeAt);
+            volume = Read16(sub + kSubVolume);
             soundFlags = ReadS16(sub + kSubSoundFlags);
         })) {
         return;
@@ -171,9 +172,9 @@ void PlaySoundFile(void* window, MemRef record, uint32_t offset) {
     int16_t soundFlags = 0;
     bool named = false;
     if (!WithSubRecord(record, offset, kTagSoundFile, [&](const uint8_t* sub, uint32_t) {
-            volume = Read16(sub + kSubVolumeAt);
+            volume = Read16(sub + kSubVolume);
             soundFlags = ReadS16(sub + kSubSoundFlags);
-            named = SetSlotFromReference(kSlotSounds, sub + kSubHead, SubRecordPayloadSize(sub));
+            named = SetSlotFromReference(kSlotSounds, sub + kSubHeadSize, SubRecordPayloadSize(sub));
         })) {
         return;
     }
@@ -187,7 +188,7 @@ void PlaySoundFile(void* window, MemRef record, uint32_t offset) {
 void PrepareActionMovie(MemRef record, uint32_t offset, uint16_t itemId) {
     std::vector<uint8_t> sub;
     if (!WithSubRecord(record, offset, kTagMovie, [&](const uint8_t* at, uint32_t) {
-            SetSlotFromReference(kSlotMovies, at + kSubHead, SubRecordPayloadSize(at));
+            SetSlotFromReference(kSlotMovies, at + kSubHeadSize, SubRecordPayloadSize(at));
             sub = WholeSubRecord(at);
         })) {
         return;
@@ -316,7 +317,7 @@ bool GoToOtherStack(MemRef record, uint32_t offset, const ActionHead& h, const S
     bool named = false;
     if (!WithSubRecord(record, offset, kTagOtherStack, [&](const uint8_t* sub, uint32_t) {
             named =
-                SetSlotFromReference(kSlotOtherStack, sub + kSubHead, SubRecordPayloadSize(sub));
+                SetSlotFromReference(kSlotOtherStack, sub + kSubHeadSize, SubRecordPayloadSize(sub));
         })) {
         return false;
     }
@@ -337,8 +338,8 @@ bool Launch(MemRef record, uint32_t offset, const Started& started, uint16_t ite
             ClearSlot(kSlotLaunchProgram);
             ClearSlot(kSlotLaunchDocument);
             const uint32_t payload = SubRecordPayloadSize(sub);
-            const uint32_t document = std::min(Read32(sub + kSubDocumentLengthAt), payload);
-            const uint8_t* text = sub + kSubHead;
+            const uint32_t document = std::min(Read32(sub + kSubDocumentLength), payload);
+            const uint8_t* text = sub + kSubHeadSize;
             if (document > 0) SetSlotFromReference(kSlotLaunchDocument, text, document);
             if (payload > document) {
                 SetSlotFromReference(kSlotLaunchProgram, text + document, payload - document);
@@ -365,18 +366,18 @@ void ResetActionState() {
 
 int32_t RunAction(void* window, MemRef record, uint32_t offset, uint16_t itemId, uint32_t,
                   uint32_t wait, const std::string& name) {
-    // 1
     const uint32_t size = GetMemRefSize(record);
     ActionHead h;
     if (!ReadHead(record, offset, &h)) return 0;
     HandTransitionTheAction(h);
-    // 2
+    // A quiz answer is recorded before anything plays.
     if (h.testCode == kTestRight || h.testCode == kTestWrong) {
         RecordTestAnswer(h.testCode == kTestRight, name);
     } else if (h.testCode == kTestAskName) {
         AskTestUserName();
     }
-    // 3 to 10 start things and go on; 11 to 13 wait for them.
+    // Sounds, movies, animations, the laser disc, the NBA and the script start and go on; the move
+    // or the launch waits for them, and so does the end of the action when it is asked to.
     if (h.flags & kActStackSound) PlayStackSound(window, record, offset);
     if (h.flags & kActSoundFile) PlaySoundFile(window, record, offset);
     if (h.flags & kActMovie) PrepareActionMovie(record, offset, itemId);
@@ -395,16 +396,16 @@ int32_t RunAction(void* window, MemRef record, uint32_t offset, uint16_t itemId,
         RunScript(window, record, size, &offset, itemId) == StepResult::RecordGone) {
         return 0;
     }
-    if (h.flags & kActGo) {  // 11
+    if (h.flags & kActGo) {
         if (!GoToOtherStack(record, offset, h, started, itemId)) {
             WaitFor(started, itemId);
             GoToCardCode(h.destination, h.transition, h.transitionSpeed);
         }
-    } else if (h.flags & kActLaunch) {  // 12
+    } else if (h.flags & kActLaunch) {
         Launch(record, offset, started, itemId);
     }
-    if (wait) WaitFor(started, itemId);                        // 13
-    if (GetDocument().ignoreExtraClicks) DropPendingClicks();  // 14
+    if (wait) WaitFor(started, itemId);
+    if (GetDocument().ignoreExtraClicks) DropPendingClicks();
     return 0;
 }
 
@@ -469,20 +470,22 @@ void WaitForActionMedia(bool animationStarted, bool movieStarted, bool nbaCalled
         Host& host = GetHost();
         for (bool first = true;; first = false) {
             if (!first) {
-                host.WaitUntil(GetHost().GetTickCount() + kActionPollMs);
-                GetSubsystems().PumpOneMessage();
+                host.WaitUntil(host.GetTickCount() + kActionPollMs);
+                s.PumpOneMessage();
             }
-            s.UpdateSounds();  // 1
+            // Each round serves the media in their fixed order; a press or key that no movie
+            // controller takes ends the wait.
+            s.UpdateSounds();
             HostEvent input;
-            bool interrupted = PeekPressWaiting(&input);  // 2
-            s.StepAnimations(host.window);                // 3
-            s.RunSpriteTimers(GetHost().GetTickCount());                     // 4
-            s.SpriteStep();                               // 5
+            bool interrupted = PeekPressWaiting(&input);
+            s.StepAnimations(host.window);
+            s.RunSpriteTimers(host.GetTickCount());
+            s.SpriteStep();
             const bool spriteRunning = s.IsSpriteFilmRunning(itemId);
-            if (interrupted && s.OfferMovieEvent(host.window, &input)) interrupted = false;  // 6
-            const int32_t nbaBusy = nbaCalled ? s.IsNbaBusy() : 0;                           // 7
+            if (interrupted && s.OfferMovieEvent(host.window, &input)) interrupted = false;
+            const int32_t nbaBusy = nbaCalled ? s.IsNbaBusy() : 0;
             const bool stillPlaying = !s.IsMovieDone(itemId) || !s.IsAnimationDone(itemId) ||
-                                      spriteRunning || nbaBusy == 1;  // 8
+                                      spriteRunning || nbaBusy == 1;
             if (!stillPlaying || interrupted) break;
         }
     }
@@ -504,3 +507,7 @@ void StopActionPlayout() {
     s.StopSprites();
     s.StopAllAnimations();
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Actions, ResetActionState);
+}  // namespace

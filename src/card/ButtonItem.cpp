@@ -8,6 +8,7 @@
 #include "card/DisplayList.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
+#include "stack/SubRecord.h"
 #include "text/Fontmap.h"
 
 namespace {
@@ -16,9 +17,6 @@ constexpr uint16_t kButtonFlagNoHilite = 4;
 constexpr uint16_t kButtonFlagShowName = 8;
 constexpr uint16_t kButtonFlagShowIcon = 16;
 constexpr uint32_t kButtonNameBytes = 32;  // a length byte and up to 31 characters
-constexpr uint16_t kSubTypeIconMask = 130;
-constexpr uint32_t kSubFlagsOffset = 22;
-constexpr uint16_t kSubFlagOddPad = 0x200;
 
 bool IsPictureShape(int32_t shape) {
     return shape >= 5 && shape <= 7;
@@ -42,25 +40,15 @@ const uint8_t* ButtonChunk(const uint8_t* card, uint32_t cardSize, uint32_t offs
 // The picture button's mask from the first sub-record of type 130, standing at the rectangle's
 // corner. False when there is none or it is damaged.
 bool ChunkMask(const uint8_t* chunk, BitMask* mask) {
-    const uint32_t length = Read32(chunk + kItemLength);
-    uint32_t at = kButtonHeadSize;
-    while (length - at >= kSubHeadSize) {
-        const uint8_t* sub = chunk + at;
-        const uint32_t subLength = Read32(sub + kSubLength);
-        if (subLength < kSubHeadSize || subLength > length - at) return false;
-        if (Read16(sub + kSubType) == kSubTypeIconMask) {
-            uint32_t payload = subLength - kSubHeadSize;
-            if ((Read16(sub + kSubFlagsOffset) & kSubFlagOddPad) && payload > 0) --payload;
-            int32_t width = 0, height = 0;
-            if (!MakeMask(sub + kSubHeadSize, payload, mask, &width, &height)) return false;
-            const Rect r = ChunkRect(chunk);
-            mask->left = r.left;
-            mask->top = r.top;
-            return true;
-        }
-        at += subLength;
-    }
-    return false;
+    uint32_t at = 0;
+    if (!FindSubRecord(chunk, Read32(chunk + kItemLength), kTagIcon, &at)) return false;
+    int32_t width = 0, height = 0;
+    if (!MakeMask(chunk + at + kSubHeadSize, SubRecordPayloadSize(chunk + at), mask, &width, &height))
+        return false;
+    const Rect r = ChunkRect(chunk);
+    mask->left = r.left;
+    mask->top = r.top;
+    return true;
 }
 
 // A private copy of the 'Icon' record; the store's cached block is let go.

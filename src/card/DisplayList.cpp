@@ -4,8 +4,10 @@
 #include <utility>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "card/ButtonDraw.h"
 #include "card/OffscreenCard.h"
+#include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 
@@ -48,23 +50,18 @@ bool MaskHit(const BitMask& mask, int32_t left, int32_t top, int32_t x, int32_t 
     return mx >= 0 && my >= 0 && mx < mask.width && my < mask.height && mask.Get(mx, my);
 }
 
-// The common head of a chunk, checked against the card: kind, id, rectangle and flags.
+}  // namespace
+
 bool ReadItemHead(MemRef card, uint32_t offset, uint32_t headSize, DisplayItem* item) {
     MemRefLock lock(card);
-    const uint32_t size = GetMemRefSize(card);
-    if (!lock || offset > size || size - offset < headSize) return false;
-    const uint8_t* chunk = lock.data() + offset;
-    const uint32_t length = Read32(chunk + kItemLength);
-    if (length < headSize || length > size - offset) return false;
-    item->type = ReadS16(chunk + kItemKind);
-    item->id = ReadS16(chunk + kItemId);
-    item->rect = {ReadS16(chunk + kItemRect), ReadS16(chunk + kItemRect + 2),
-                  ReadS16(chunk + kItemRect + 4), ReadS16(chunk + kItemRect + 6)};
-    item->flags = Read16(chunk + kItemFlags);
+    ChunkHead head;
+    if (!lock || !ReadChunkHead(lock.data(), GetMemRefSize(card), offset, &head, headSize)) return false;
+    item->type = head.kind;
+    item->id = head.id;
+    item->rect = {head.left, head.top, head.right, head.bottom};
+    item->flags = head.flags;
     return true;
 }
-
-}  // namespace
 
 DisplayItem::~DisplayItem() {
     for (MemRef ref : {icon, bitmap, transparentBitmap}) {
@@ -240,3 +237,7 @@ void ResetDisplayList() {
     gList.itemsClip = Region();
     gList.clipStale = false;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Card, ResetDisplayList);
+}  // namespace

@@ -89,6 +89,8 @@ BitMask MakeItemsMask();
 // Live records for stored chunks: the native chunk at `offset` of `card`. `position` as for
 // InsertDisplayItem. Each rebuilds the items' clip; null when the chunk can't be read, and the item
 // is then neither drawn nor hit.
+// The common head of the chunk at `offset`, checked against the card: kind, id, rectangle, flags.
+bool ReadItemHead(MemRef card, uint32_t offset, uint32_t headSize, DisplayItem* item);
 DisplayItem* AddGraphicNode(MemRef card, uint32_t offset, int32_t position);
 DisplayItem* AddButtonNode(MemRef card, uint32_t offset, int32_t position);
 DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position);

@@ -29,18 +29,10 @@ BitMask AtCorner(const BitMask& mask, const Rect& rect) {
 
 DisplayItem* AddGraphicNode(MemRef card, uint32_t offset, int32_t position) {
     auto item = std::make_unique<DisplayItem>();
+    if (!ReadItemHead(card, offset, kGraphicHeadSize, item.get())) return nullptr;
     {
         MemRefLock lock(card);
-        const uint32_t size = GetMemRefSize(card);
-        if (!lock || offset > size || size - offset < kGraphicHeadSize) return nullptr;
         const uint8_t* g = lock.data() + offset;
-        const uint32_t length = Read32(g + kItemLength);
-        if (length < kGraphicHeadSize || length > size - offset) return nullptr;
-        item->type = kItemKindGraphic;
-        item->id = ReadS16(g + kItemId);
-        item->rect = {ReadS16(g + kItemRect), ReadS16(g + kItemRect + 2),
-                      ReadS16(g + kItemRect + 4), ReadS16(g + kItemRect + 6)};
-        item->flags = Read16(g + kItemFlags);
         item->frameColor = static_cast<uint16_t>(Read16(g + kGraphicFrameColor) - 1);
         item->frameWidth = Read16(g + kGraphicFrameWidth);
         item->cursorId = Read16(g + kGraphicCursorId);

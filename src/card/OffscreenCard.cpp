@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "card/ButtonDraw.h"
 #include "card/CardPalette.h"
 #include "card/DisplayList.h"
@@ -234,7 +235,7 @@ void DrawCard(MemRef card, int16_t transition, int16_t speed, bool arriving) {
     bool ownColors = false;
     const int32_t result = CardImage(card, &picture, &ownColors);
     OwnedMemRef image(picture);
-    // 4. The card's palette comes in; the window keeps the old one until the transition.
+    // The card's palette comes in; the window keeps the old one until the transition.
     PrepareIncomingPalette(card);
     WriteBackground(result, image.ref(), ownColors);
     // What is put back after the transition is exactly this; a copy of it is cheaper than a second decode.
@@ -286,7 +287,7 @@ void RedrawItem(int16_t type, int16_t id, int16_t transition, int16_t speed, int
         card = GetPictureOwner(current);
         if (!card || card == current || !FindItemOnCard(type, id, card, &offset)) return;
     }
-    // 1.
+    // Where the item stands now, and where it stood in the list, both get repainted.
     Rect stored;
     uint16_t flags = 0;
     {
@@ -304,22 +305,20 @@ void RedrawItem(int16_t type, int16_t id, int16_t transition, int16_t speed, int
         RemoveDisplayItem(old);
     }
     area = ClampRect(InflateRect(area, kItemRepaintMargin, kItemRepaintMargin));
-    // 2.
     const bool visible = asShown == 1 ? (type == kItemKindGraphic  ? s.showHiddenGraphics
                                          : type == kItemKindButton ? s.showHiddenButtons
                                                                    : s.showHiddenText)
                                       : !(flags & kItemFlagHidden);
-    // 3. The list keeps the order of the card.
+    // The list keeps the order of the card.
     if (!(flags & kItemFlagWalkHidden) && visible) {
         AddNode(type, card, offset, VisibleItemsUnder(current, card, offset) + 1);
     }
-    // 4.
     CreateClipRegion();
-    // 5. The rectangle as it is to look: background, then the items over it.
+    // The rectangle as it is to look: background, then the items over it.
     Surface picture = s.screen;
     DrawItems(picture, area, nullptr, false);
     QuantizeToDepth(picture, area, DisplayDepth());
-    // 6.
+    // Shown at once as it is, or through the transition.
     if (asShown == 1) {
         if (Surface* window = WindowSurface()) {
             CopyRect(*window, window->Bounds(), area.left, area.top, picture, area);
@@ -366,3 +365,7 @@ Rect KeepRectOnScreen(const Rect& r) {
     moved = OffsetRect(moved, dx, dy);
     return OffsetRect(moved, std::max(0, -moved.left), std::max(0, -moved.top));
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Card, ResetOffscreenState);
+}  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "base/StateRegistry.h"
 #include "gfx/DisplayDepth.h"
 #include "platform/Host.h"
 #include "stack/Document.h"
@@ -215,3 +216,7 @@ void BlendPalette(int32_t k) {
 
 const uint8_t* SystemToStackIndexTable() { return gPalette.systemToStack; }
 const uint8_t* StackToSystemIndexTable() { return gPalette.stackToSystem; }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Gfx, ResetPaletteState);
+}  // namespace

@@ -1,10 +1,11 @@
 #include "host/ButtonPress.h"
 
+#include "base/StateRegistry.h"
 #include "card/ButtonDraw.h"
 #include "card/DisplayList.h"
-#include "subsystems/Subsystems.h"
 #include "platform/Host.h"
 #include "stack/CardRecord.h"
+#include "subsystems/Subsystems.h"
 
 namespace {
 
@@ -110,3 +111,7 @@ void ReleaseButtonPress(void* window) {
     gPress.pressedId = 0;
     GetSubsystems().RunItemAction(window, id, 1);
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Host, ResetButtonPress);
+}  // namespace

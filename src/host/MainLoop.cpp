@@ -1,5 +1,6 @@
 #include "host/MainLoop.h"
 
+#include "base/StateRegistry.h"
 #include "host/WindowProc.h"
 #include "platform/Host.h"
 
@@ -68,3 +69,7 @@ int RunMainLoop(uint32_t untilMs) {
     host.SetTimer(0);
     return 0;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Host, ResetMainLoop);
+}  // namespace

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/StateRegistry.h"
 #include "host/Application.h"
 #include "memory/MemRef.h"
 #include "platform/Host.h"
@@ -251,3 +252,7 @@ void NPP_Print(NPP instance, NPPrint* printInfo) {
 }
 
 int16_t NPP_HandleEvent(NPP instance, void* event) { return 0; }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Host, ResetPluginState);
+}  // namespace

@@ -2,9 +2,9 @@
 
 #include "actions/RunAction.h"
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "card/DisplayList.h"
 #include "card/OffscreenCard.h"
-#include "subsystems/Subsystems.h"
 #include "host/ButtonPress.h"
 #include "host/MainLoop.h"
 #include "host/MenuTable.h"
@@ -14,6 +14,7 @@
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/StackHeader.h"
+#include "subsystems/Subsystems.h"
 #include "ui/JumpDialog.h"
 
 namespace {
@@ -394,3 +395,7 @@ int32_t ItemCursor(int32_t x, int32_t y) {
     if (const uint16_t card = CardWord(kCardCursor)) return card;
     return HeaderWord(kHdrStackCursor);
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Host, ResetWindowProc);
+}  // namespace

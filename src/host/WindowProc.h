@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/KeyCodes.h"
+#include "messages/StringIds.h"
 #include "platform/Host.h"
 
 inline constexpr int16_t kBrowseTool = 18;
@@ -39,9 +40,6 @@ inline constexpr int32_t kCmdAbout = 650;
 inline constexpr int32_t kCmdPreferences = 651;
 inline constexpr int32_t kCmdHelp = 652;
 
-// Labels of the card's and the stack's click actions.
-inline constexpr int16_t kLabelCardClick = 2032;
-inline constexpr int16_t kLabelStackClick = 2035;
 
 struct WindowProcState {
     uint32_t timerCount = 0;        // timer messages, modulo 5

@@ -10,6 +10,7 @@ public:
     OwnedMemRef(const OwnedMemRef&) = delete;
     OwnedMemRef& operator=(const OwnedMemRef&) = delete;
     MemRef ref() const { return ref_; }
+    uint32_t size() const { return ref_ ? GetMemRefSize(ref_) : 0; }
     MemRef Release() {
         const MemRef r = ref_;
         ref_ = 0;

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/StateRegistry.h"
 #include "base/Windows1252.h"
+#include "messages/StringIds.h"
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 
 namespace {
-
-constexpr int kCardSizeAlert = 2295;
-constexpr int kCardSizeQuestion = 2334;
 
 struct AlertState {
     bool advancedUser = false;
@@ -50,7 +49,7 @@ std::string FormatNumbers(const std::string& text) {
 }
 
 bool TakesNumbers(int stringId) {
-    return stringId == kCardSizeAlert || stringId == kCardSizeQuestion;
+    return stringId == kAlertCardSize || stringId == kAlertMinimumSize;
 }
 
 // The text an alert id stands for: the alert buffer for 0, the string table otherwise.
@@ -203,3 +202,7 @@ void ReleaseAlertStore() {
 void ResetAlertState() {
     gAlerts = AlertState{};
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Messages, ResetAlertState);
+}  // namespace

@@ -1,4 +1,5 @@
 // POSIX implementation of the file layer; emscripten provides the same calls over its file system.
+#include "base/StateRegistry.h"
 #include "platform/HostFile.h"
 
 #include <fcntl.h>
@@ -148,3 +149,7 @@ std::string HostProgramFolder() {
     const std::string file = HostProgramFile();
     return FolderOf(file);
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Platform, ResetFileFaults);
+}  // namespace

@@ -5,7 +5,7 @@
 
 #include "base/ByteOrder.h"
 #include "messages/Alert.h"
-#include "messages/CardAlerts.h"
+#include "messages/StringIds.h"
 #include "player/Navigation.h"
 #include "player/NavigationInternal.h"
 #include "player/StackFlows.h"

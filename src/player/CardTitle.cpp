@@ -1,7 +1,7 @@
 // The window title: the stack's name and, when the stack asks for it, the card's number.
 #include <string>
 
-#include "messages/CardAlerts.h"
+#include "messages/StringIds.h"
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "player/Navigation.h"

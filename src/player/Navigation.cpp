@@ -5,11 +5,12 @@
 #include <algorithm>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "card/DisplayList.h"
 #include "card/OffscreenCard.h"
 #include "gfx/Palette.h"
 #include "messages/Alert.h"
-#include "messages/CardAlerts.h"
+#include "messages/StringIds.h"
 #include "player/NavigationInternal.h"
 #include "player/StackFlows.h"
 #include "stack/CardList.h"
@@ -226,3 +227,7 @@ void ResetNavigation() {
     ResetBackHistory();
     ResetTitleState();
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Player, ResetNavigation);
+}  // namespace

@@ -1,7 +1,7 @@
 // A new card behind the current one, with the next id of the stack.
 #include "base/ByteOrder.h"
 #include "messages/Alert.h"
-#include "messages/CardAlerts.h"
+#include "messages/StringIds.h"
 #include "player/Navigation.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"

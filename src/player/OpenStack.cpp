@@ -5,7 +5,7 @@
 
 #include "base/ByteOrder.h"
 #include "messages/Alert.h"
-#include "messages/StackAlerts.h"
+#include "messages/StringIds.h"
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
@@ -23,10 +23,6 @@
 
 namespace {
 
-inline constexpr int kStringHomeNames = 2804;
-inline constexpr int kTitleFindStack = 2413;
-inline constexpr int kStringUntitled = 4041;
-inline constexpr int kHintNewStack = 2280;
 
 void WaitCursor(bool wait) {
     GetHost().SetWaitCursor(wait);
@@ -199,7 +195,7 @@ int32_t OpenStack(bool ask) {
     if (ask) {
         CopySlot(kSlotStack, kSlotScratch);
         FileChoice choice;
-        choice.title = GetString(kTitleFindStack);
+        choice.title = GetString(kStringFindStack);
         choice.filterName = "Stacks (*.STK)";
         choice.filterPattern = "*.stk";
         choice.proposed = SlotHostPath(kSlotScratch);
@@ -230,7 +226,7 @@ int32_t OpenStackByName(const std::string& hostPath) {
     if (!SetSlotPath(kSlotStack, DosPathFromHost(hostPath))) return kResultFailed;
     if (GetHostFileStatus(hostPath).exists) return OpenStack(false);
     LocateRequest request;
-    request.titleStringId = kTitleFindStack;
+    request.titleStringId = kStringFindStack;
     request.filterName = "Stacks (*.STK)";
     request.filterPattern = "*.stk";
     request.targetSlot = kSlotStack;

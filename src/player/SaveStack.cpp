@@ -1,6 +1,6 @@
 // The Save and Save As commands and the question before a stack goes away.
 #include "messages/Alert.h"
-#include "messages/StackAlerts.h"
+#include "messages/StringIds.h"
 #include "platform/Host.h"
 #include "platform/HostPath.h"
 #include "player/StackFlows.h"

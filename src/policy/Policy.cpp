@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/StateRegistry.h"
 #include "platform/HostFile.h"
 #include "policy/PolicyPath.h"
 
@@ -133,3 +134,7 @@ bool PolicyAllows(PolicyAct act, const std::string& subject) {
     }
     return false;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Policy, ResetPolicyState);
+}  // namespace

@@ -1,8 +1,10 @@
 #include "stack/CardList.h"
 
+#include <algorithm>
+
 #include "base/ByteOrder.h"
 #include "messages/Alert.h"
-#include "messages/CardAlerts.h"
+#include "messages/StringIds.h"
 #include "stack/CardRecord.h"
 #include "stack/Names.h"
 
@@ -123,15 +125,21 @@ bool IsGroupCard(MemRef card) {
     return false;
 }
 
-bool ReadChunkHead(const uint8_t* card, uint32_t size, uint32_t offset, ChunkHead* head) {
+bool ReadChunkHead(const uint8_t* card, uint32_t size, uint32_t offset, ChunkHead* head,
+                   uint32_t headSize) {
+    headSize = std::max(headSize, kItemCommonHeadSize);
     if (offset > size || size - offset < 2) return false;
     const uint8_t* c = card + offset;
     head->kind = ReadS16(c + kItemKind);
-    if (head->kind == 0 || size - offset < kItemCommonHeadSize) return false;
+    if (head->kind == 0 || size - offset < headSize) return false;
     head->id = ReadS16(c + kItemId);
+    head->left = ReadS16(c + kItemRect);
+    head->top = ReadS16(c + kItemRect + 2);
+    head->right = ReadS16(c + kItemRect + 4);
+    head->bottom = ReadS16(c + kItemRect + 6);
     head->length = Read32(c + kItemLength);
     head->flags = Read16(c + kItemFlags);
-    return head->length >= kItemCommonHeadSize && head->length <= size - offset;
+    return head->length >= headSize && head->length <= size - offset;
 }
 
 uint32_t FirstItemOffset(MemRef card) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "memory/MemRef.h"
+#include "stack/CardRecord.h"
 #include "stack/Document.h"  // CardCount, GetCardByPosition, InsertCardAt
 
 int32_t GetCardPosition(MemRef card);  // 0 when the card is not in the list
@@ -25,10 +26,15 @@ bool IsGroupCard(MemRef card);
 struct ChunkHead {
     int16_t kind = 0;
     int16_t id = 0;
+    int16_t left = 0, top = 0, right = 0, bottom = 0;  // native
     uint32_t length = 0;
     uint16_t flags = 0;
 };
-bool ReadChunkHead(const uint8_t* card, uint32_t size, uint32_t offset, ChunkHead* head);
+// The one reader of item chunks: the head of the chunk at `offset` of a native card of `size`
+// bytes. False at the chain's end (kind 0), and when the chunk's head (at least `headSize` bytes)
+// or its length would leave the card.
+bool ReadChunkHead(const uint8_t* card, uint32_t size, uint32_t offset, ChunkHead* head,
+                   uint32_t headSize = kItemCommonHeadSize);
 
 // Offsets of the item chain and of its terminating 0 in a card.
 uint32_t FirstItemOffset(MemRef card);

@@ -92,10 +92,7 @@ inline constexpr uint32_t kTextBlockHeadSize = 16;
 inline constexpr uint32_t kTextBlockDataLength = 8;
 inline constexpr uint32_t kTextBlockLength = 12;
 
-// Action sub-records, chained behind a button head.
-inline constexpr uint32_t kSubType = 0;
-inline constexpr uint32_t kSubLength = 12;
-inline constexpr uint32_t kSubHeadSize = 32;
+// The action head behind a button's item head, and its sub-records, are in stack/SubRecord.h.
 
 // A card block of size + 2 bytes with the 32-bit value 0xFACE at `size`: the tail's end mark
 // (already zero) and sentinel come ready-made.

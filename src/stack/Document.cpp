@@ -2,12 +2,29 @@
 
 #include "base/ByteOrder.h"
 #include "base/ResultCodes.h"
+#include "base/StateRegistry.h"
 #include "stack/Blob.h"
 #include "subsystems/Subsystems.h"
 
 namespace {
 Document gDocument;
 inline constexpr uint32_t kCardRowSize = 16;
+
+void FreeStackRecords() {
+    for (int32_t i = 1; i <= CardCount(); ++i) FreeMemRef(GetCardByPosition(i));
+    if (gDocument.cardList) FreeMemRef(gDocument.cardList);
+    if (gDocument.stackHeader) FreeMemRef(gDocument.stackHeader);
+    if (gDocument.storeRef) CloseBlobStore(gDocument.storeRef);
+    gDocument.cardList = 0;
+    gDocument.stackHeader = 0;
+    gDocument.storeRef = 0;
+    gDocument.hasFile = false;
+    gDocument.convertedFlags = 0;
+    gDocument.dirty = false;
+    gDocument.currentCard = 0;
+    gDocument.currentCardId = 0;
+}
+
 }  // namespace
 
 Document& GetDocument() {
@@ -40,16 +57,15 @@ int32_t InsertCardAt(int32_t position, MemRef card) {
 void CloseStack() {
     // Its leave action runs and the quiz report is written before anything of it is freed.
     GetSubsystems().StackClosing();
-    for (int32_t i = 1; i <= CardCount(); ++i) FreeMemRef(GetCardByPosition(i));
-    if (gDocument.cardList) FreeMemRef(gDocument.cardList);
-    if (gDocument.stackHeader) FreeMemRef(gDocument.stackHeader);
-    if (gDocument.storeRef) CloseBlobStore(gDocument.storeRef);
-    gDocument.cardList = 0;
-    gDocument.stackHeader = 0;
-    gDocument.storeRef = 0;
-    gDocument.hasFile = false;
-    gDocument.convertedFlags = 0;
-    gDocument.dirty = false;
-    gDocument.currentCard = 0;
-    gDocument.currentCardId = 0;
+    FreeStackRecords();
 }
+
+void ResetDocument() {
+    FreeStackRecords();
+    CloseAllBlobStores();
+    gDocument = Document{};
+}
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Stack, ResetDocument);
+}  // namespace

@@ -40,6 +40,9 @@ Document& GetDocument();
 // Runs the stack's leave action, then frees header, cards and store: the document is empty after
 // it (settings stay).
 void CloseStack();
+// Frees the stack and closes every record store without running anything: the document as at
+// the program's start, for a test that starts clean.
+void ResetDocument();
 
 int16_t CardCount();
 MemRef GetCardByPosition(int32_t position);           // 1-based; 0 if out of range

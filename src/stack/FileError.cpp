@@ -1,6 +1,6 @@
 // Reporting file errors: the error codes are string ids at once.
 #include "messages/Alert.h"
-#include "messages/StackAlerts.h"
+#include "messages/StringIds.h"
 #include "stack/StackFiles.h"
 
 namespace {

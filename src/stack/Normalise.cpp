@@ -9,7 +9,10 @@
 #include <cstring>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
+#include "memory/OwnedMemRef.h"
 #include "stack/CardRecord.h"
+#include "stack/SubRecord.h"
 
 namespace {
 
@@ -31,44 +34,6 @@ constexpr uint32_t kPictureHeadSize = 8;
 // Text block inside a text field; the first one's data starts at 144 of the chunk.
 constexpr uint32_t kTextFirstBlock = kTextHeadSize;
 
-// Action sub-records.
-constexpr uint32_t kSubId = 2;
-constexpr uint32_t kSubRect = 4;
-constexpr uint32_t kSubVolume = 4;  // types 82 and 83: a word where others keep a rectangle
-constexpr uint32_t kSubField16 = 16;
-constexpr uint32_t kSubField18 = 18;
-constexpr uint32_t kSubDocumentLength = 18;  // type 59, 32-bit, unaligned
-constexpr uint32_t kSubField20 = 20;
-constexpr uint32_t kSubFlags = 22;
-constexpr uint32_t kSubField24 = 24;
-constexpr uint32_t kSubBody = kSubHeadSize;
-constexpr uint16_t kSubFlagOddPad = 0x200;
-
-constexpr uint16_t kSubNba = 51;
-constexpr uint16_t kSubAnimation = 56;
-constexpr uint16_t kSubLaunch = 59;
-constexpr uint16_t kSubOtherStack = 60;
-constexpr uint16_t kSubLogo = 64;
-constexpr uint16_t kSubSoundFile = 82;
-constexpr uint16_t kSubStackSound = 83;
-constexpr uint16_t kSubMovie = 89;
-constexpr uint16_t kSubLaserDisc = 119;
-constexpr uint16_t kSubIcon = 130;
-
-constexpr uint32_t kLaserDiscHeadSize = 96;
-constexpr uint32_t kIconBodySize = 8;
-
-// Frame-delta animation in a type 56 body: seven words (width, height, tickDelay, repeats,
-// frameCount, depth, flags), four spare bytes, then the frames, each with a 16-byte head whose
-// size at 8 is the whole frame's. A body that starts with 'Sprt' is a sprite film, kept raw.
-constexpr uint32_t kAnimHeadWords = 7;
-constexpr uint32_t kAnimFrameCount = kSubBody + 8;
-constexpr uint32_t kAnimHeadSize = 18;
-constexpr uint32_t kAnimFrames = kSubBody + kAnimHeadSize;
-constexpr uint32_t kFrameTag = 0;
-constexpr uint32_t kFrameSize = 8;
-constexpr uint32_t kFrameHeadSize = 16;
-static_assert(kAnimFrames == 50);
 
 bool gTableSeen = false;
 bool gWhiteFirst = false;
@@ -86,26 +51,6 @@ public:
 private:
     MemRefLock lock_;
     uint32_t size_;
-};
-
-// Frees a converted reference on every path out.
-class OwnedMemRef {
-public:
-    explicit OwnedMemRef(MemRef ref) : ref_(ref) {}
-    ~OwnedMemRef() {
-        if (ref_) FreeMemRef(ref_);
-    }
-    OwnedMemRef(const OwnedMemRef&) = delete;
-    OwnedMemRef& operator=(const OwnedMemRef&) = delete;
-    MemRef get() const { return ref_; }
-    uint32_t size() const { return ref_ ? GetMemRefSize(ref_) : 0; }
-    void Reset(MemRef ref) {
-        if (ref_) FreeMemRef(ref_);
-        ref_ = ref;
-    }
-
-private:
-    MemRef ref_;
 };
 
 void SwapItemCommonHead(uint8_t* item, bool withKind) {
@@ -131,8 +76,8 @@ int32_t ReplaceReference(MemRef record, uint32_t at, uint32_t oldLength, bool pa
         converted = ConvertStoredPath(r.At(at), oldLength, odd, padToEven);
     }
     OwnedMemRef text(converted);
-    if (!text.get()) return -1;
-    if (ReplaceBytes(record, text.get(), at, oldLength) != 0) return -1;
+    if (!text.ref()) return -1;
+    if (ReplaceBytes(record, text.ref(), at, oldLength) != 0) return -1;
     *newLength = text.size();
     return 0;
 }
@@ -223,8 +168,8 @@ int32_t NormaliseTextField(MemRef card, uint32_t offset) {
 
 // The frame-delta animation of a type 56 body, if it holds one.
 int32_t NormaliseAnimationBody(uint8_t* sub, uint32_t subLength) {
-    if (subLength - kSubBody < kAnimHeadSize || std::memcmp(sub + kSubBody, "Sprt", 4) == 0) return 0;
-    for (uint32_t i = 0; i < kAnimHeadWords; ++i) Swap16(sub + kSubBody + 2 * i);
+    if (subLength - kSubHeadSize < kAnimHeadSize || std::memcmp(sub + kSubHeadSize, "Sprt", 4) == 0) return 0;
+    for (uint32_t i = 0; i < kAnimHeadWords; ++i) Swap16(sub + kSubHeadSize + 2 * i);
     const uint16_t frames = Read16(sub + kAnimFrameCount);
     uint32_t at = kAnimFrames;
     for (uint32_t i = 0; i < frames; ++i) {
@@ -248,7 +193,7 @@ int32_t NormaliseOnePath(MemRef record, uint32_t at) {
     if (body == 0) return 0;
     uint32_t newText = 0;
     bool odd = false;
-    if (ReplaceReference(record, at + kSubBody, body, true, &newText, &odd) != 0) return -1;
+    if (ReplaceReference(record, at + kSubHeadSize, body, true, &newText, &odd) != 0) return -1;
     RecordView r(record);
     uint8_t* sub = r.At(at);
     if (odd) Write16(sub + kSubFlags, kSubFlagOddPad);
@@ -270,32 +215,32 @@ int32_t NormaliseLaunchPaths(MemRef record, uint32_t at) {
         if (documentLength > body) return -1;
         const uint32_t rest = body - documentLength;
         if (documentLength != 0) {
-            first.Reset(ConvertStoredPath(sub + kSubBody, documentLength, nullptr, false));
-            if (!first.get()) return -1;
+            first.Reset(ConvertStoredPath(sub + kSubHeadSize, documentLength, nullptr, false));
+            if (!first.ref()) return -1;
         }
         // A single byte left over is the pad of an odd document, not a program.
         if (rest > 1) {
-            second.Reset(ConvertStoredPath(sub + kSubBody + documentLength, rest, nullptr, false));
-            if (!second.get()) return -1;
+            second.Reset(ConvertStoredPath(sub + kSubHeadSize + documentLength, rest, nullptr, false));
+            if (!second.ref()) return -1;
         }
     }
     const uint32_t joined = first.size() + second.size();
     const bool roundUp = (joined & 1) != 0;
     OwnedMemRef text(NewMemRef(joined + (roundUp ? 1 : 0)));
-    if (!text.get()) return -1;
+    if (!text.ref()) return -1;
     {
-        MemRefLock out(text.get());
+        MemRefLock out(text.ref());
         if (!out) return -1;
         if (first.size()) {
-            MemRefLock in(first.get());
+            MemRefLock in(first.ref());
             std::memcpy(out.data(), in.data(), first.size());
         }
         if (second.size()) {
-            MemRefLock in(second.get());
+            MemRefLock in(second.ref());
             std::memcpy(out.data() + first.size(), in.data(), second.size());
         }
     }
-    if (ReplaceBytes(record, text.get(), at + kSubBody, body) != 0) return -1;
+    if (ReplaceBytes(record, text.ref(), at + kSubHeadSize, body) != 0) return -1;
     RecordView r(record);
     uint8_t* sub = r.At(at);
     if (roundUp) Write16(sub + kSubFlags, kSubFlagOddPad);
@@ -313,52 +258,52 @@ int32_t NormaliseSubRecord(MemRef record, uint32_t at) {
         type = Read16(sub + kSubType);
         const uint32_t subLength = Read32(sub + kSubLength);
         switch (type) {
-        case kSubNba:
-            Swap16At(sub, {kSubFlags, kSubField16});
+        case kTagNba:
+            Swap16At(sub, {kSubFlags, kSubWord16});
             return 0;
-        case kSubAnimation:
+        case kTagAnimation:
             SwapRect(sub + kSubRect);
             Swap16(sub + kSubFlags);
             return NormaliseAnimationBody(sub, subLength);
-        case kSubLaunch:
-            Swap16At(sub, {kSubFlags, kSubField16});
+        case kTagLaunch:
+            Swap16At(sub, {kSubFlags, kSubWord16});
             Swap32(sub + kSubDocumentLength);
             break;
-        case kSubOtherStack:
+        case kTagOtherStack:
             break;
-        case kSubLogo:
+        case kTagLogo:
             Swap16(sub + kSubFlags);
             SwapRect(sub + kSubRect);
             return 0;
-        case kSubSoundFile:
-            Swap16At(sub, {kSubFlags, kSubField24, kSubVolume});
+        case kTagSoundFile:
+            Swap16At(sub, {kSubFlags, kSubWord24, kSubVolume});
             break;
-        case kSubStackSound:
-            Swap16At(sub, {kSubFlags, kSubField24, kSubVolume, kSubField16});
+        case kTagStackSound:
+            Swap16At(sub, {kSubFlags, kSubWord24, kSubVolume, kSubWord16});
             return 0;
-        case kSubMovie:
-            Swap16At(sub, {kSubFlags, kSubId, kSubField20});
+        case kTagMovie:
+            Swap16At(sub, {kSubFlags, kSubId, kSubWord20});
             SwapRect(sub + kSubRect);
-            Swap32(sub + kSubField16);
+            Swap32(sub + kSubWord16);
             break;
-        case kSubLaserDisc:
+        case kTagLaserDisc:
             if (subLength < kLaserDiscHeadSize) return -1;
-            Swap16At(sub, {kSubFlags, kSubField18, kSubField20, kSubField24});
+            Swap16At(sub, {kSubFlags, kSubWord18, kSubWord20, kSubWord24});
             SwapRect(sub + kSubRect);
             return 0;
-        case kSubIcon:
+        case kTagIcon:
             // Icon sizes: width and height, then two words that are made afresh.
-            if (subLength < kSubHeadSize + kIconBodySize) return -1;
-            Swap16At(sub, {kSubFlags, kSubBody, kSubBody + 2});
-            Write16(sub + kSubBody + 4, 0);
-            Write16(sub + kSubBody + 6, 0);
+            if (subLength < kIconHeadSize) return -1;
+            Swap16At(sub, {kSubFlags, kIconWidth, kIconHeight});
+            Write16(sub + kIconLeft, 0);
+            Write16(sub + kIconTop, 0);
             return 0;
         default:
             // 129 carries nothing for the reader; a foreign type is passed over by its length.
             return 0;
         }
     }
-    return type == kSubLaunch ? NormaliseLaunchPaths(record, at) : NormaliseOnePath(record, at);
+    return type == kTagLaunch ? NormaliseLaunchPaths(record, at) : NormaliseOnePath(record, at);
 }
 
 // The item common head, then the button routine: an 'Actn' record, or the action of an 'Hlnk'.
@@ -507,3 +452,7 @@ int32_t NormaliseHlnk(MemRef record) {
     }
     return hasAction ? NormaliseAction(record, action) : 0;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Stack, ResetWhiteFirstTest);
+}  // namespace

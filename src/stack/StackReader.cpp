@@ -1,6 +1,6 @@
 #include "stack/StackReader.h"
 
-#include "messages/StackAlerts.h"
+#include "messages/StringIds.h"
 
 #include <fmt/format.h>
 

@@ -43,20 +43,24 @@ inline constexpr int16_t kTestRight = 1;
 inline constexpr int16_t kTestWrong = 2;
 inline constexpr int16_t kTestAskName = 3;
 
-// Sub-record head.
-inline constexpr uint32_t kSubHead = 32;
-inline constexpr uint32_t kSubTag = 0;
-inline constexpr uint32_t kSubMovieId = 2;
-inline constexpr uint32_t kSubRectAt = 4;
-inline constexpr uint32_t kSubVolumeAt =
-    4;  // sound sub-records keep a word where others keep a rect
-inline constexpr uint32_t kSubLengthAt = 12;
-inline constexpr uint32_t kSubWord16 = 16;            // nbaId, soundId, launchFlags
-inline constexpr uint32_t kSubDocumentLengthAt = 18;  // tag 59, 32-bit, unaligned
-inline constexpr uint32_t kSubFlagsAt = 22;
-inline constexpr uint32_t kSubSoundFlags = 24;
-inline constexpr uint16_t kSubOddPad = 0x0200;
+// Sub-record head: 32 bytes, then the body. Words 16 to 24 mean what the type makes them.
+inline constexpr uint32_t kSubHeadSize = 32;
+inline constexpr uint32_t kSubType = 0;
+inline constexpr uint32_t kSubId = 2;      // the movie's or the item's id
+inline constexpr uint32_t kSubRect = 4;    // stored top, left, bottom, right
+inline constexpr uint32_t kSubVolume = 4;  // sound types keep a word where others keep a rect
+inline constexpr uint32_t kSubLength = 12;  // 32-bit: head and body, with the pad byte
+inline constexpr uint32_t kSubWord16 = 16;  // nbaId, soundId, launchFlags
+inline constexpr uint32_t kSubWord18 = 18;
+inline constexpr uint32_t kSubDocumentLength = 18;  // type 59, 32-bit, unaligned
+inline constexpr uint32_t kSubWord20 = 20;
+inline constexpr uint32_t kSubFlags = 22;
+inline constexpr uint32_t kSubWord24 = 24;
+inline constexpr uint32_t kSubSoundFlags = kSubWord24;
+// A body of odd length is padded to even; the flag says the last byte is the pad.
+inline constexpr uint16_t kSubFlagOddPad = 0x0200;
 
+// Sub-record types.
 inline constexpr int16_t kTagNba = 51;
 inline constexpr int16_t kTagAnimation = 56;
 inline constexpr int16_t kTagLaunch = 59;
@@ -66,9 +70,32 @@ inline constexpr int16_t kTagSoundFile = 82;
 inline constexpr int16_t kTagStackSound = 83;
 inline constexpr int16_t kTagMovie = 89;
 inline constexpr int16_t kTagLaserDisc = 119;
+inline constexpr int16_t kTagIcon = 130;  // a picture button's mask
 
-// tag 59: quit after launching.
+// Type 59: quit after launching.
 inline constexpr uint16_t kLaunchThenQuit = 0x4000;
+
+// Type 119: the laser disc record's head, the only part that is stored.
+inline constexpr uint32_t kLaserDiscHeadSize = 96;
+
+// Type 130: width and height, left and top of the mask, then its rows.
+inline constexpr uint32_t kIconWidth = kSubHeadSize;
+inline constexpr uint32_t kIconHeight = kSubHeadSize + 2;
+inline constexpr uint32_t kIconLeft = kSubHeadSize + 4;
+inline constexpr uint32_t kIconTop = kSubHeadSize + 6;
+inline constexpr uint32_t kIconHeadSize = kSubHeadSize + 8;
+
+// Type 56, a frame-delta animation: seven words (width, height, tickDelay, repeats, frameCount,
+// depth, flags), four spare bytes, then the frames, each with a 16-byte head whose size at 8 is
+// the whole frame's. A body that starts with 'Sprt' is a sprite film, kept raw.
+inline constexpr uint32_t kAnimHeadWords = 7;
+inline constexpr uint32_t kAnimFrameCount = kSubHeadSize + 8;
+inline constexpr uint32_t kAnimHeadSize = 18;
+inline constexpr uint32_t kAnimFrames = kSubHeadSize + kAnimHeadSize;
+inline constexpr uint32_t kFrameTag = 0;
+inline constexpr uint32_t kFrameSize = 8;
+inline constexpr uint32_t kFrameHeadSize = 16;
+static_assert(kAnimFrames == 50);
 
 // The end of the sub-records of the head at `head`, no further than `available` bytes from it: the
 // head's length, cut to what is there. 0 when not even the head is there.
@@ -78,3 +105,6 @@ uint32_t ActionEnd(const uint8_t* head, uint32_t available);
 // of `tag`; true and its position from the head. A sub-record that is shorter than its own head or
 // leaves the action ends the walk: a damaged chain is never followed.
 bool FindSubRecord(const uint8_t* head, uint32_t available, int16_t tag, uint32_t* position);
+
+// The body size of the sub-record at `sub`: its length less the head and the pad byte.
+uint32_t SubRecordPayloadSize(const uint8_t* sub);

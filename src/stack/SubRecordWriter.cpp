@@ -11,33 +11,10 @@
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
 #include "stack/RecordEmitter.h"
+#include "stack/SubRecord.h"
 
 namespace {
 
-constexpr uint32_t kSubRect = 4;
-constexpr uint32_t kSubDocumentLength = 18;  // type 59, 32-bit
-constexpr uint32_t kSubFlags = 22;
-constexpr uint32_t kSubBody = kSubHeadSize;
-constexpr uint16_t kSubFlagOddPad = 0x200;
-
-// A laser disc record goes out as its head only.
-constexpr uint32_t kLaserDiscHeadSize = 96;
-
-// Icon sizes behind the head: two words turned, two filled from the button's rectangle.
-constexpr uint32_t kIconWidth = kSubBody;
-constexpr uint32_t kIconHeight = kSubBody + 2;
-constexpr uint32_t kIconLeft = kSubBody + 4;
-constexpr uint32_t kIconTop = kSubBody + 6;
-constexpr uint32_t kIconHeadSize = kSubBody + 8;
-
-// Frame-delta animation in a type 56 body: seven words, four spare bytes, then the frames, each
-// with a 16-byte head whose size at 8 is the whole frame's. A sprite film ('Sprt') stays raw.
-constexpr uint32_t kAnimHeadWords = 7;
-constexpr uint32_t kAnimHeadSize = 18;
-constexpr uint32_t kAnimFrameCount = kSubBody + 8;
-constexpr uint32_t kAnimFrames = kSubBody + kAnimHeadSize;
-constexpr uint32_t kFrameSize = 8;
-constexpr uint32_t kFrameHeadSize = 16;
 
 enum class SubBody {
     AsItStands,
@@ -94,11 +71,11 @@ void StoreSubHead(uint8_t* head, const SubRule& rule) {
 }
 
 int32_t EmitAnimation(RecordEmitter& e, const uint8_t* sub, uint32_t length) {
-    if (length - kSubBody < kAnimHeadSize || std::memcmp(sub + kSubBody, "Sprt", 4) == 0) {
-        e.Put(sub + kSubBody, length - kSubBody);
+    if (length - kSubHeadSize < kAnimHeadSize || std::memcmp(sub + kSubHeadSize, "Sprt", 4) == 0) {
+        e.Put(sub + kSubHeadSize, length - kSubHeadSize);
         return e.result();
     }
-    e.PutExchanged(sub + kSubBody, kAnimHeadSize, [](uint8_t* h) {
+    e.PutExchanged(sub + kSubHeadSize, kAnimHeadSize, [](uint8_t* h) {
         for (uint32_t i = 0; i < kAnimHeadWords; ++i) Swap16(h + 2 * i);
     });
     const uint16_t frames = Read16(sub + kAnimFrameCount);
@@ -122,17 +99,17 @@ int32_t EmitAnimation(RecordEmitter& e, const uint8_t* sub, uint32_t length) {
 // Type 59: the document's reference is as long as the field at 18 says, and takes the round-up
 // byte as well when no program's reference follows it. A lone byte behind it is no reference.
 int32_t EmitLaunchPaths(RecordEmitter& e, const uint8_t* sub, uint32_t length) {
-    const uint32_t body = length - kSubBody;
+    const uint32_t body = length - kSubHeadSize;
     const uint32_t documentLength = Read32(sub + kSubDocumentLength);
     if (documentLength > body) return e.Fail();
     const bool program = body - documentLength > 1;
     uint32_t first = documentLength;
     if ((Read16(sub + kSubFlags) & kSubFlagOddPad) && !program && first < body) ++first;
-    e.PutPath(sub + kSubBody, first);
+    e.PutPath(sub + kSubHeadSize, first);
     if (program) {
-        e.PutPath(sub + kSubBody + first, body - first);
+        e.PutPath(sub + kSubHeadSize + first, body - first);
     } else {
-        e.Put(sub + kSubBody + first, body - first);
+        e.Put(sub + kSubHeadSize + first, body - first);
     }
     return e.result();
 }
@@ -158,12 +135,12 @@ int32_t EmitSubRecord(RecordEmitter& e, uint8_t* sub, uint32_t length, const uin
 
     switch (rule->body) {
     case SubBody::AsItStands:
-        e.Put(sub + kSubBody, length - kSubBody);
+        e.Put(sub + kSubHeadSize, length - kSubHeadSize);
         break;
     case SubBody::Animation:
         return EmitAnimation(e, sub, length);
     case SubBody::OnePath:
-        e.PutPath(sub + kSubBody, length - kSubBody);
+        e.PutPath(sub + kSubHeadSize, length - kSubHeadSize);
         break;
     case SubBody::LaunchPaths:
         return EmitLaunchPaths(e, sub, length);

@@ -8,7 +8,7 @@
 
 #include "base/ByteOrder.h"
 #include "messages/Alert.h"
-#include "messages/StackAlerts.h"
+#include "messages/StringIds.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "stack/Blob.h"

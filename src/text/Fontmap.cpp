@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "platform/HostFonts.h"
 #include "stack/Blob.h"
 
@@ -327,3 +328,7 @@ FontFile FontFileFor(std::string_view face, bool bold, bool italic) {
     result.path = HostFontFolder() + "/" + styled;
     return result;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Text, ResetFontMap);
+}  // namespace

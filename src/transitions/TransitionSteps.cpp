@@ -1,5 +1,6 @@
 #include "transitions/TransitionSteps.h"
 
+#include "base/StateRegistry.h"
 #include "gfx/Blit.h"
 #include "platform/Host.h"
 #include "subsystems/Subsystems.h"
@@ -75,3 +76,7 @@ StepSize SizeSteps(int32_t extent, int32_t limit) {
     if (extent < limit) return {1.0f, extent};
     return {static_cast<float>(extent) / static_cast<float>(limit), limit};
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Transitions, ResetTransitionState);
+}  // namespace

@@ -16,9 +16,9 @@ Native Chain(const std::vector<std::pair<int16_t, uint32_t>>& subs, uint32_t len
     Native b(kActionHeadSize, 0);
     for (const auto& [tag, subLength] : subs) {
         const size_t at = b.size();
-        b.resize(at + std::max<uint32_t>(subLength, kSubHead), 0);
-        Write16(&b[at + kSubTag], static_cast<uint16_t>(tag));
-        Write32(&b[at + kSubLengthAt], subLength);
+        b.resize(at + std::max<uint32_t>(subLength, kSubHeadSize), 0);
+        Write16(&b[at + kSubType], static_cast<uint16_t>(tag));
+        Write32(&b[at + kSubLength], subLength);
     }
     Write32(&b[kActionLength], length ? length : static_cast<uint32_t>(b.size()));
     return b;

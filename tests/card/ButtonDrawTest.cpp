@@ -16,6 +16,7 @@
 #include "gfx/Palette.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
+#include "stack/SubRecord.h"
 #include "support/StackBytes.h"
 #include "support/SurfaceArt.h"
 #if QB_GOLDEN_TESTS

@@ -21,6 +21,7 @@
 #include "card/ButtonLayout.h"
 #include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
+#include "stack/SubRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "stack/StackHeader.h"

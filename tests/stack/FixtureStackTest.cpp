@@ -8,6 +8,7 @@
 #include "base/ByteOrder.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
+#include "stack/SubRecord.h"
 #include "stack/Document.h"
 #include "stack/Names.h"
 #include "stack/PathSlot.h"

@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include "base/StateRegistry.h"
 #include "card/GraphicPicture.h"
 #include "host/Application.h"
 #include "messages/Alert.h"
@@ -192,11 +193,6 @@ Bytes ReadWholeFile(const std::string& path) {
 }
 
 void StartProgramAfresh() {
-    ResetHeadlessState();
-    ResetFileFaults();
-    ResetAlertState();
-    CloseStack();
-    CloseAllBlobStores();
-    ResetPolicyState();
+    ResetAllState();
     InitApplication(nullptr);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "base/StateRegistry.h"
 #include "platform/AlertLayout.h"
 #include "ui/AlertBox.h"
 
@@ -191,3 +192,7 @@ void SetHeadlessWallClock(const HostDateTime& at) {
     const int64_t seconds = days * 86400 + at.hour * 3600 + at.minute * 60 + at.second;
     gState.wallClockStartMs = seconds * 1000 - gState.clockMs;
 }
+
+namespace {
+[[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Platform, ResetHeadlessState);
+}  // namespace
