@@ -15,17 +15,6 @@ namespace {
 
 inline constexpr uint32_t kReferenceGap = 6;  // the reference's 16- and 32-bit fields
 
-// The head of the action behind an 'Hlnk' record's head, if it has one.
-bool LinkActionOffset(MemRef link, uint32_t* offset) {
-    const uint32_t size = GetMemRefSize(link);
-    MemRefLock lock(link);
-    if (!lock || size < kHlnkText) return false;
-    const uint8_t* p = lock.data();
-    if (Read16(p + kHlnkHasAction) == 0) return false;
-    *offset = kHlnkText + Read16(p + kHlnkPadLength) + Read16(p + kHlnkTextLength);
-    return *offset <= size && size - *offset >= kActionHeadSize;
-}
-
 }  // namespace
 
 bool FindRecordSubRecord(MemRef record, uint32_t offset, int16_t tag, uint32_t* relative) {
@@ -33,33 +22,6 @@ bool FindRecordSubRecord(MemRef record, uint32_t offset, int16_t tag, uint32_t* 
     if (offset > size) return false;
     MemRefLock lock(record);
     return lock && FindSubRecord(lock.data() + offset, size - offset, tag, relative);
-}
-
-bool FindOwnerSubRecord(uint16_t id, int16_t tag, MemRef* record, uint32_t* offset) {
-    MemRef card = 0;
-    uint32_t itemOffset = 0;
-    uint32_t relative = 0;
-    if (FindItem(kItemKindButton, static_cast<int16_t>(id), &card, &itemOffset) &&
-        FindRecordSubRecord(card, itemOffset, tag, &relative)) {
-        *record = card;
-        *offset = itemOffset + relative;
-        return true;
-    }
-    if (const MemRef action = GetBlobById(FourCC("Actn"), id);
-        action && FindRecordSubRecord(action, 0, tag, &relative)) {
-        *record = action;
-        *offset = relative;
-        return true;
-    }
-    uint32_t actionOffset = 0;
-    if (const MemRef link = GetBlobById(FourCC("Hlnk"), id);
-        link && LinkActionOffset(link, &actionOffset) &&
-        FindRecordSubRecord(link, actionOffset, tag, &relative)) {
-        *record = link;
-        *offset = actionOffset + relative;
-        return true;
-    }
-    return false;
 }
 
 MemRef CopySubRecordPayload(MemRef record, uint32_t subOffset) {

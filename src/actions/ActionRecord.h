@@ -12,9 +12,6 @@
 
 // The same on a record, the result relative to the head at `offset`.
 bool FindRecordSubRecord(MemRef record, uint32_t offset, int16_t tag, uint32_t* relative);
-// The sub-record of `tag` of the action owned by `id`: a button of that id on a card, else 'Actn'
-// `id`, else the action behind 'Hlnk' `id`. Its record and the sub-record's offset in it.
-bool FindOwnerSubRecord(uint16_t id, int16_t tag, MemRef* record, uint32_t* offset);
 
 // A fresh block holding the payload of the sub-record at `subOffset` of `record`; 0 when memory is
 // short or the sub-record doesn't lie in the record.

@@ -140,11 +140,6 @@ void DrawButton(Surface& target, const Clip& clip, const DisplayItem& item, cons
     Draw(target, clip, item, palette, itemBorders, false);
 }
 
-void DrawButtonForPrint(Surface& target, const Clip& clip, const DisplayItem& item,
-                        const uint32_t* palette) {
-    Draw(target, clip, item, palette, false, true);
-}
-
 void InvertItem(Surface& target, const Clip& clip, const DisplayItem& item) {
     switch (item.shape) {
         case 0:

@@ -24,8 +24,6 @@ Region ItemRegion(MemRef card, uint32_t offset, bool withShape);
 // `palette`: the card's 256 colours. `itemBorders`: the authoring option that outlines shapes 4-7.
 void DrawButton(Surface& target, const Clip& clip, const DisplayItem& item, const uint32_t* palette,
                 bool itemBorders);
-void DrawButtonForPrint(Surface& target, const Clip& clip, const DisplayItem& item,
-                        const uint32_t* palette);
 // Its own undoing: region, rectangle or mask inverted.
 void InvertItem(Surface& target, const Clip& clip, const DisplayItem& item);
 

@@ -173,42 +173,6 @@ int32_t ReplaceCardPalette(MemRef card, const Palette& palette) {
     return ReindexItems(card, *old, palette);
 }
 
-bool ImageFitsPalette(MemRef card, MemRef image) {
-    const PaletteRef palette = GetCardPalette(card);
-    MemRefLock lock(image);
-    if (!palette || !lock || !IsDibLayoutValid(lock.data(), GetMemRefSize(image))) return false;
-    const uint8_t* dib = lock.data();
-    const int32_t depth = DibDepth(dib);
-    if (depth != 4 && depth != 8) return false;
-    bool seen[kPaletteSize] = {};
-    uint32_t good = 0;
-    const uint32_t enough = 1u << depth;
-    const auto fits = [&](uint32_t index) {
-        if (seen[index]) return true;
-        seen[index] = true;
-        PaletteEntry c{};
-        if (index < DibColorCount(dib)) {
-            const uint8_t* bgr = DibColors(dib) + index * kDibColorSize;
-            c = {bgr[2], bgr[1], bgr[0], 0};
-        }
-        const PaletteEntry& n = palette->entries[NearestPaletteIndex(*palette, c.red, c.green, c.blue)];
-        ++good;
-        return n.red == c.red && n.green == c.green && n.blue == c.blue;
-    };
-    // From the last pixel backward; once every possible index has been found good nothing is left.
-    const uint32_t rowBytes = DibImageRowBytes(dib);
-    const uint32_t width = static_cast<uint32_t>(DibWidth(dib));
-    for (int32_t y = DibHeight(dib) - 1; y >= 0; --y) {
-        const uint8_t* row = DibPixels(dib) + rowBytes * static_cast<uint32_t>(y);
-        for (uint32_t x = width; x-- > 0;) {
-            const uint32_t index = depth == 8 ? row[x] : (x & 1 ? row[x / 2] & 15 : row[x / 2] >> 4);
-            if (!fits(index)) return false;
-            if (good == enough) return true;
-        }
-    }
-    return true;
-}
-
 void PrepareIncomingPalette(MemRef card) {
     PaletteState& state = GetPaletteState();
     state.incoming = GetCardPalette(card);

@@ -18,9 +18,6 @@ PaletteRef GetCardPalette(MemRef card);
 // ColorTable is left to the caller. 0, or -1 with the card as far as it got.
 int32_t ReplaceCardPalette(MemRef card, const Palette& palette);
 
-// Whether every colour of a 4- or 8-bit image is exactly a colour of the card's palette.
-bool ImageFitsPalette(MemRef card, MemRef image);
-
 // A change of card, before it is drawn: IncomingPalette := the card's palette, and the colours it
 // shows (its own, or CurrentPalette's for a card without one) go to NoteColors.
 void PrepareIncomingPalette(MemRef card);

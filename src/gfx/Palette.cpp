@@ -104,8 +104,6 @@ int32_t ForceDisplayDepth(int32_t depth) {
     return 0;
 }
 
-uint32_t DefaultPaletteColor(uint32_t index) { return index < kDefaultPaletteColors ? kDefPal[index] : 0; }
-
 uint32_t SystemColor(uint32_t index) {
     if (index < kSystemLowCount) return kSystemColors[index];
     if (index >= kSystemHighFirst && index < kPaletteSize) return kSystemColors[index - kSystemHighFirst + kSystemLowCount];

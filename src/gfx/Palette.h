@@ -80,8 +80,6 @@ int32_t DisplayDepth();
 // 8, 16 or 32; 0 follows the stack again. Any other value is refused with -1.
 int32_t ForceDisplayDepth(int32_t depth);
 
-// DEFPAL's colour `index` (0 to 235), as 0xRRGGBB.
-uint32_t DefaultPaletteColor(uint32_t index);
 // The standard system palette's entry `index` (0 to 9 and 246 to 255), as 0xRRGGBB.
 uint32_t SystemColor(uint32_t index);
 // The 20 reserved colours into the top of a 256-entry table in reverse order: system entry i goes

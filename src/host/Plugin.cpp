@@ -158,14 +158,6 @@ void NPN_MemFree(void* ptr) {
     if (browser && browser->memfree) browser->memfree(ptr);
 }
 
-void NPN_Version(int* pluginMajor, int* pluginMinor, int* browserMajor, int* browserMinor) {
-    *pluginMajor = NP_VERSION_MAJOR;
-    *pluginMinor = NP_VERSION_MINOR;
-    const uint16_t version = State().browserFunctions ? State().browserFunctions->version : 0;
-    *browserMajor = version >> 8;
-    *browserMinor = version & 0xFF;
-}
-
 // --- Instance functions -----------------------------------------------------------------------
 
 NPError NPP_New(NPMIMEType pluginType, NPP instance, uint16_t mode, int16_t argc, char* argn[], char* argv[],

@@ -60,8 +60,6 @@ int16_t NPP_HandleEvent(NPP instance, void* event);
 // The browser's services that the instance code uses.
 void* NPN_MemAlloc(uint32_t size);
 void NPN_MemFree(void* ptr);
-// The plug-in's table version (0.6) and the browser's, from its table.
-void NPN_Version(int* pluginMajor, int* pluginMinor, int* browserMajor, int* browserMinor);
 
 // A line drawn on a print device. Printing draws nothing else yet, so the record is what there is.
 struct PrintedLine {

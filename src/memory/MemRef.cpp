@@ -91,17 +91,6 @@ MemRef NewMemRef(uint32_t size) {
     return ref;
 }
 
-MemRef MemRefFromGlobal(SystemBlock* block) {
-    if (!block || (GlobalFlags(block) & kBlockDiscardedFlag)) return 0;
-    const size_t size = GlobalSize(block);
-    if (size > UINT32_MAX - kOverhead) return 0;
-    uint8_t* bytes = GlobalLock(block);
-    if (!bytes) return 0;
-    MemRef ref = NewBlockCopy(bytes, static_cast<uint32_t>(size));
-    GlobalUnlock(block);
-    return ref;
-}
-
 int32_t FreeMemRef(MemRef ref) {
     SystemBlock* block = SlotOf(ref);
     if (!block) return 0;

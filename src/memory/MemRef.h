@@ -29,7 +29,6 @@ bool InitMemRefs();
 void ShutdownMemRefs();
 
 MemRef NewMemRef(uint32_t size);
-MemRef MemRefFromGlobal(SystemBlock* block);
 int32_t FreeMemRef(MemRef ref);
 
 uint8_t* LockMemRef(MemRef ref);

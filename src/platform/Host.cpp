@@ -40,10 +40,6 @@ constinit Host gHost = MakeNullHost();
 
 }  // namespace
 
-Host NullHost() {
-    return MakeNullHost();
-}
-
 Host& GetHost() {
     return gHost;
 }

@@ -116,6 +116,3 @@ struct Host {
 Host& GetHost();
 // Installs a backend; its empty slots take the null host's.
 void SetHost(const Host& host);
-// The host of a program that has chosen none: a clock that moves only when waited on, no input
-// ever, alerts answered by their default button, dialogs cancelled, no window.
-Host NullHost();

@@ -56,8 +56,6 @@ uint32_t OpenBlobStoreAt(const std::string& hostPath, uint32_t areaOffset, uint3
 // A store in a scratch file of its own at `hostPath` (deleted when the store closes), for a new,
 // unsaved stack: a header with blobOffset 128, blobCount 0, nextBlobId 1, and no records.
 uint32_t NewScratchStore(const std::string& hostPath);
-// The blobOffset in the header of the stack file at `hostPath`, or 0.
-uint32_t GetBlobOffset(const std::string& hostPath);
 bool IsScratchStore(uint32_t ref);
 std::string BlobStorePath(uint32_t ref);
 uint32_t BlobAreaOffset(uint32_t ref);

@@ -169,11 +169,3 @@ uint32_t NewScratchStore(const std::string& hostPath) {
     return ref;
 }
 
-uint32_t GetBlobOffset(const std::string& hostPath) {
-    HostFile* file = nullptr;
-    if (OpenHostFile(hostPath, FileMode::Read, &file) != 0) return 0;
-    uint8_t header[kStackHeaderSize];
-    const int32_t result = ReadHostFile(file, header, kStackHeaderSize);
-    CloseHostFile(file);
-    return result == 0 ? ReadBE32(header + kHdrBlobOffset) : 0;
-}
