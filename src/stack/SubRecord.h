@@ -70,6 +70,7 @@ inline constexpr int16_t kTagSoundFile = 82;
 inline constexpr int16_t kTagStackSound = 83;
 inline constexpr int16_t kTagMovie = 89;
 inline constexpr int16_t kTagLaserDisc = 119;
+inline constexpr int16_t kTagWriterOnly = 129;  // written, never turned by the reader
 inline constexpr int16_t kTagIcon = 130;  // a picture button's mask
 
 // Type 59: quit after launching.

@@ -42,17 +42,21 @@ struct SubRule {
 // The types the writer emits, and what it turns in each. Offset 0 and 12 are the walker's on
 // reading, but the writer's own here.
 constexpr SubRule kSubRules[] = {
-    {51, Offsets(0, 2, 22, 16), Offsets(12), true, SubBody::AsItStands},
-    {56, Offsets(0, 22), Offsets(12), true, SubBody::Animation},
-    {59, Offsets(0, 2, 22, 16), Offsets(12, 18), true, SubBody::LaunchPaths},
-    {60, Offsets(0, 2, 22), Offsets(12), true, SubBody::OnePath},
-    {64, Offsets(0, 2, 22), Offsets(12), true, SubBody::AsItStands},
-    {82, Offsets(0, 22, 16, 24, 4), Offsets(12), false, SubBody::OnePath},
-    {83, Offsets(0, 22, 16, 24, 4), Offsets(12), false, SubBody::AsItStands},
-    {89, Offsets(0, 22, 20), Offsets(12, 16), true, SubBody::OnePath},
-    {119, Offsets(0, 2, 22, 24, 20), Offsets(12), true, SubBody::HeadOnly},
-    {129, Offsets(0, 2, 22), Offsets(12), true, SubBody::AsItStands},
-    {130, Offsets(0, 22), Offsets(12), false, SubBody::IconSizes},
+    {kTagNba, Offsets(kSubType, kSubId, kSubFlags, kSubWord16), Offsets(kSubLength), true, SubBody::AsItStands},
+    {kTagAnimation, Offsets(kSubType, kSubFlags), Offsets(kSubLength), true, SubBody::Animation},
+    {kTagLaunch, Offsets(kSubType, kSubId, kSubFlags, kSubWord16), Offsets(kSubLength, kSubDocumentLength), true,
+     SubBody::LaunchPaths},
+    {kTagOtherStack, Offsets(kSubType, kSubId, kSubFlags), Offsets(kSubLength), true, SubBody::OnePath},
+    {kTagLogo, Offsets(kSubType, kSubId, kSubFlags), Offsets(kSubLength), true, SubBody::AsItStands},
+    {kTagSoundFile, Offsets(kSubType, kSubFlags, kSubWord16, kSubWord24, kSubVolume), Offsets(kSubLength), false,
+     SubBody::OnePath},
+    {kTagStackSound, Offsets(kSubType, kSubFlags, kSubWord16, kSubWord24, kSubVolume), Offsets(kSubLength), false,
+     SubBody::AsItStands},
+    {kTagMovie, Offsets(kSubType, kSubFlags, kSubWord20), Offsets(kSubLength, kSubWord16), true, SubBody::OnePath},
+    {kTagLaserDisc, Offsets(kSubType, kSubId, kSubFlags, kSubWord24, kSubWord20), Offsets(kSubLength), true,
+     SubBody::HeadOnly},
+    {kTagWriterOnly, Offsets(kSubType, kSubId, kSubFlags), Offsets(kSubLength), true, SubBody::AsItStands},
+    {kTagIcon, Offsets(kSubType, kSubFlags), Offsets(kSubLength), false, SubBody::IconSizes},
 };
 
 const SubRule* FindSubRule(uint16_t type) {
