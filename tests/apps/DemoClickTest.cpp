@@ -49,10 +49,6 @@ Picture ReadPicture(const std::string& path) {
     return picture;
 }
 
-bool Same(const Picture& a, const Picture& b) {
-    return a.width == b.width && a.pixels == b.pixels;
-}
-
 // The pixels in which two pictures of the same size differ; every one of them for other sizes.
 size_t Differences(const Picture& a, const Picture& b) {
     if (a.width != b.width || a.pixels.size() != b.pixels.size()) return a.pixels.size() + 1;
@@ -60,6 +56,8 @@ size_t Differences(const Picture& a, const Picture& b) {
     for (size_t i = 0; i < a.pixels.size(); ++i) count += a.pixels[i] != b.pixels[i] ? 1 : 0;
     return count;
 }
+
+bool Same(const Picture& a, const Picture& b) { return Differences(a, b) == 0; }
 
 // Whether `a` and `b` are the same picture apart from what lies inside `except`.
 bool SameOutside(const Picture& a, const Picture& b, const Rect& except) {

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -22,18 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 bool OnPath(const std::string& program) {
-    const char* path = std::getenv("PATH");
-    if (!path) return false;
-    std::string dirs = path;
-    size_t start = 0;
-    while (start <= dirs.size()) {
-        const size_t end =
-            dirs.find(':', start) == std::string::npos ? dirs.size() : dirs.find(':', start);
-        const fs::path candidate = fs::path(dirs.substr(start, end - start)) / program;
-        if (::access(candidate.c_str(), X_OK) == 0) return true;
-        start = end + 1;
-    }
-    return false;
+    return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
 }
 
 PngImage Read(const fs::path& path) {
