@@ -127,9 +127,12 @@ TEST_F(BuildCommandTest, FileReferencesAreStoredWithColonsPadAndName) {
         {"C:\\a\\b", "", "06433a3a613a62 00 000000000000 0162"},
         // Even: the zeros follow at once.
         {"C:\\ab", "", "05433a3a6162 000000000000 026162"},
+        // A path from the other platform is already in colon form and stays as it is.
+        {"Disk:Pics:Sun", "", "0d4469736b3a506963733a53756e 000000000000 0353756e"},
         {"C:\\x", "Y.BMP", "04433a3a78 00 000000000000 05592e424d50"},
         // UTF-8 in, Windows-1252 stored.
         {"C:\\caf\xc3\xa9", "", "07433a3a636166e9 000000000000 04636166e9"},
+        {"", "", "00 00 000000000000 00"},
     };
     for (const Case& c : cases) {
         Bytes bytes;
@@ -270,16 +273,23 @@ TEST_F(BuildCommandTest, MistakesNameTheirPlaceInTheDescription) {
          "cards[1].items[0].kind: 32 is not an item kind (16 graphic, 48 button, 96 text field)"},
         {R"({"cards": [{"kind": 2}]})", "cards[0].kind: 2 is not a card kind (0, 1 or 3)"},
         {R"({"cards": [{"kind": 1}]})", "cards[0].background: a kind 1 card needs its background"},
+        {R"({"cards": [{"kind": 3}]})", "cards[0].ownerId: a kind 3 card needs the id of the card whose picture it shows"},
+        {R"({"cards": [{"background": {"format": 4, "hex": "00"}}]})",
+         "cards[0].background.format: 4 is not a background format (1, 2 or 3)"},
         {R"({"cards": [{"background": {"format": 2, "hex": "0000", "tableSize": 3}}]})",
          "cards[0].background.tableSize: 3 is more than the 2 bytes behind the head"},
+        {R"({"cards": [{}], "records": [{"type": "Actn", "id": 1, "hex": "abc"}]})", "records[0].hex: hex has an odd number of digits"},
         {R"({"cards": [{}], "records": [{"type": "Actn", "id": 1, "hex": "0x12"}]})",
          "records[0].hex: 'x' at character 1 is not a hex digit"},
         {R"({"cards": [{}], "records": [{"type": "Act", "id": 1}]})", "records[0].type: needs four characters, as \"Actn\""},
         {button + R"("fields": {"16": 70000}}]}]})", "cards[0].items[0].fields.16: 70000 is out of range (-32768 to 65535)"},
+        {button + R"("fields": {"17": 1}}]}]})", "cards[0].items[0].fields.17: a button has no numeric field at this offset"},
         {R"({"cards": [{"items": [{"kind": 96, "rect": [0, 0, 1]}]}]})",
          "cards[0].items[0].rect: needs four numbers [left, top, right, bottom]"},
         {button + R"("subRecords": [{"type": 83, "path": "C:\\a.wav"}]}]}]})",
          "cards[0].items[0].subRecords[0].path: a type 83 sub-record carries no file reference (59, 60, 82 and 89 do)"},
+        {button + R"("subRecords": [{"type": 119, "hex": "0000000000000000000000000000000000000000000000000000000000000000"}]}]}]})",
+         "cards[0].items[0].subRecords[0].hex: a type 119 sub-record has at least 96 bytes, not 32"},
         {button + R"("subRecords": [{"type": 83, "fields": {"32": 1}}]}]}]})",
          "cards[0].items[0].subRecords[0].fields.32: beyond the sub-record's 32 bytes"},
         {R"({"version": "5", "cards": [{}]})", "version: must be a whole number"},

@@ -116,6 +116,7 @@ TEST_F(IconBuilder, BadPicturesAndDepthsStopTheBuildNamingTheKey) {
          "records[0].depth: an icon is of depth 4 or 8, not 24"},
         {R"("png": "small.png", "depth": "8")", "records[0].depth: must be 4 or 8"},
         {R"("png": "fake.png")", "is not a PNG file"},
+        {R"("png": "missing.png")", "cannot open"},
         {R"("png": "wide.png", "depth": 8)",
          "records[0].png: an icon is at most 256 x 256 pixels, not 257 x 1"},
         {R"("png": "many.png")", "records[0].png: the picture has more than 16 colours"},

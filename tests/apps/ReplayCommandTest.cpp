@@ -37,6 +37,7 @@ struct ErrorCase {
 TEST(EventScript, RejectsWhatIsNotAScriptAndNamesTheEvent) {
     const ErrorCase cases[] = {
         {"[{\"at\": 0,", "not valid JSON"},
+        {"{\"at\": 0}", "must be a JSON list"},
         {"[{\"at\": 0}]", "event 1: no \"event\" name"},
         {"[{\"at\": 0, \"event\": \"wiggle\"}]", "event 1: unknown event \"wiggle\""},
         {"[{\"event\": \"mousedown\"}]", "no \"at\" time"},
@@ -44,6 +45,8 @@ TEST(EventScript, RejectsWhatIsNotAScriptAndNamesTheEvent) {
         {"[{\"at\": 0, \"event\": \"mousedown\", \"button\": 3}]", "\"button\" must be"},
         {"[{\"at\": 0, \"event\": \"mousemove\", \"mods\": [\"meta\"]}]",
          "unknown modifier \"meta\""},
+        {"[{\"at\": 0, \"event\": \"mousemove\", \"mods\": \"shift\"}]", "\"mods\" must be a list"},
+        {"[{\"at\": 0, \"event\": \"keydown\"}]", "no \"key\""},
         {"[{\"at\": 0, \"event\": \"keydown\", \"key\": \"Nope\"}]", "unknown key \"Nope\""},
         {"[{\"at\": 0, \"event\": \"char\", \"key\": \"ab\"}]", "one character"},
         {"[{\"at\": 50, \"event\": \"mousemove\"}, {\"at\": 10, \"event\": \"mousemove\"}]",

@@ -277,8 +277,11 @@ TEST_F(ButtonDrawTest, IconRecordsAreCheckedBeforeUse) {
     const Damage cases[] = {
         {"not an icon file", [](Bytes& b) { Write16(&b[2], 2); }},
         {"one byte short", [](Bytes& b) { b.pop_back(); }},
+        {"picture past the end", [](Bytes& b) { Write32(&b[18], static_cast<uint32_t>(b.size() - 20)); }},
         {"compressed", [](Bytes& b) { Write32(&b[22 + 16], 2); }},
+        {"2 bits a pixel", [](Bytes& b) { Write16(&b[22 + 14], 2); }},
         {"huge table", [](Bytes& b) { Write32(&b[22 + 32], 0x40000000); }},
+        {"no head", [](Bytes& b) { b.resize(21); }},
     };
     for (const Damage& d : cases) {
         Bytes bad = good;

@@ -180,9 +180,14 @@ TEST_F(Background, DamagedChunksGiveNoPicture) {
     };
     const Case cases[] = {
         {"head not in words", runs + kRunHeadLength, 6, true, kBackgroundDamaged},
+        {"runs longer than the picture", runs + kRunTailLength, 48 * 6, true, kBackgroundDamaged},
         {"chunk beyond its record", bg + kBgLength, 100000, true, kBackgroundDamaged},
+        {"palette beyond its chunk", bg + kBgTableSize, 5000, true, kBackgroundDamaged},
         {"block cut short", bg + kBgLength, Read32(good.data() + bg + kBgLength) - 3, true, kBackgroundDamaged},
+        {"no room for the run header", bg + kBgLength, kBgHeadSize + 10, true, kBackgroundDamaged},
         {"copy from before the picture", runs + 20, 0xF0FF0001, true, kBackgroundDamaged},
+        {"unknown format", bg + kBgFormat, 5, false, kBackgroundDamaged},
+        {"zero width", kCardWidth, 0, false, kBackgroundDamaged},
         {"kind 0", kCardKind, 0, false, kBackgroundNone},
         {"group card without an owner", kCardKind, 3, false, kBackgroundNone},
     };

@@ -190,8 +190,11 @@ TEST(JpegBackground, DamagedStreamsGiveNoPicture) {
         {"the good stream", good, 0},
         {"cut in the middle of the scan", Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(middle)), kBackgroundDamaged},
         {"an end marker inside the scan", with(middle, {0xFF, 0xD9}), kBackgroundDamaged},
+        {"a frame taller than the card", with(sof + 5, {0, 49}), kBackgroundDamaged},
+        {"a frame of no height", with(sof + 5, {0, 0}), kBackgroundDamaged},
         {"twelve-bit samples", with(sof + 4, {12}), kBackgroundDamaged},
         {"not a JPEG", with(kImageDescriptionSize, {'G', 'I', 'F', '8'}), kBackgroundDamaged},
+        {"nothing behind the description", Bytes(good.begin(), good.begin() + kImageDescriptionSize), kBackgroundDamaged},
         {"a description longer than the chunk", with(0, {0, 1, 0, 0}), kBackgroundDamaged},
     };
     for (const Case& c : cases) {

@@ -69,6 +69,7 @@ TEST(Lzrw, DecodesHandBuiltStreams) {
     const Case cases[] = {
         {"literals", StreamBuilder().Lit("abc").bytes, Text("abc")},
         {"offset 1, length 3 repeats a byte", StreamBuilder().Lit("a").Copy(1, 3).bytes, Text("aaaa")},
+        {"offset 2, length 18 overlaps", StreamBuilder().Lit("ab").Copy(2, 18).bytes, Text("abababababababababab")},
         {"offset 4095", far.bytes, Text(farText + "abc")},
         {"a second control word", StreamBuilder().Lit("abcdefghijklmnop").Copy(16, 3).Lit("!").bytes,
          Text("abcdefghijklmnopabc!")},
@@ -82,6 +83,33 @@ TEST(Lzrw, DecodesHandBuiltStreams) {
     uint32_t made = 77;
     EXPECT_EQ(LzrwDecompress(nullptr, 0, nullptr, 0, &made), 0);
     EXPECT_EQ(made, 77u) << "an empty source leaves the length alone";
+}
+
+TEST(Lzrw, LongStreamsDecodeAsByteByByteCopies) {
+    // Every offset class the decoder treats apart (1, short repeats, 16 and 17, a whole copy
+    // behind), mixed with runs of literals and groups of copies alone, against the plain reading.
+    uint32_t state = 99;
+    const auto next = [&state](uint32_t n) { return ((state = state * 1103515245u + 12345u) >> 8 & 0xFFFFFF) % n; };
+    for (uint32_t round = 0; round < 40; ++round) {
+        StreamBuilder b;
+        Bytes expected;
+        while (expected.size() < 3000) {
+            const bool copiesOnly = round % 4 == 0;
+            if (expected.empty() || (!copiesOnly && next(3) == 0)) {
+                const auto c = static_cast<char>(next(256));
+                b.Lit(std::string(1, c));
+                expected.push_back(static_cast<uint8_t>(c));
+                continue;
+            }
+            const uint32_t reach = static_cast<uint32_t>(std::min<size_t>(expected.size(), round % 2 ? 20 : 4095));
+            const uint32_t offset = 1 + next(reach), length = 3 + next(16);
+            b.Copy(offset, length);
+            for (uint32_t i = 0; i < length; ++i) expected.push_back(expected[expected.size() - offset]);
+        }
+        Bytes out;
+        ASSERT_EQ(Decompress(b.bytes, expected.size(), &out), 0) << round;
+        EXPECT_EQ(out, expected) << round;
+    }
 }
 
 TEST(Lzrw, CompressesHandWorkedInputs) {
@@ -131,7 +159,8 @@ TEST(Lzrw, RoundTripsAcrossTheUnrolledAndTailRegions) {
 }
 
 TEST(Lzrw, DamagedStreamsAreRefused) {
-    Bytes cutControl = StreamBuilder().Lit("abcdefghijklmnop").bytes;
+    Bytes cutCopy = StreamBuilder().Lit("a").Copy(1, 3).bytes, cutControl = StreamBuilder().Lit("abcdefghijklmnop").bytes;
+    cutCopy.pop_back();
     cutControl.push_back(0xFF);
     struct Case {
         const char* name;
@@ -143,7 +172,9 @@ TEST(Lzrw, DamagedStreamsAreRefused) {
         {"stored, longer than the output", {kLzrwStored, 0, 0, 0, 1, 2, 3}, 2},
         {"offset 0", StreamBuilder().Lit("a").Copy(0, 3).bytes, 100},
         {"copy from before the output", StreamBuilder().Lit("ab").Copy(4095, 3).bytes, 100},
+        {"literal past the output", StreamBuilder().Lit("abcd").bytes, 3},
         {"copy past the output", StreamBuilder().Lit("a").Copy(1, 18).bytes, 10},
+        {"copy cut after its first byte", cutCopy, 100},
         {"control word cut in half", cutControl, 100},
         {"long stream, short output", Compress(Bytes(5000, 'q')), 4000},
     };

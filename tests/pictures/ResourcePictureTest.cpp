@@ -55,13 +55,22 @@ TEST(ResourcePictureTest, RejectsMalformedTextsNamingTheLine) {
         int line;
     };
     const Case cases[] = {
+        {"empty", "", 0},
         {"colour before size", "color . none\nsize 1 1\nrows\n.\n", 1},
         {"size too large", "size 1025 1\n", 1},
+        {"size without height", "# note\nsize 4\n", 2},
         {"not hex", "size 1 1\ncolor K 00000g\n", 2},
+        {"two characters", "size 1 1\ncolor KK 000000\n", 2},
         {"a character twice", "size 1 1\ncolor K 000000\ncolor K none\n", 3},
+        {"unknown word", "size 1 1\ncolour K 000000\n", 2},
         {"no rows", "size 1 1\ncolor K 000000\n", 2},
+        {"too few rows", "size 2 2\ncolor K 000000\nrows\nKK\n", 4},
+        {"short row", "size 2 2\ncolor K 000000\nrows\nKK\nK\n", 5},
         {"character without colour", "size 2 1\ncolor K 000000\nrows\nKx\n", 4},
+        {"too many rows", "size 2 1\ncolor K 000000\nrows\nKK\n\nKK\n", 6},
         {"hot spot past the width", "size 2 3\nhotspot 2 0\n", 2},
+        {"hot spot without y", "size 2 3\nhotspot 1\n", 2},
+        {"hot spot before size", "hotspot 0 0\nsize 2 3\n", 1},
         {"two hot spots", "size 2 3\nhotspot 0 0\ncolor K 000000\nhotspot 1 1\n", 4},
     };
     for (const Case& c : cases) {
