@@ -162,11 +162,7 @@ protected:
         DefaultPaletteEntries(colors);
         Bytes table(ColorTableSize(256));
         WriteColorTable(table.data(), colors, 256, 0);
-        const MemRef tableRef = NewMemRef(static_cast<uint32_t>(table.size()));
-        {
-            MemRefLock lock(tableRef);
-            std::copy(table.begin(), table.end(), lock.data());
-        }
+        const MemRef tableRef = BlockOf(table);
         // Diagonal bands of the default palette's pale reds and browns.
         const MemRef picture = NewDibImage(160, 120, 8);
         {

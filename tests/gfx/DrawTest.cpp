@@ -115,6 +115,26 @@ TEST(Draw, LinesLeaveOutTheirEndAndBreakTiesTowardTheRightOrBottom) {
     }
 }
 
+TEST(Draw, LinesCutByTheSurfaceKeepTheirPixels) {
+    // The same lines on a big surface and, shifted, on a small one that shows a window of it.
+    const Rect lines[] = {
+        {-300, -70, 400, 90}, {13, -1000, 17, 1000}, {-5, 40, 300, -7}, {50, 50, -29, 3}};
+    for (const Rect& l : lines) {
+        for (int32_t width : {1, 4}) {
+            Surface big(120, 100), small(30, 20);
+            DrawLine(big, big.Bounds(), l.left, l.top, l.right, l.bottom, PenOf(width));
+            DrawLine(small, small.Bounds(), l.left - 40, l.top - 30, l.right - 40, l.bottom - 30,
+                     PenOf(width));
+            for (int32_t y = 0; y < small.height; ++y) {
+                for (int32_t x = 0; x < small.width; ++x) {
+                    ASSERT_EQ(small.Row(y)[x], big.Row(y + 30)[x + 40])
+                        << x << "," << y << " width " << width;
+                }
+            }
+        }
+    }
+}
+
 // Drawn in exclusive-or mode with white on white, each primitive must give exactly the black it
 // gives in copy mode (a pixel painted twice would come back white); a second time restores white.
 TEST(Draw, ExclusiveOrPaintsEachPixelOnceAndUndoesItself) {

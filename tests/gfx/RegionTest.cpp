@@ -104,6 +104,20 @@ TEST(Region, PointsOffsetAndBounds) {
     EXPECT_TRUE(Region({3, 3, 3, 9}).IsEmpty());
 }
 
+// A region made from a shape holds exactly the pixels the same shape paints.
+TEST(Region, ShapesMatchTheirDrawing) {
+    for (const Rect& r :
+         {Rect{0, 0, 10, 10}, Rect{3, 2, 30, 9}, Rect{1, 1, 2, 17}, Rect{5, 0, 26, 23}}) {
+        Surface painted(32, 24), filled(32, 24), rounded(32, 24), filledRound(32, 24);
+        FillEllipse(painted, painted.Bounds(), r, kBlack);
+        FillRegion(filled, filled.Bounds(), EllipseRegion(r), kBlack);
+        FillRoundRect(rounded, rounded.Bounds(), r, 9, 7, kBlack);
+        FillRegion(filledRound, filledRound.Bounds(), RoundRectRegion(r, 9, 7), kBlack);
+        EXPECT_EQ(Art(filled), Art(painted)) << r.left << "," << r.top;
+        EXPECT_EQ(Art(filledRound), Art(rounded)) << r.left << "," << r.top;
+    }
+}
+
 std::string MaskArt(const BitMask& m) {
     std::string text;
     for (int32_t y = 0; y < m.height; ++y) {

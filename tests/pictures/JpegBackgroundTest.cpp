@@ -1,5 +1,5 @@
 // Format 3 card pictures through libjpeg-turbo: round trips at every depth the codec makes, the
-// description and quality it writes, djpeg reading what we store, and damaged streams.
+// description and quality it writes, and damaged streams.
 #include <gtest/gtest.h>
 
 #include <array>
