@@ -150,8 +150,16 @@ TEST(Draw, ExclusiveOrPaintsEachPixelOnceAndUndoesItself) {
          [](Surface& s, PenMode m, uint32_t c) {
              FrameEllipse(s, s.Bounds(), {-4, 2, 30, 21}, PenOf(4, m, c));
          }},
+        {"round rect frame 2",
+         [](Surface& s, PenMode m, uint32_t c) {
+             FrameRoundRect(s, s.Bounds(), {2, 1, 29, 22}, 12, 9, PenOf(2, m, c));
+         }},
         {"wide line", [](Surface& s, PenMode m,
                          uint32_t c) { DrawLine(s, s.Bounds(), 1, 20, 25, 3, PenOf(5, m, c)); }},
+        {"wide steep line",
+         [](Surface& s, PenMode m, uint32_t c) {
+             DrawLine(s, s.Bounds(), 4, 1, 9, 22, PenOf(6, m, c), true);
+         }},
         {"star",
          [&](Surface& s, PenMode m, uint32_t c) { FillPolygon(s, s.Bounds(), star, 5, c, m); }},
         {"clipped ellipse",

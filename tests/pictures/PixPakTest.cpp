@@ -97,6 +97,7 @@ TEST(PixPak, RefusesWrongSizesDamageAndUnknownPackings) {
     const Case cases[] = {
         {"size other than expected", 0, 0, size + 2, kPixPakWrongSize},
         {"palette beyond the record", kPixPakPaletteSize, size, size, -1},
+        {"pixels beyond the record", kPixPakPixelSize, size, size, -1},
         {"pixels cut short", kPixPakPixelSize, ReadBE32(good.data() + kPixPakPixelSize) - 5, size, -1},
         {"width beyond the pixels", kPixPakWidth - 2, 400, size, -1},
         {"unknown pack type", kPixPakPackType - 2, 5, size, -1},

@@ -130,6 +130,25 @@ TEST_F(FontTest, CoverageBlendsTheColourIntoTheBackground) {
     EXPECT_GT(blended, 0);  // grey edges, not a hard mask
 }
 
+TEST_F(FontTest, TheSameTextGivesTheSamePixels) {
+    auto render = [](const TextFont& f) {
+        Surface s(200, 30);
+        DrawText(s, f, 3, 20, "Quillbrook \x93Stacks\x94 \x80 9", kBlack, s.Bounds());
+        return s.pixels;
+    };
+    for (const TextFont& f : {kSans12, TextFont{"Times", 10, kStyleItalic},
+                              TextFont{"Symbol", 12, kStyleItalic | kStyleBold}}) {
+        const auto first = render(f);
+        EXPECT_EQ(render(f), first) << f.face;
+        ShutdownFonts();  // a fresh FreeType and fresh faces make the same glyphs
+        EXPECT_EQ(render(f), first) << f.face;
+    }
+    // Styles really change the glyphs, the slanted fallback italic included.
+    EXPECT_NE(render(kSans12), render(TextFont{"Arial", 12, kStyleItalic}));
+    EXPECT_NE(render(TextFont{"Symbol", 12}), render(TextFont{"Symbol", 12, kStyleItalic}));
+    EXPECT_NE(render(kSans12), render(TextFont{"Times", 12}));
+}
+
 TEST_F(FontTest, TextIsLaidOutInLines) {
     const int32_t oneTwo = MeasureText(kSans12, "one two");
     const int32_t one = MeasureText(kSans12, "one");
