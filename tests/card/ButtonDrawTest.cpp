@@ -268,7 +268,8 @@ TEST_F(ButtonDrawTest, IconRecordsAreCheckedBeforeUse) {
     });
     const IconInfo info = ReadIconInfo(good.data(), static_cast<uint32_t>(good.size()));
     EXPECT_TRUE(info.valid);
-    EXPECT_EQ((std::vector<int>{info.width, info.height, info.depth}), (std::vector<int>{5, 6, 4}));  // height as the header has it
+    // The height as the header has it.
+    EXPECT_EQ((std::vector<int>{info.width, info.height, info.depth}), (std::vector<int>{5, 6, 4}));
 
     struct Damage {
         const char* what;
@@ -426,7 +427,8 @@ TEST_F(ButtonDrawTest, EveryShapeNormalAndHilited) {
             cards.push_back(NativeCard(
                 {.rect = {10 + shape * 70, 10 + row * 70, 70 + shape * 70, 70 + row * 70}, .shape = shape,
                  .buttonFlags = static_cast<uint16_t>(8 | (shape == 2 || shape == 4 || shape == 7 ? 16 : 0)),
-                 .textColor = static_cast<uint16_t>(shape == 1 ? 3 : 256), .fillColor = static_cast<uint16_t>(shape == 3 ? 5 : 2),
+                 .textColor = static_cast<uint16_t>(shape == 1 ? 3 : 256),
+                 .fillColor = static_cast<uint16_t>(shape == 3 ? 5 : 2),
                  .subRecords = shape >= 5 ? masks[shape - 5] : Bytes(), .name = names[shape]}));
             DisplayItem item;
             ASSERT_TRUE(FillButtonItem(&item, cards.back(), kCardHeadSize));

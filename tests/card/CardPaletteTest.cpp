@@ -181,8 +181,8 @@ TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPictu
     const Bytes member = StoredItem(kItemKindButton, 13, 0, 0, 40, 20, ButtonRest(0, 2, 1));
     Open(WriteTempFile("replace-palette.stk",
                        StoredStack({.cardCount = 3},
-                                   {StoredCard(5, "Owner", {first, graphic, last}), StoredCard(6, "Member", {member}, 3, 5),
-                                    StoredCard(7, "Other", {member})},
+                                   {StoredCard(5, "Owner", {first, graphic, last}),
+                                    StoredCard(6, "Member", {member}, 3, 5), StoredCard(7, "Other", {member})},
                                    {})));
     const MemRef owner = GetCardByPosition(1), shares = GetCardByPosition(2), other = GetCardByPosition(3);
     // The owner's picture and its palette: white, red, blue, green, then black.

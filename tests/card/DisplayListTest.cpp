@@ -151,8 +151,8 @@ TEST_F(DisplayListTest, TheClipAndTheMaskLeaveOutEveryItemShape) {
 
     // Graphics leave the clip by their rectangles; nothing outside the display is in it.
     const Region& clip = GetItemsClip();
-    EXPECT_EQ((std::vector<bool>{clip.Contains(5, 5), clip.Contains(21, 0), clip.Contains(63, 47), clip.Contains(10, 10),
-                                 clip.Contains(59, 47), clip.Contains(64, 10)}),
+    EXPECT_EQ((std::vector<bool>{clip.Contains(5, 5), clip.Contains(21, 0), clip.Contains(63, 47),
+                                 clip.Contains(10, 10), clip.Contains(59, 47), clip.Contains(64, 10)}),
               (std::vector<bool>{false, false, false, true, true, false}));
 
     const BitMask items = MakeItemsMask();

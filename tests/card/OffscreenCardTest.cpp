@@ -230,7 +230,8 @@ TEST_F(OffscreenCardTest, GraphicsAreStretchedAndFramedOrDrawnThroughTheirShape)
         StoredGraphic(1, {0, 0, 2, 2}, RunPackedPicture({"12", "21"}), 0, 4, 1),
         StoredGraphic(2, {1, 1, 5, 4}, RunPackedPicture({"0110", "1221", "0110"}), kGraphicFlagTransparent, 4, 1),
     };
-    Open(WriteTempFile("graphics.stk", StoredStack({.cardWidth = 40, .cardHeight = 40}, {StoredCard(1, "G", items)}, {})));
+    Open(WriteTempFile("graphics.stk",
+                       StoredStack({.cardWidth = 40, .cardHeight = 40}, {StoredCard(1, "G", items)}, {})));
     GetPaletteState().current = ArtPalette();
     const MemRef card = GetCardByPosition(1);
     uint32_t first = 0, second = 0;
@@ -296,7 +297,9 @@ TEST_F(OffscreenCardTest, RepaintRebuildsARectangleFromTheBackgroundAndTheRecord
     RepaintRect(area.left, area.top, area.right, area.bottom);
     EXPECT_EQ(GetHeadlessState().presents.back(), area);
     EXPECT_EQ(Part(Screen(), area).pixels, Part(shown, area).pixels);
-    EXPECT_EQ(window.Row(area.top - 1)[area.left] | window.Row(area.top)[area.right], kBlack) << "nothing drawn outside";
+    EXPECT_EQ((std::vector<uint32_t>{window.Row(area.top - 1)[area.left], window.Row(area.top)[area.right]}),
+              std::vector<uint32_t>(2, kBlack))
+        << "nothing drawn outside the rectangle";
 
     struct Case {
         Rect in, clamped, kept;

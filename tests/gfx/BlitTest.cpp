@@ -202,7 +202,8 @@ TEST(Blit, PicturesOfEveryDepth) {
         // stretched to twice its size.
         Surface s(width + 2, 4), twice(2 * width, 4);
         ASSERT_EQ(DrawDib(s, s.Bounds(), 1, 1, picture.dib(), palette.data()), 0);
-        ASSERT_EQ(StretchDib(twice, twice.Bounds(), twice.Bounds(), picture.dib(), {0, 0, width, 2}, palette.data()), 0);
+        ASSERT_EQ(StretchDib(twice, twice.Bounds(), twice.Bounds(), picture.dib(), {0, 0, width, 2},
+                             palette.data()), 0);
         for (int32_t y = 0; y < 4; ++y) {
             for (int32_t x = 0; x < width + 2; ++x) {
                 const bool inside = x >= 1 && x <= width && y >= 1 && y <= 2;

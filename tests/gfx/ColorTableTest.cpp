@@ -67,7 +67,8 @@ TEST_F(ColorTable, ReadersTakeTheFirstByteAndNoMoreEntriesThanTheRecordHolds) {
     }
     PaletteEntry entries[2];
     ASSERT_EQ(ReadColorTable(mac.data(), 24, entries, 2), 2u);
-    EXPECT_EQ((std::array{RgbOf(entries[0]), RgbOf(entries[1])}), (std::array{Rgb{0xFF, 0xFF, 0xFF}, Rgb{0x80, 0x40, 0x20}}));
+    EXPECT_EQ((std::array{RgbOf(entries[0]), RgbOf(entries[1])}),
+              (std::array{Rgb{0xFF, 0xFF, 0xFF}, Rgb{0x80, 0x40, 0x20}}));
 }
 
 TEST_F(ColorTable, PalettesFromRecordsAreWhatTheDisplayShows) {
@@ -135,7 +136,8 @@ TEST_F(ColorTable, RecordsFromPalettesTakeTheirSizeFromTheStackAndTheirSourceFro
         EXPECT_EQ(ReadBE32(table.data()), gTicks) << c.name << ": the tick count is the seed";
         PaletteEntry read[256];
         ASSERT_EQ(ReadColorTable(table.data(), static_cast<uint32_t>(table.size()), read, 256), c.count);
-        EXPECT_EQ((std::array{RgbOf(read[0]), RgbOf(read[1]), RgbOf(read[c.count - 1])}), (std::array{c.first, c.second, c.last}))
+        EXPECT_EQ((std::array{RgbOf(read[0]), RgbOf(read[1]), RgbOf(read[c.count - 1])}),
+                  (std::array{c.first, c.second, c.last}))
             << c.name;
         EXPECT_EQ(ReadBE16(table.data() + ColorTableSize(c.count - 1)), c.count - 1) << c.name << ": the last index";
     }
