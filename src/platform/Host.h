@@ -64,6 +64,8 @@ struct HostDateTime {
 };
 // The machine's own answers (time/localtime_r and isatty): every Host starts with them.
 HostDateTime MachineWallClock();
+// The date and time `secondsSince1970` stands for, in the machine's zone or (`local` false) in UTC.
+HostDateTime DateTimeAt(int64_t secondsSince1970, bool local);
 bool MachineIsTerminal(int fd);
 
 struct Host {

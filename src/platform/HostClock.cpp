@@ -5,19 +5,23 @@
 
 #include "platform/Host.h"
 
-HostDateTime MachineWallClock() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
+HostDateTime DateTimeAt(int64_t secondsSince1970, bool local) {
+    const std::time_t at = static_cast<std::time_t>(secondsSince1970);
+    std::tm parts{};
     HostDateTime t;
-    if (!::localtime_r(&now, &local)) return t;
-    t.year = local.tm_year + 1900;
-    t.month = local.tm_mon + 1;
-    t.day = local.tm_mday;
-    t.hour = local.tm_hour;
-    t.minute = local.tm_min;
-    t.second = local.tm_sec;
-    t.weekday = local.tm_wday;
+    if (!(local ? ::localtime_r(&at, &parts) : ::gmtime_r(&at, &parts))) return t;
+    t.year = parts.tm_year + 1900;
+    t.month = parts.tm_mon + 1;
+    t.day = parts.tm_mday;
+    t.hour = parts.tm_hour;
+    t.minute = parts.tm_min;
+    t.second = parts.tm_sec;
+    t.weekday = parts.tm_wday;
     return t;
+}
+
+HostDateTime MachineWallClock() {
+    return DateTimeAt(std::time(nullptr), true);
 }
 
 bool MachineIsTerminal(int fd) {

@@ -4,9 +4,13 @@
 #include "stack/Normalise.h"
 
 void SwapHeader(uint8_t* h) {
-    Swap16At(h, {0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 48, 50, 52, 54, 56, 58, 72, 74,
-                 76, 78});
-    Swap32At(h, {60, 64, 68});
+    Swap16At(h, {kHdrAutoSave, kHdrAdvancedUser, kHdrCardCount, kHdrReserved6, kHdrVersion,
+                 kHdrNextCardId, kHdrNextItemId, kHdrStackFlags, kHdrDepth, kHdrReserved18,
+                 kHdrAutoTimers, kHdrReserved22, kHdrLocked, kHdrShowCardNumber,
+                 kHdrPresentationMode, kHdrPresentationColor, kHdrReserved52, kHdrWindowFlags,
+                 kHdrCardWidth, kHdrCardHeight, kHdrArriveAction, kHdrLeaveAction, kHdrStackCursor,
+                 kHdrClickAction});
+    Swap32At(h, {kHdrBlobOffset, kHdrBlobCount, kHdrNextBlobId});
 }
 
 void NormaliseHeader(uint8_t* h) {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -19,6 +18,7 @@
 #include "pictures/Background.h"
 #include "pictures/JpegBackground.h"
 #include "pictures/PackedPixels.h"
+#include "support/CommandFixture.h"
 #include "support/PictureMaker.h"
 #include "support/StackBytes.h"
 
@@ -72,15 +72,13 @@ Outcome ExportTo(const std::string& stack, const fs::path& dir) {
     return run;
 }
 
-class Export : public testing::Test {
+// Export makes its folder: the fixture's is taken away first.
+class Export : public CommandFixture {
 protected:
     void SetUp() override {
-        dir_ = fs::temp_directory_path() / ("qb-export-" + std::to_string(::getpid()) + "-" +
-                                            testing::UnitTest::GetInstance()->current_test_info()->name());
+        CommandFixture::SetUp();
         fs::remove_all(dir_);
     }
-    void TearDown() override { fs::remove_all(dir_); }
-    fs::path dir_;
 };
 
 TEST_F(Export, FixtureBackgroundKeepsItsColoursAndGroupCardsDoNotRepeatIt) {
@@ -201,11 +199,7 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
     const Bytes jpeg = TakeBytes(EncodeJpegBackground(photo, kJpegBackgroundQuality));
     const Bytes cutJpeg(jpeg.begin(), jpeg.begin() + static_cast<ptrdiff_t>(jpeg.size() / 2));
 
-    HeaderSpec header;
-    header.cardCount = 5;
-    header.cardWidth = kWidth;
-    header.cardHeight = kHeight;
-    const Bytes stack = StoredStack(header,
+    const Bytes stack = StoredStack({.cardCount = 5, .cardWidth = kWidth, .cardHeight = kHeight},
                                     {PictureCard(1, 2, palette, goodRuns,
                                                  {StoredGraphic(10, {5, 5, 11, 9}, sized(runs)), StoredGraphic(11, {20, 5, 26, 9}, sized(rows), 16)}),
                                      StoredCard(2, "member", {}, 3, 1), PictureCard(3, 2, palette, badRuns),

@@ -1,13 +1,10 @@
 // `quillbrook play` in a real X window, on a virtual X server: what the window shows is the card
 // as `quillbrook render` draws it, pixel for pixel (at --scale 2 each card pixel is a 2 x 2 block),
-// real input recorded there replays headless to the same frame, and a click on a transition button
-// of the demo ends on the card it goes to. Skipped where xvfb-run (or, for the input, xdotool) is
-// not installed.
+// and real input recorded there replays headless to the same frame. Skipped where xvfb-run (or, for
+// the input, xdotool) is not installed.
 #if defined(QB_WITH_CLI) && defined(QB_QUILLBROOK)
 
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -16,24 +13,14 @@
 #include <string>
 
 #include "PngFile.h"
+#include "support/CommandFixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 bool OnPath(const std::string& program) {
-    const char* path = std::getenv("PATH");
-    if (!path) return false;
-    std::string dirs = path;
-    size_t start = 0;
-    while (start <= dirs.size()) {
-        const size_t end =
-            dirs.find(':', start) == std::string::npos ? dirs.size() : dirs.find(':', start);
-        const fs::path candidate = fs::path(dirs.substr(start, end - start)) / program;
-        if (::access(candidate.c_str(), X_OK) == 0) return true;
-        start = end + 1;
-    }
-    return false;
+    return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
 }
 
 PngImage Read(const fs::path& path) {
@@ -59,21 +46,12 @@ int CountDifferences(const PngImage& shown, const PngImage& card, int32_t scale,
     return differences;
 }
 
-class XvfbPlay : public testing::Test {
+class XvfbPlay : public CommandFixture {
 protected:
     void SetUp() override {
-        if (!OnPath("xvfb-run") || !OnPath("Xvfb")) {
-            GTEST_SKIP()
-                << "xvfb-run or Xvfb is not installed (Debian: apt-get install xvfb xauth)";
-        }
-        dir_ = fs::temp_directory_path() /
-               ("qb-xvfb-" + std::to_string(::getpid()) + "-" +
-                testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-    }
-    void TearDown() override {
-        if (!dir_.empty()) fs::remove_all(dir_);
+        CommandFixture::SetUp();
+        if (!OnPath("xvfb-run") || !OnPath("Xvfb"))
+            GTEST_SKIP() << "xvfb-run or Xvfb is not installed (Debian: apt-get install xvfb xauth)";
     }
     // Runs a shell script on a virtual X server: a 24-bit screen shows the card's colours as they
     // are, and -a takes a free display number. The script's errors are kept for the failure
@@ -94,11 +72,8 @@ protected:
         std::ifstream in(dir_ / "session.log");
         return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     }
-    std::string Path(const std::string& name) const { return (dir_ / name).string(); }
-
     const std::string qb_ = QB_QUILLBROOK;
     const std::string stack_ = std::string(QB_FIXTURES_DIR) + "/sample-cards.stk";
-    fs::path dir_;
 };
 
 TEST_F(XvfbPlay, TheWindowShowsTheCardAsRenderDrawsIt) {
@@ -162,62 +137,6 @@ TEST_F(XvfbPlay, ASessionRecordedInTheWindowReplaysToTheSameFrame) {
     std::string first;
     EXPECT_EQ(CountDifferences(live, replayed, 1, &first), 0) << "first at " << first;
 }
-
-#ifdef QB_DEMO_STACK
-// The demo in the window, clicked with real X input: the Welcome card's "Transitions" button, then
-// a button there, and once its change has run the window shows the Arrived card as render draws it.
-class XvfbDemoClick : public XvfbPlay {
-protected:
-    void SetUp() override {
-        XvfbPlay::SetUp();
-        if (IsSkipped()) return;
-        if (!OnPath("xdotool"))
-            GTEST_SKIP() << "xdotool is not installed (Debian: apt-get install xdotool)";
-    }
-    // Clicks the Transitions card at (x, y) and compares the window at the end with card 13.
-    void ClickThroughToTheArrivedCard(int x, int y) {
-        // A click during a change ends it early and goes no further, so the second click waits for
-        // the first change (about a second) to end. --exit-after counts from the last click.
-        const std::string script =
-            qb_ + " play '" + demo_ + "' --exit-after 2500 --screenshot " + Path("shown.png") +
-            " &\n"
-            "pid=$!\n"
-            "w=$(xdotool search --sync --onlyvisible --class quillbrook | head -1)\n"
-            "xdotool mousemove --window $w 390 330 click 1\n"
-            "sleep 2\n"
-            "xdotool mousemove --window $w " +
-            std::to_string(x) + " " + std::to_string(y) +
-            " click 1\n"
-            "wait $pid\n";
-        ASSERT_EQ(RunUnderXvfb(script), 0) << Log();
-        for (const int card : {11, 13}) {
-            const std::string render = qb_ + " render '" + demo_ + "' --card " +
-                                       std::to_string(card) + " -o " +
-                                       Path("card" + std::to_string(card) + ".png") + " >/dev/null";
-            ASSERT_EQ(std::system(render.c_str()), 0) << render;
-        }
-        const PngImage shown = Read(Path("shown.png"));
-        const PngImage arrived = Read(Path("card13.png"));
-        ASSERT_EQ(shown.width, arrived.width);
-        ASSERT_EQ(shown.height, arrived.height);
-        std::string first, unused;
-        EXPECT_EQ(CountDifferences(shown, arrived, 1, &first), 0)
-            << "first at " << first
-            << (CountDifferences(shown, Read(Path("card11.png")), 1, &unused) == 0
-                    ? " (the window still shows the Transitions card)"
-                    : "");
-    }
-    const std::string demo_ = QB_DEMO_STACK;
-};
-
-TEST_F(XvfbDemoClick, BlocksEndOnTheArrivedCard) {
-    ClickThroughToTheArrivedCard(180, 256);
-}
-
-TEST_F(XvfbDemoClick, AFadeToTheButtonsColourEndsOnTheArrivedCard) {
-    ClickThroughToTheArrivedCard(460, 372);
-}
-#endif
 
 }  // namespace
 

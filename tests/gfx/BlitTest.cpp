@@ -53,15 +53,9 @@ TEST(Blit, CopyWithinOneSurfaceIsSafeEveryWay) {
 TEST(Blit, RasterOperations) {
     const uint32_t d = 0x0F33CC, s = 0x5555F0;
     const std::pair<Rop, uint32_t> cases[] = {
-        {Rop::SrcCopy, s},
-        {Rop::NotSrcCopy, 0xAAAA0F},
-        {Rop::SrcAnd, 0x0511C0},
-        {Rop::SrcPaint, 0x5F77FC},
-        {Rop::SrcInvert, 0x5A663C},
-        {Rop::SrcErase, 0x504430},
-        {Rop::NotSrcErase, 0xA08803},
-        {Rop::MergePaint, 0xAFBBCF},
-        {Rop::DstInvert, 0xF0CC33},
+        {Rop::SrcCopy, s},             {Rop::NotSrcCopy, 0xAAAA0F}, {Rop::SrcAnd, 0x0511C0},
+        {Rop::SrcPaint, 0x5F77FC},     {Rop::SrcInvert, 0x5A663C},  {Rop::SrcErase, 0x504430},
+        {Rop::NotSrcErase, 0xA08803},  {Rop::MergePaint, 0xAFBBCF}, {Rop::DstInvert, 0xF0CC33},
     };
     for (const auto& [rop, result] : cases) {
         Surface dst(3, 1, d);
@@ -192,23 +186,14 @@ TEST(Blit, PicturesOfEveryDepth) {
     palette[200] = kRed;
     const uint32_t g1 = 0x111111;
     const std::tuple<int32_t, std::vector<std::vector<uint32_t>>, std::vector<uint32_t>> cases[] = {
-        {1,
-         {{1, 0, 1, 1, 0, 0, 0, 0, 1}, {0, 1, 0, 0, 1, 1, 1, 1, 0}},
+        {1, {{1, 0, 1, 1, 0, 0, 0, 0, 1}, {0, 1, 0, 0, 1, 1, 1, 1, 0}},
          {g1, 0, g1, g1, 0, 0, 0, 0, g1, 0, g1, 0, 0, g1, g1, g1, g1, 0}},
-        {4,
-         {{15, 0, 3, 4, 5}, {1, 2, 14, 12, 11}},
-         {kWhite, kBlack, 0x333333, 0x444444, 0x555555, g1, 0x222222, 0xEEEEEE, 0xCCCCCC,
-          0xBBBBBB}},
+        {4, {{15, 0, 3, 4, 5}, {1, 2, 14, 12, 11}},
+         {kWhite, kBlack, 0x333333, 0x444444, 0x555555, g1, 0x222222, 0xEEEEEE, 0xCCCCCC, 0xBBBBBB}},
         {8, {{200, 15, 0}, {1, 2, 3}}, {kRed, kWhite, kBlack, g1, 0x222222, 0x333333}},
-        {16,
-         {{0x7FFF, 0x7C00, 0x03E0}, {0x001F, 0x0000, 0x4210}},
-         {kWhite, kRed, kGreen, kBlue, kBlack, 0x848484}},
-        {24,
-         {{0x123456, 0xFEDCBA}, {0x000001, 0x800000}},
-         {0x123456, 0xFEDCBA, 0x000001, 0x800000}},
-        {32,
-         {{0x123456, 0xAAFEDCBA}, {0x000001, 0x800000}},
-         {0x123456, 0xFEDCBA, 0x000001, 0x800000}},
+        {16, {{0x7FFF, 0x7C00, 0x03E0}, {0x001F, 0x0000, 0x4210}}, {kWhite, kRed, kGreen, kBlue, kBlack, 0x848484}},
+        {24, {{0x123456, 0xFEDCBA}, {0x000001, 0x800000}}, {0x123456, 0xFEDCBA, 0x000001, 0x800000}},
+        {32, {{0x123456, 0xAAFEDCBA}, {0x000001, 0x800000}}, {0x123456, 0xFEDCBA, 0x000001, 0x800000}},
     };
     for (const auto& [depth, rows, expected] : cases) {
         const int32_t width = static_cast<int32_t>(rows[0].size());
@@ -218,13 +203,11 @@ TEST(Blit, PicturesOfEveryDepth) {
         Surface s(width + 2, 4), twice(2 * width, 4);
         ASSERT_EQ(DrawDib(s, s.Bounds(), 1, 1, picture.dib(), palette.data()), 0);
         ASSERT_EQ(StretchDib(twice, twice.Bounds(), twice.Bounds(), picture.dib(), {0, 0, width, 2},
-                             palette.data()),
-                  0);
+                             palette.data()), 0);
         for (int32_t y = 0; y < 4; ++y) {
             for (int32_t x = 0; x < width + 2; ++x) {
                 const bool inside = x >= 1 && x <= width && y >= 1 && y <= 2;
-                EXPECT_EQ(s.Row(y)[x],
-                          inside ? expected[static_cast<size_t>((y - 1) * width + x - 1)] : kWhite)
+                EXPECT_EQ(s.Row(y)[x], inside ? expected[static_cast<size_t>((y - 1) * width + x - 1)] : kWhite)
                     << depth << "-bit at " << x << "," << y;
             }
             for (int32_t x = 0; x < 2 * width; ++x) {
@@ -234,11 +217,9 @@ TEST(Blit, PicturesOfEveryDepth) {
         }
         // Its bottom row alone, cut by the clip.
         Surface part(3, 2);
-        ASSERT_EQ(DrawDibPart(part, Rect{1, 0, 3, 2}, 0, 0, picture.dib(), {0, 1, width, 2},
-                              palette.data()),
-                  0);
-        EXPECT_EQ(part.Row(0)[0], kWhite) << depth;
-        EXPECT_EQ(part.Row(0)[1], expected[static_cast<size_t>(width + 1)]) << depth;
+        ASSERT_EQ(DrawDibPart(part, Rect{1, 0, 3, 2}, 0, 0, picture.dib(), {0, 1, width, 2}, palette.data()), 0);
+        EXPECT_EQ((std::vector<uint32_t>{part.Row(0)[0], part.Row(0)[1]}),
+                  (std::vector<uint32_t>{kWhite, expected[static_cast<size_t>(width + 1)]})) << depth;
         EXPECT_EQ(Art(part).substr(4), "...\n") << depth;
     }
 
@@ -256,11 +237,8 @@ TEST(Blit, PicturesOfEveryDepth) {
 }
 
 TEST(DisplayDepth, SixteenBitsKeepFiveBitsAChannel) {
-    const std::pair<uint32_t, uint32_t> cases[] = {{kWhite, kWhite},
-                                                   {kBlack, kBlack},
-                                                   {0x123456, 0x103152},
-                                                   {0x07F808, 0x00FF08},
-                                                   {0x808080, 0x848484}};
+    const std::pair<uint32_t, uint32_t> cases[] = {
+        {kWhite, kWhite}, {kBlack, kBlack}, {0x123456, 0x103152}, {0x07F808, 0x00FF08}, {0x808080, 0x848484}};
     for (const auto& [in, at16] : cases) {
         for (int32_t depth : {8, 16, 32}) {
             Surface s(2, 1, in);

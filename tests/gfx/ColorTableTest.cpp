@@ -67,8 +67,8 @@ TEST_F(ColorTable, ReadersTakeTheFirstByteAndNoMoreEntriesThanTheRecordHolds) {
     }
     PaletteEntry entries[2];
     ASSERT_EQ(ReadColorTable(mac.data(), 24, entries, 2), 2u);
-    EXPECT_EQ(RgbOf(entries[0]), (Rgb{0xFF, 0xFF, 0xFF}));
-    EXPECT_EQ(RgbOf(entries[1]), (Rgb{0x80, 0x40, 0x20}));
+    EXPECT_EQ((std::array{RgbOf(entries[0]), RgbOf(entries[1])}),
+              (std::array{Rgb{0xFF, 0xFF, 0xFF}, Rgb{0x80, 0x40, 0x20}}));
 }
 
 TEST_F(ColorTable, PalettesFromRecordsAreWhatTheDisplayShows) {
@@ -87,8 +87,8 @@ TEST_F(ColorTable, PalettesFromRecordsAreWhatTheDisplayShows) {
         const PaletteRef palette = PaletteFromColorTable(table.data(), static_cast<uint32_t>(table.size()));
         ASSERT_TRUE(palette);
         EXPECT_EQ(palette->count, 12u);
-        EXPECT_EQ(RgbOf(palette->entries[0]), c.white) << c.displayDepth;
-        EXPECT_EQ(RgbOf(palette->entries[1]), c.odd) << c.displayDepth;
+        EXPECT_EQ((std::array{RgbOf(palette->entries[0]), RgbOf(palette->entries[1])}), (std::array{c.white, c.odd}))
+            << c.displayDepth;
         EXPECT_EQ((std::array{palette->entries[9].flags, palette->entries[10].flags, palette->entries[11].flags}),
                   (std::array<uint8_t, 3>{0, kPaletteNoCollapse, kPaletteNoCollapse}));
 
@@ -136,9 +136,9 @@ TEST_F(ColorTable, RecordsFromPalettesTakeTheirSizeFromTheStackAndTheirSourceFro
         EXPECT_EQ(ReadBE32(table.data()), gTicks) << c.name << ": the tick count is the seed";
         PaletteEntry read[256];
         ASSERT_EQ(ReadColorTable(table.data(), static_cast<uint32_t>(table.size()), read, 256), c.count);
-        EXPECT_EQ(RgbOf(read[0]), c.first) << c.name;
-        EXPECT_EQ(RgbOf(read[1]), c.second) << c.name;
-        EXPECT_EQ(RgbOf(read[c.count - 1]), c.last) << c.name;
+        EXPECT_EQ((std::array{RgbOf(read[0]), RgbOf(read[1]), RgbOf(read[c.count - 1])}),
+                  (std::array{c.first, c.second, c.last}))
+            << c.name;
         EXPECT_EQ(ReadBE16(table.data() + ColorTableSize(c.count - 1)), c.count - 1) << c.name << ": the last index";
     }
 }

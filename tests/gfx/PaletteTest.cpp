@@ -50,14 +50,10 @@ TEST_F(Palette, DefaultPaletteIsDefpalWithTheSystemColoursReversedOnTop) {
         uint8_t flags;
     };
     const Case cases[] = {
-        {0, 0xFFFFFF, 1},    // the classic colours: white first
-        {15, 0x010101, 1},   // almost-black
-        {235, 0xFF3366, 1},  // DEFPAL's last
-        {236, 0xFFFFFF, 0},  // system 255, white
-        {245, 0xFFFBF0, 0},  // system 246, cream
-        {246, 0xA6CAF0, 0},  // system 9, sky blue
-        {254, 0x800000, 0},  // system 1, dark red
-        {255, 0x000000, 0},  // system 0, black
+        // The classic colours, white first, almost-black, DEFPAL's last; then the system's reversed:
+        // 255 white, 246 cream, 9 sky blue, 1 dark red, 0 black.
+        {0, 0xFFFFFF, 1},   {15, 0x010101, 1},  {235, 0xFF3366, 1}, {236, 0xFFFFFF, 0},
+        {245, 0xFFFBF0, 0}, {246, 0xA6CAF0, 0}, {254, 0x800000, 0}, {255, 0x000000, 0},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(RgbOf(palette->entries[c.index]), RgbOf(c.rgb)) << c.index;
@@ -66,14 +62,9 @@ TEST_F(Palette, DefaultPaletteIsDefpalWithTheSystemColoursReversedOnTop) {
 }
 
 TEST_F(Palette, NearestColourIsTheLeastSquaredDistanceAndTheLowestIndexOfEquals) {
-    const PaletteEntry entries[] = {
-        {0, 0, 0, 0},        // 0
-        {100, 100, 100, 0},  // 1
-        {100, 100, 100, 0},  // 2: the same as 1
-        {110, 90, 100, 0},   // 3: as far from (105, 95, 100) as 1 is
-        {0, 0, 200, 0},      // 4
-        {255, 255, 255, 0},  // 5
-    };
+    // 2 is the same as 1; 3 is as far from (105, 95, 100) as 1 is.
+    const PaletteEntry entries[] = {{0, 0, 0, 0},   {100, 100, 100, 0}, {100, 100, 100, 0},
+                                    {110, 90, 100, 0}, {0, 0, 200, 0},  {255, 255, 255, 0}};
     struct Case {
         Rgb color;
         uint32_t count;
@@ -83,8 +74,7 @@ TEST_F(Palette, NearestColourIsTheLeastSquaredDistanceAndTheLowestIndexOfEquals)
         {{100, 100, 100}, 6, 1},  // exact, and 2 is equal: the lower wins
         {{105, 95, 100}, 6, 1},   // 1 and 3 both at 50
         {{108, 92, 100}, 6, 3},   // nearer 3
-        {{0, 0, 99}, 6, 0},       // 99^2 against 101^2
-        {{0, 0, 101}, 6, 4},
+        {{0, 0, 101}, 6, 4},      // 101^2 against 99^2
         {{200, 200, 200}, 6, 5},  // 3 * 55^2 against 3 * 100^2
         {{200, 200, 200}, 5, 1},  // without white: 1 at 30000 before 3 at 30200
         {{1, 2, 3}, 0, 0},        // an empty palette
@@ -116,10 +106,8 @@ TEST_F(Palette, BlendsMixOldAndNewColoursAndGoToTheFadeHook) {
     GetPaletteState().animate = RecordAnimated;
     gAnimated = {};
     PaletteEntry before[256] = {}, after[256] = {};
-    before[0] = {0, 255, 10, 0};
-    after[0] = {255, 0, 13, 4};
-    before[255] = {9, 9, 9, 0};
-    after[255] = {9, 9, 9, 0};
+    before[0] = {0, 255, 10, 0}, after[0] = {255, 0, 13, 4};
+    before[255] = after[255] = {9, 9, 9, 0};
     NoteColors(before);
     NoteColors(after);
     struct Case {

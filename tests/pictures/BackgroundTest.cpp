@@ -187,7 +187,6 @@ TEST_F(Background, DamagedChunksGiveNoPicture) {
         {"no room for the run header", bg + kBgLength, kBgHeadSize + 10, true, kBackgroundDamaged},
         {"copy from before the picture", runs + 20, 0xF0FF0001, true, kBackgroundDamaged},
         {"unknown format", bg + kBgFormat, 5, false, kBackgroundDamaged},
-        {"format 3", bg + kBgFormat, 3, false, kBackgroundJpeg},
         {"zero width", kCardWidth, 0, false, kBackgroundDamaged},
         {"kind 0", kCardKind, 0, false, kBackgroundNone},
         {"group card without an owner", kCardKind, 3, false, kBackgroundNone},
@@ -206,12 +205,11 @@ TEST_F(Background, DamagedChunksGiveNoPicture) {
 }
 
 TEST_F(Background, JpegChunksAreLocatedForTheJpegCodec) {
+    // The description's name and missing colour table, which the codec's own test leaves out.
     Bytes data(kImageDescriptionSize);
     WriteImageDescription(data.data(), 320, 200, 16);
-    // Size, "jpeg"; the data size 640 * 200 at 44; the name; depth 16 written as 24, no colour table.
-    EXPECT_EQ(std::string(data.begin(), data.begin() + 8) + std::string(data.begin() + 44, data.begin() + 63) +
-                  std::string(data.begin() + 82, data.end()),
-              std::string("\0\0\0\x56jpeg\0\x01\xF4\0\0\0\x0CPhoto - JPEG\0\x18\xFF\xFF", 31));
+    EXPECT_EQ(std::string(data.begin() + 48, data.begin() + 63) + std::string(data.begin() + 84, data.end()),
+              std::string("\0\0\x0CPhoto - JPEG\xFF\xFF", 17));
     data.insert(data.end(), {0xFF, 0xD8, 0xFF});
     const MemRef card = BlankCard(2, 320, 200), dataRef = BlockOf(data);
     ASSERT_EQ(StoreBackground(card, dataRef, 0, 16), 0);

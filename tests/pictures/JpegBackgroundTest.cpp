@@ -1,5 +1,5 @@
 // Format 3 card pictures through libjpeg-turbo: round trips at every depth the codec makes, the
-// description and quality it writes, djpeg reading what we store, and damaged streams.
+// description and quality it writes, and damaged streams.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -164,45 +164,6 @@ TEST(JpegBackground, DataIsTheDescriptionAndABaselineStreamAtTheQuality) {
     FreeMemRef(picture);
 }
 
-TEST(JpegBackground, DjpegReadsTheStoredStream) {
-#ifdef __EMSCRIPTEN__
-    GTEST_SKIP() << "no programs to run under node";
-#else
-    if (std::system("command -v djpeg >/dev/null 2>&1") != 0) GTEST_SKIP() << "djpeg is not installed (libjpeg-turbo-progs)";
-    const MemRef picture = MakePhoto(160, 120, 32), data = EncodeJpegBackground(picture, kJpegBackgroundQuality);
-    const MemRef card = JpegCard(data, 160, 120, 32);
-    uint32_t offset = 0, length = 0;
-    ASSERT_EQ(FindJpegStream(card, &offset, &length), 0);
-    const Bytes record = BlockBytes(card);
-    const std::string in = WriteTempFile("stored.jpg", Bytes(record.begin() + offset, record.begin() + offset + length));
-    const std::string out = in + ".ppm";
-    ASSERT_EQ(std::system(("djpeg -pnm -outfile '" + out + "' '" + in + "'").c_str()), 0);
-    const Bytes ppm = ReadWholeFile(out);
-    std::remove(out.c_str());
-    const std::string header = "P6\n160 120\n255\n";
-    ASSERT_EQ(std::string(ppm.begin(), ppm.begin() + std::min(ppm.size(), header.size())), header);
-    ASSERT_EQ(ppm.size(), header.size() + 160 * 120 * 3);
-
-    MemRef back = 0;
-    ASSERT_EQ(DecodeJpegBackground(card, &back, 32, true), 0);
-    const Bytes ours = BlockBytes(back), original = BlockBytes(picture);
-    int worstToOurs = 0, worstToOriginal = 0;
-    for (int32_t y = 0; y < 120; ++y) {
-        for (int32_t x = 0; x < 160; ++x) {
-            const uint8_t* p = ppm.data() + header.size() + 3 * (160 * y + x);
-            const Rgb a = ColorAt(ours.data(), x, y), b = ColorAt(original.data(), x, y);
-            for (int c = 0; c < 3; ++c) {
-                worstToOurs = std::max(worstToOurs, std::abs(a[c] - p[c]));
-                worstToOriginal = std::max(worstToOriginal, std::abs(b[c] - p[c]));
-            }
-        }
-    }
-    EXPECT_LE(worstToOurs, 1) << "the same decoder";
-    EXPECT_LE(worstToOriginal, 40);
-    for (MemRef r : {picture, data, card, back}) FreeMemRef(r);
-#endif
-}
-
 TEST(JpegBackground, DamagedStreamsGiveNoPicture) {
     const MemRef picture = MakePhoto(64, 48, 32);
     const Bytes good = TakeBytes(EncodeJpegBackground(picture, kJpegBackgroundQuality));
@@ -228,9 +189,7 @@ TEST(JpegBackground, DamagedStreamsGiveNoPicture) {
     const Case cases[] = {
         {"the good stream", good, 0},
         {"cut in the middle of the scan", Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(middle)), kBackgroundDamaged},
-        {"cut inside the headers", Bytes(good.begin(), good.begin() + static_cast<ptrdiff_t>(sos)), kBackgroundDamaged},
         {"an end marker inside the scan", with(middle, {0xFF, 0xD9}), kBackgroundDamaged},
-        {"a restart marker out of sequence", with(middle, {0xFF, 0xD3}), kBackgroundDamaged},
         {"a frame taller than the card", with(sof + 5, {0, 49}), kBackgroundDamaged},
         {"a frame of no height", with(sof + 5, {0, 0}), kBackgroundDamaged},
         {"twelve-bit samples", with(sof + 4, {12}), kBackgroundDamaged},

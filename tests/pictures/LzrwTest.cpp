@@ -160,6 +160,8 @@ TEST(Lzrw, RoundTripsAcrossTheUnrolledAndTailRegions) {
 
 TEST(Lzrw, DamagedStreamsAreRefused) {
     Bytes cutCopy = StreamBuilder().Lit("a").Copy(1, 3).bytes, cutControl = StreamBuilder().Lit("abcdefghijklmnop").bytes;
+    // Long enough for the whole-group path, which checks its copies apart from the tail's.
+    const Bytes earlyInGroup = StreamBuilder().Lit("a").Copy(2, 3).Lit(std::string(200, 'x')).bytes;
     cutCopy.pop_back();
     cutControl.push_back(0xFF);
     struct Case {
@@ -172,6 +174,7 @@ TEST(Lzrw, DamagedStreamsAreRefused) {
         {"stored, longer than the output", {kLzrwStored, 0, 0, 0, 1, 2, 3}, 2},
         {"offset 0", StreamBuilder().Lit("a").Copy(0, 3).bytes, 100},
         {"copy from before the output", StreamBuilder().Lit("ab").Copy(4095, 3).bytes, 100},
+        {"copy from one byte before the output, in a whole group", earlyInGroup, 1000},
         {"literal past the output", StreamBuilder().Lit("abcd").bytes, 3},
         {"copy past the output", StreamBuilder().Lit("a").Copy(1, 18).bytes, 10},
         {"copy cut after its first byte", cutCopy, 100},

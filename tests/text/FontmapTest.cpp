@@ -117,16 +117,9 @@ TEST_F(FontmapTest, NewIdsWrapAfter65000AndSkipUsedOnes) {
 }
 
 TEST_F(FontmapTest, LogFontsTakeTheRowSubstituteMacFacesAndFallBackToArial) {
-    OpenWithList({{"Geneva", 1, 1, 0x12, 1, 2, 3, 0, 0, 6, 700},
-                  {"GENEVA", 2, 0x200, 0, 0, 0, 0, 0, 0, 0, 400},
-                  {"Helvetica", 3, 1},
-                  {"monaco", 4, 1},
-                  {"Geneva", 5, 0},
-                  {"Monaco", 6, 0},
-                  {"Zapf Chancery", 7, 0},
-                  {"", 8, 0},
-                  {"Times", 9, 1},
-                  {"", 0}});
+    OpenWithList({{"Geneva", 1, 1, 0x12, 1, 2, 3, 0, 0, 6, 700}, {"GENEVA", 2, 0x200, 0, 0, 0, 0, 0, 0, 0, 400},
+                  {"Helvetica", 3, 1}, {"monaco", 4, 1}, {"Geneva", 5, 0}, {"Monaco", 6, 0},
+                  {"Zapf Chancery", 7, 0}, {"", 8, 0}, {"Times", 9, 1}, {"", 0}});
     struct Case {
         uint16_t id;
         int32_t points;
@@ -136,8 +129,7 @@ TEST_F(FontmapTest, LogFontsTakeTheRowSubstituteMacFacesAndFallBackToArial) {
     const Case cases[] = {
         {1, 12, "arial", 700},     {2, 12, "arial", 400},     {3, 9, "ms sans serif", 0},
         {4, 24, "courier new", 0}, {5, 12, "Geneva", 0},  // made by this player: no substitution
-        {6, 12, "Monaco", 0},      {7, 12, "DejaVu Sans", 0},  // no host has it: the face the files
-                                                               // give
+        {6, 12, "Monaco", 0},      {7, 12, "DejaVu Sans", 0},  // no host has it: the files' face
         {8, 12, "Arial", 0},       {9, 18, "Times", 0},       {77, 14, "Arial", 0},
     };
     for (const Case& c : cases) {
@@ -165,16 +157,11 @@ TEST_F(FontmapTest, TheFixedTableGivesEveryFaceItsFiles) {
     };
     const Case cases[] = {
         {"Arial", false, false, "liberation2/LiberationSans-Regular.ttf", false},
-        {"arial", true, false, "liberation2/LiberationSans-Bold.ttf", false},
         {"Helvetica", false, true, "liberation2/LiberationSans-Italic.ttf", false},
         {"MS Sans Serif", true, true, "liberation2/LiberationSans-BoldItalic.ttf", false},
-        {"System", false, false, "liberation2/LiberationSans-Regular.ttf", false},
         {"Times", false, false, "liberation2/LiberationSerif-Regular.ttf", false},
-        {"Times New Roman", true, false, "liberation2/LiberationSerif-Bold.ttf", false},
         {"New York", true, true, "liberation2/LiberationSerif-BoldItalic.ttf", false},
-        {"COURIER", false, false, "liberation2/LiberationMono-Regular.ttf", false},
         {"Courier New", true, true, "liberation2/LiberationMono-BoldItalic.ttf", false},
-        {"Monaco", false, true, "liberation2/LiberationMono-Italic.ttf", false},
         {"Symbol", true, false, "dejavu/DejaVuSans-Bold.ttf", false},
         {"Wingdings", false, true, "dejavu/DejaVuSans.ttf", true},
         {"Arial Black", false, false, "dejavu/DejaVuSans.ttf", false},  // whole names only
@@ -204,23 +191,8 @@ TEST_F(FontmapTest, TheFaceTableAndSizes) {
 
 TEST(MacFontNameTest, NumbersAndWords) {
     const std::pair<const char*, const char*> cases[] = {
-        {"2", "New York"},
-        {"3", "Geneva"},
-        {"4", "Monaco"},
-        {"5", "Venice"},
-        {"6", "London"},
-        {"7", "Athens"},
-        {"9", "Toronto"},
-        {"11", "Cairo"},
-        {"20", "Times"},
-        {"21", "Helvetica"},
-        {"22", "Courier"},
-        {"23", "Symbol"},
-        {"8", ""},
-        {"10", ""},
-        {"0", ""},
-        {"24", ""},
-        {"21x", "21x"},
+        {"2", "New York"}, {"4", "Monaco"}, {"11", "Cairo"}, {"23", "Symbol"},
+        {"8", ""}, {"0", ""}, {"24", ""}, {"21x", "21x"},
         {"A name that is much longer than thirty-one", "A name that is much longer than"},
     };
     for (const auto& [given, name] : cases)

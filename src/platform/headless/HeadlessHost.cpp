@@ -117,19 +117,7 @@ void HeadlessSetCursor(int32_t cursorId) {
 }
 
 HostDateTime HeadlessWallClock() {
-    const int64_t nowMs = gState.wallClockStartMs + gState.clockMs;
-    const std::time_t now = static_cast<std::time_t>(nowMs / 1000);
-    std::tm utc{};
-    HostDateTime t;
-    if (!::gmtime_r(&now, &utc)) return t;
-    t.year = utc.tm_year + 1900;
-    t.month = utc.tm_mon + 1;
-    t.day = utc.tm_mday;
-    t.hour = utc.tm_hour;
-    t.minute = utc.tm_min;
-    t.second = utc.tm_sec;
-    t.weekday = utc.tm_wday;
-    return t;
+    return DateTimeAt((gState.wallClockStartMs + gState.clockMs) / 1000, false);
 }
 
 bool HeadlessIsTerminal(int fd) {
