@@ -34,7 +34,11 @@ int32_t RecordAction(uint16_t id, uint32_t, uint32_t wait, int16_t label) {
     return 0;
 }
 
-struct CardSpec { uint16_t id; std::string name = ""; uint16_t arrive = 0, leave = 0, flags = 0, kind = 0, owner = 0xFFFF; };
+struct CardSpec {
+    uint16_t id;
+    std::string name = "";
+    uint16_t arrive = 0, leave = 0, flags = 0, kind = 0, owner = 0xFFFF;
+};
 
 struct StackSpec { uint16_t arrive = 0; uint16_t leave = 0; bool numbers = false; uint16_t nextCardId = 1; };
 

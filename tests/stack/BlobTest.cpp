@@ -100,4 +100,28 @@ TEST_F(BlobTest, NewIdsSkipZeroAndIdsInUse) {
     EXPECT_EQ(NewBlobId(store), 3);  // 0 skipped, 1 and 2 are taken whatever their types
 }
 
+TEST_F(BlobTest, MovingTheAreaUpAndDownCompacts) {
+    const uint32_t store = OpenWith("move.stk", {StoredRecord("Snd ", 1, "", Bytes(100, 1)),
+                                                 StoredRecord("Snd ", 2, "", Bytes(5, 2), 0x80000000u),
+                                                 StoredRecord("Snd ", 3, "", Bytes(70000, 3))});
+    StagingBuffer buffer;
+    ASSERT_EQ(NewStagingBuffer(&buffer, nullptr), 0);
+    ASSERT_EQ(MoveBlobArea(store, 1000, buffer), 0);
+    Bytes file = ReadWholeFile(path_);
+    EXPECT_EQ(file.size(), 1000u + (68 + 100) + (68 + 70000));
+    EXPECT_EQ(ReadBE32(&file[64]), 2u);
+    EXPECT_EQ(ReadBE16(&file[1000 + 4]), 1);
+    EXPECT_EQ(file[1000 + 68 + 99], 1);
+    EXPECT_EQ(ReadBE16(&file[1000 + 168 + 4]), 3);
+    EXPECT_EQ(file.back(), 3);
+
+    ASSERT_EQ(MoveBlobArea(store, 228, buffer), 0);
+    file = ReadWholeFile(path_);
+    EXPECT_EQ(file.size(), 228u + (68 + 100) + (68 + 70000));
+    EXPECT_EQ(ReadBE16(&file[228 + 168 + 4]), 3);
+    EXPECT_EQ(GetMemRefSize(GetBlobById(FourCC("Snd "), 3)), 70000u);
+    EXPECT_EQ(CountBlobEntries(store), 2u);
+    FreeStagingBuffer(&buffer);
+}
+
 }  // namespace

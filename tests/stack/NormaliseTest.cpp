@@ -113,8 +113,8 @@ const Conversion kBackgroundHead{{0, 2, 10}, {12, 16}, {}, {}};
 const Conversion kItemHead{{0, 2, 22}, {12}, {4}, {}};
 const Conversion kGraphicHead{{16, 18, 20, 24, 28, 54, 56, 58}, {60}, {30}, {}};
 const Conversion kButtonHead{{16, 18, 20, 24, 26, 60, 62, 64, 66, 68, 70, 74, 76, 78, 80}, {}, {}, {}};
-const Conversion kTextHead{
-    {20, 24, 26, 28, 30, 32, 34, 36, 38, 44, 50, 56, 58, 60, 62, 64, 66, 68, 70, 88, 102, 104}, {16, 40, 46, 52}, {}, {}};
+const Conversion kTextHead{{20, 24, 26, 28, 30, 32, 34, 36, 38, 44, 50, 56, 58, 60, 62, 64, 66, 68, 70, 88, 102, 104},
+                           {16, 40, 46, 52}, {}, {}};
 const Conversion kTextBlockHead{{0, 2}, {4, 8, 12}, {}, {}};
 const Conversion kSubWalk{{0}, {12}, {}, {}};
 const Conversion kSub64{{22}, {}, {4}, {}};
