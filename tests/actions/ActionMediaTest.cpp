@@ -88,7 +88,8 @@ TEST_F(ActionMediaTest, APressTakenByAMovieControllerDoesNotEndTheWait) {
     gRoundsToGo = 5;
     WaitForActionMedia(false, true, false, 5);
     EXPECT_EQ(GetHeadlessState().clockMs, 57u);
-    EXPECT_EQ(Logged(), "round; round; round; round; offer press; round; offer press; stop animations; stop sprites; stop movies");
+    EXPECT_EQ(Logged(), "round; round; round; round; offer press; round; offer press; "
+                        "stop animations; stop sprites; stop movies");
     EXPECT_EQ(GetHeadlessState().events.size(), 2u);
 }
 
@@ -105,8 +106,9 @@ TEST_F(ActionMediaTest, IgnoringExtraClicksDropsOnlyButtonInput) {
         QueueHeadlessEvent(Input(K::MouseDown, 500));  // still to come: not touched
         GetDocument().ignoreExtraClicks = ignore;
         RunActionById(9, 0, 0, "");
-        EXPECT_EQ(QueuedKinds(), (ignore ? std::vector<K>{K::MouseMove, K::KeyDown, K::MouseDown}
-                                         : std::vector<K>{K::MouseDown, K::MouseMove, K::MouseUp, K::KeyDown, K::MouseDown}));
+        using Ks = std::vector<K>;
+        EXPECT_EQ(QueuedKinds(), (ignore ? Ks{K::MouseMove, K::KeyDown, K::MouseDown}
+                                         : Ks{K::MouseDown, K::MouseMove, K::MouseUp, K::KeyDown, K::MouseDown}));
     }
 }
 

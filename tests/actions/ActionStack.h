@@ -140,7 +140,9 @@ inline void InstallRecorders() {
     s.ReleaseLaserPlayer = [] { Log("release laser"); };
     s.LaunchProgram = [](uint16_t flags) { return Log("launch " + N(flags)); };
     // The leave actions of the moves are not what these tests look at.
-    s.RunNamedAction = [](uint16_t id, uint32_t, uint32_t, int16_t label) { return label == 2030 ? Log("arrive " + N(id)) : 0; };
+    s.RunNamedAction = [](uint16_t id, uint32_t, uint32_t, int16_t label) {
+        return label == 2030 ? Log("arrive " + N(id)) : 0;
+    };
 }
 
 class ActionStackTest : public testing::Test {

@@ -28,7 +28,8 @@ TEST_F(GoToCardCodeTest, CodesMoveToTheirCards) {
 TEST_F(GoToCardCodeTest, AnotherStackThroughItsReference) {
     const std::string other = WriteActionStack("other.stk", {{5, {}, 55}, {6, {}, 66}});
     const auto to = [&](const std::string& path, int16_t destination) {
-        return StoredAction(40, {.flags = 0x0020, .destination = destination, .subs = {StoredSub(60, StoredRef(path))}});
+        const ActionSpec go{.flags = 0x0020, .destination = destination, .subs = {StoredSub(60, StoredRef(path))}};
+        return StoredAction(40, go);
     };
     const std::string home = WriteActionStack(
         "start.stk", {{1, {to(other, 6)}}, {2, {to(other, -6)}}, {4, {to(other + ".gone", 6)}}});

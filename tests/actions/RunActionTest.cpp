@@ -102,7 +102,8 @@ TEST_F(RunActionTest, AfterTheNbaTheRecordAndTheButtonAfterTheScriptOnlyTheButto
         return Log(GetActionState().inItemAction ? "nba in item" : "nba");
     };
     GetSubsystems().RunLogoText = [](void*, MemRef*) { DoMischief(gLogo); return Log("logo"); };
-    const ActionSpec action{.flags = 0x1028, .destination = 2, .subs = {StoredSub(51, Text("p"), {{16, 9}}), StoredSub(64, Text("x"))}};
+    const ActionSpec action{
+        .flags = 0x1028, .destination = 2, .subs = {StoredSub(51, Text("p"), {{16, 9}}), StoredSub(64, Text("x"))}};
     const std::string all = "; logo; round; stop movies; stop sounds; stop movies; arrive 22";
     // clang-format off
     // `button`: run as the button on card 1, else as a copy of the 'Actn' record.

@@ -27,7 +27,9 @@ inline void Record(const std::string& call) { Recorder().calls.push_back(call); 
 inline void StartRecordingActions() {
     Recorder() = ActionRecorder{};
     Subsystems& hooks = GetSubsystems();
-    hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t { return Record("item " + std::to_string(id)), 0; };
+    hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t {
+        return Record("item " + std::to_string(id)), 0;
+    };
     hooks.RunActionById = [](uint16_t id, uint32_t, uint32_t, const std::string& name) -> int32_t {
         return Record("byId " + std::to_string(id) + " " + name), 1;
     };

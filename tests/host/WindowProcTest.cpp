@@ -155,7 +155,7 @@ TEST(KeyToCommand, CtrlKeysWithTheirExceptions) {
         {'Q', false, false, 0},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(KeyToCommand(c.key, c.shift, c.locked), c.command) << c.key << " shift " << c.shift << " locked " << c.locked;
+        EXPECT_EQ(KeyToCommand(c.key, c.shift, c.locked), c.command) << c.key << " " << c.shift << c.locked;
 }
 
 TEST(MenuTable, ItemsFoundByTheirText) {
@@ -165,7 +165,7 @@ TEST(MenuTable, ItemsFoundByTheirText) {
         {"Help", "About Quillbrook Player...", 650}, {"Edit", "Next Card", 0}, {"Go", "Next", 0},
         {"Go", "Next Card\tCtrl+>", 0},
     };
-    for (const Case& c : cases) EXPECT_EQ(FindMenuItemByName(StandardMenu(), c.menu, c.item), c.id) << c.menu << " / " << c.item;
+    for (const Case& c : cases) EXPECT_EQ(FindMenuItemByName(StandardMenu(), c.menu, c.item), c.id) << c.item;
     EXPECT_EQ(FindMenuItemByName(LockedMenu(), "File", "Save Stack"), 0);
 }
 
@@ -182,7 +182,8 @@ protected:
         CloseAllBlobStores();
         InitApplication(nullptr);
         const std::string path = WriteTempFile(
-            "keys.stk", StoredStack({.cardCount = 3}, {StoredCard(11, "one"), StoredCard(12, "two"), StoredCard(13, "three")}, {}));
+            "keys.stk",
+            StoredStack({.cardCount = 3}, {StoredCard(11, "one"), StoredCard(12, "two"), StoredCard(13, "three")}, {}));
         SetSlotPath(kSlotStack, DosPathFromHost(path));
         ASSERT_EQ(OpenStack(false), kResultOk);
         ASSERT_EQ(GetDocument().currentCardId, 11);

@@ -30,7 +30,9 @@ protected:
 // The box of each size class is AlertDrawTest's golden image; here the class each prefix selects.
 TEST_F(AlertTest, PrefixButtonsAndDefaultAreReadFromTheString) {
     using P = AlertPicture;
-    struct Case { const char* text; int sizeClass; AlertPicture picture; std::vector<std::string> labels; int defaultButton; };
+    struct Case {
+        const char* text; int sizeClass; AlertPicture picture; std::vector<std::string> labels; int defaultButton;
+    };
     const Case cases[] = {
         {"34Not a stack.~^OK", 3, P::Dog, {"OK"}, 1},
         {"03Changed?~Save~Cancel~Don't", 0, P::Exclamation, {"Save", "Cancel", "Don't"}, 1},
@@ -227,7 +229,8 @@ TEST_F(AlertTest, MessageTextIsTheBareMessageInUtf8) {
     struct Case { int id; const char* expected; };
     const Case cases[] = {
         {2268, "I'm sorry, I can't load this file because it is not a stack."},
-        {2334, "The stack's card size must be at least 40 wide and 40 high. Do you want to convert it to the minimum size?"},
+        {2334, "The stack's card size must be at least 40 wide and 40 high. Do you want to convert it to "
+               "the minimum size?"},
         {2816, "In\303\255cio.stk"},  // a plain string stays whole
         {1, ""},
     };

@@ -33,7 +33,9 @@ protected:
 
     static void Queue(HostEvent e, uint32_t time) { e.time = time; QueueHeadlessEvent(e); }
     static void Key(uint16_t key, uint32_t time) { Queue({.kind = HostEventKind::KeyDown, .key = key}, time); }
-    static void Mouse(HostEventKind kind, const Point& at, uint32_t time) { Queue({.kind = kind, .x = at.x, .y = at.y}, time); }
+    static void Mouse(HostEventKind kind, const Point& at, uint32_t time) {
+        Queue({.kind = kind, .x = at.x, .y = at.y}, time);
+    }
     // The middle of button `n` (1-3) of the box for `text`, in window coordinates.
     static Point ButtonCentre(const char* text, int n) {
         AlertLayout layout;
@@ -65,7 +67,8 @@ TEST_F(AlertBoxTest, KeysAndClicksAnswer) {
              Mouse(HostEventKind::MouseUp, {5, 5}, 210), Key(kVkReturn, 300); }, 3},
         {"the script runs out: Cancel", kThreeButtons, [](P, P) {}, 2},
         {"the script runs out without Cancel: the default", kNoCancel, [](P, P) {}, 2},
-        {"the window closes", kThreeButtons, [](P, P) { Queue({.kind = HostEventKind::Close}, 100), Key(kVkReturn, 200); }, 2},
+        {"the window closes", kThreeButtons,
+         [](P, P) { Queue({.kind = HostEventKind::Close}, 100), Key(kVkReturn, 200); }, 2},
     };
     // clang-format on
     for (const Case& c : cases) {
