@@ -2,12 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 
@@ -235,48 +232,6 @@ TEST_F(AlertTest, MessageTextIsTheBareMessageInUtf8) {
         {1, ""},
     };
     for (const Case& c : cases) EXPECT_EQ(AlertMessageText(c.id), c.expected) << c.id;
-}
-
-// Greedy word wrap at the dialog base width: the lines a text needs in a box `widthPx` wide.
-int LinesNeeded(const std::string& text, int widthPx) {
-    const size_t perLine = static_cast<size_t>(widthPx / kDialogBaseWidthPx);
-    int lines = 0;
-    std::istringstream paragraphs(text);
-    for (std::string paragraph; std::getline(paragraphs, paragraph);) {
-        std::istringstream words(paragraph);
-        size_t used = 0;
-        ++lines;
-        for (std::string word; words >> word;) {
-            if (used > 0 && used + 1 + word.size() > perLine) {
-                ++lines;
-                used = 0;
-            }
-            used += (used > 0 ? 1 : 0) + word.size();
-        }
-    }
-    return lines;
-}
-
-TEST_F(AlertTest, EveryAlertInTheTableMakesABoxItsTextFits) {
-    constexpr int kLineHeightPx = 13;  // the dialog font's line
-    int alerts = 0;
-    for (unsigned i = 0; i < kStringTableSize; ++i) {
-        const int id = kStringTable[i].id;
-        const std::string text = GetString(id);
-        if (text.find('~') == std::string::npos) continue;
-        SCOPED_TRACE(id);
-        ++alerts;
-        ASSERT_LE(std::count(text.begin(), text.end(), '~'), kAlertMaxButtons);
-        ASSERT_TRUE(text[0] >= '0' && text[0] <= '9');
-        ASSERT_TRUE(text[1] >= '0' && text[1] <= '9');
-        AlertLayout layout;
-        ASSERT_TRUE(BuildAlertLayout(id, text, true, &layout));
-        for (int b = 0; b < layout.buttonCount; ++b) EXPECT_FALSE(layout.buttons[b].label.empty());
-        const int width = layout.textRect.right - layout.textRect.left;
-        const int height = layout.textRect.bottom - layout.textRect.top;
-        EXPECT_LE(LinesNeeded(layout.text, width) * kLineHeightPx, height) << layout.text;
-    }
-    EXPECT_GE(alerts, 50);
 }
 
 }  // namespace

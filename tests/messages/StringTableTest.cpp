@@ -32,16 +32,4 @@ TEST(StringTableTest, TextsSurviveTheEmbeddingByteForByte) {
     EXPECT_EQ(GetStringUtf8(2816), "In\303\255cio.stk");
 }
 
-TEST(StringTableTest, HomeStackNamesRunUpToTheStar) {
-    std::vector<std::string> names;
-    for (int id = 2804; GetString(id)[0] != '*'; ++id) {
-        ASSERT_FALSE(GetString(id).empty()) << id;
-        names.push_back(GetString(id));
-    }
-    ASSERT_EQ(names.size(), 24u);
-    EXPECT_EQ(names.front(), "Home.stk");
-    EXPECT_EQ(names[12], "In\355cio.stk");
-    EXPECT_EQ(names.back(), "PilaBase.stk");
-}
-
 }  // namespace
