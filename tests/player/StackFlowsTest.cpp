@@ -166,16 +166,15 @@ TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
 }
 
 TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {
-    // Each damage and its alerts are StackReaderTest's; here a refused header and a damaged card.
+    // Each damage and its alerts are StackReaderTest's; here a refused header and damaged cards.
     Bytes pastEnd = StoredStack({}, {StoredCard(1, "A")}, {});
     PutBE32(pastEnd, 128 + 2, 5000);
-    const struct {
-        const char* name;
-        Bytes bytes;
-        std::vector<int> alerts;
-    } cases[] = {
+    Bytes secondBad = StoredStack({.cardCount = 2}, {StoredCard(1, "A"), StoredCard(2, "B")}, {});
+    PutBE32(secondBad, 228 + 2, 5000);
+    const struct { const char* name; Bytes bytes; std::vector<int> alerts; } cases[] = {
         {"version 6", StoredStack({.version = 6}, {StoredCard(1, "A")}, {}), {2221}},
         {"card past the end", pastEnd, {2235, 2305}},
+        {"second card past the end: the first goes with the stack", secondBad, {2235}},
     };
     for (const auto& c : cases) {
         Open(WriteTempFile(std::string("malformed-") + c.name, c.bytes));
