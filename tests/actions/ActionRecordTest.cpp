@@ -43,9 +43,7 @@ TEST(ActionRecordTest, SubRecordsAreFoundOnlyInsideAnIntactChain) {
     };
     for (const auto& c : cases) {
         uint32_t position = 0;
-        EXPECT_EQ(FindSubRecord(c.action.data(), static_cast<uint32_t>(c.action.size()), c.tag,
-                                &position),
-                  c.found)
+        EXPECT_EQ(FindSubRecord(c.action.data(), static_cast<uint32_t>(c.action.size()), c.tag, &position), c.found)
             << c.what;
         if (c.found) {
             EXPECT_EQ(position, c.position) << c.what;
@@ -54,8 +52,7 @@ TEST(ActionRecordTest, SubRecordsAreFoundOnlyInsideAnIntactChain) {
     // A truncated block: the second sub-record would leave it.
     const Native whole = Chain({{51, 32}, {60, 32}});
     uint32_t position = 0;
-    EXPECT_FALSE(
-        FindSubRecord(whole.data(), static_cast<uint32_t>(whole.size()) - 1, 60, &position));
+    EXPECT_FALSE(FindSubRecord(whole.data(), static_cast<uint32_t>(whole.size()) - 1, 60, &position));
 }
 
 }  // namespace

@@ -92,26 +92,18 @@ inline Bytes LaunchSub(const std::string& document, const std::string& program, 
     return s;
 }
 
-inline Bytes Text(const std::string& text) {
-    return Bytes(text.begin(), text.end());
-}
+inline Bytes Text(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
-struct CardSpec {
-    uint16_t id;
-    std::vector<Bytes> items = {};
-    uint16_t arrive = 0;
-    uint16_t flags = 0;
-};
+struct CardSpec { uint16_t id; std::vector<Bytes> items = {}; uint16_t arrive = 0, flags = 0; };
 
 inline std::string WriteActionStack(const std::string& file, const std::vector<CardSpec>& cards,
                                     const std::vector<Bytes>& records = {}) {
     std::vector<Bytes> stored;
     uint16_t highest = 0;
     for (const CardSpec& c : cards) {
-        Bytes card = StoredCard(c.id, "", c.items);
-        PutBE16(card, 10, c.flags);
-        PutBE16(card, 48, c.arrive);
-        stored.push_back(card);
+        stored.push_back(StoredCard(c.id, "", c.items));
+        PutBE16(stored.back(), 10, c.flags);
+        PutBE16(stored.back(), 48, c.arrive);
         highest = std::max(highest, c.id);
     }
     Bytes bytes = StoredStack({.cardCount = static_cast<uint16_t>(cards.size())}, stored, records);
@@ -120,17 +112,9 @@ inline std::string WriteActionStack(const std::string& file, const std::vector<C
 }
 
 // What the recorders saw, in order.
-inline std::vector<std::string>& ActionLog() {
-    static std::vector<std::string> log;
-    return log;
-}
-inline int32_t Log(const std::string& line) {
-    ActionLog().push_back(line);
-    return 1;
-}
-inline std::string N(int32_t n) {
-    return std::to_string(n);
-}
+inline std::vector<std::string>& ActionLog() { static std::vector<std::string> log; return log; }
+inline int32_t Log(const std::string& line) { return ActionLog().push_back(line), 1; }
+inline std::string N(int32_t n) { return std::to_string(n); }
 
 // What starts or stops something writes a line; the polls of a wait keep their defaults, which
 // answer "done". Arrive actions write "arrive ID", so the moves show in the same order.
@@ -141,25 +125,16 @@ inline void InstallRecorders() {
     };
     s.StopSounds = [](bool) { Log("stop sounds"); };
     // The sound updates of a transition between cards are not what these tests look at.
-    s.UpdateSounds = [] {
-        if (!GetTransitionState().window) Log("round");
-    };
-    s.PrepareMovie = [](const uint8_t*, uint32_t, uint16_t id, int32_t) {
-        return Log("prepare movie " + N(id));
-    };
+    s.UpdateSounds = [] { if (!GetTransitionState().window) Log("round"); };
+    s.PrepareMovie = [](const uint8_t*, uint32_t, uint16_t id, int32_t) { return Log("prepare movie " + N(id)); };
     s.StartMovie = [](uint16_t id) { return Log("start movie " + N(id)); };
     s.StopMovies = [](int32_t) { Log("stop movies"); };
     s.PlaySpriteFilm = [](MemRef film, uint16_t) { return FreeMemRef(film) + Log("film"); };
-    s.AddAnimation = [](MemRef block, const int16_t*, uint16_t) {
-        return FreeMemRef(block) + Log("animation");
-    };
-    s.CallStackNba = [](uint16_t id, int32_t message, int32_t) {
-        return Log("nba " + N(id) + "/" + N(message));
-    };
+    s.AddAnimation = [](MemRef block, const int16_t*, uint16_t) { return FreeMemRef(block) + Log("animation"); };
+    s.CallStackNba = [](uint16_t id, int32_t message, int32_t) { return Log("nba " + N(id) + "/" + N(message)); };
     s.RunLogoText = [](void*, MemRef* script) {
-        MemRefLock lock(*script);
-        return Log("logo " +
-                   std::string(reinterpret_cast<const char*>(lock.data()), GetMemRefSize(*script)));
+        const Bytes text = BlockBytes(*script);
+        return Log("logo " + std::string(text.begin(), text.end()));
     };
     s.RunLaserAction = [](void*, const uint8_t*, uint32_t) { return Log("laser"); };
     s.ReleaseLaserPlayer = [] { Log("release laser"); };

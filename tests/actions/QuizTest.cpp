@@ -26,18 +26,14 @@ protected:
         const auto button = [](uint16_t id, int16_t code, const std::string& name) {
             return StoredAction(id, {.testCode = code, .name = name});
         };
-        stack = WriteActionStack(
-            "quiz.stk", {{2, {button(21, 2, "Nice")}},
+        stack = WriteActionStack("quiz.stk", {{2, {button(21, 2, "Nice")}},
                          {1, {button(11, 1, "Paris"), button(12, 2, "Lyon"), button(13, 3, "Me")}},
                          {3}});
         report = (std::filesystem::path(stack).parent_path() / "QBTest.txt").string();
         DeleteHostFile(report);
         Open(stack);
     }
-    void TearDown() override {
-        DeleteHostFile(report);
-        ActionStackTest::TearDown();
-    }
+    void TearDown() override { DeleteHostFile(report); ActionStackTest::TearDown(); }
     std::string Report() const {
         const Bytes bytes = ReadWholeFile(report);
         return std::string(bytes.begin(), bytes.end());
@@ -58,8 +54,7 @@ TEST_F(QuizTest, AnswersOnTheirCardsAndTheReportInCardOrder) {
     Click(1, 11);  // replaces the wrong answer on the same card
     Click(2, 21);
     EXPECT_EQ(WriteTestReport(), 0);
-    const std::string block =
-        "quiz.stk\r\n"
+    const std::string block = "quiz.stk\r\n"
         "Ada Augusta King, Countess of Lov\r\n"
         "03/07/04    09:05:30\r\n"
         "2\r\nNice\r\n"
@@ -73,9 +68,7 @@ TEST_F(QuizTest, AnswersOnTheirCardsAndTheReportInCardOrder) {
     // A later round of answers is appended as a block of its own.
     Click(2, 21);
     EXPECT_EQ(WriteTestReport(), 0);
-    EXPECT_EQ(Report(),
-              block +
-                  "quiz.stk\r\nAda Augusta King, Countess of Lov\r\n03/07/04    09:05:30\r\n"
+    EXPECT_EQ(Report(), block + "quiz.stk\r\nAda Augusta King, Countess of Lov\r\n03/07/04    09:05:30\r\n"
                   "2\r\nNice\r\nSCORE\r\n0\r\n1\r\n-END-\r\n");
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }

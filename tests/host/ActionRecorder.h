@@ -7,38 +7,34 @@
 #include <vector>
 
 #include "card/DisplayList.h"
-#include "subsystems/Subsystems.h"
 #include "host/ButtonPress.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 #include "stack/CardRecord.h"
+#include "subsystems/Subsystems.h"
 
 struct ActionRecorder {
     std::vector<std::string> calls;
     bool doesSomething = false;  // what ActionDoesSomething answers
 };
 
-inline ActionRecorder& Recorder() {
-    static ActionRecorder recorder;
-    return recorder;
-}
+inline ActionRecorder& Recorder() { static ActionRecorder recorder; return recorder; }
+
+inline void Record(const std::string& call) { Recorder().calls.push_back(call); }
 
 inline void StartRecordingActions() {
     Recorder() = ActionRecorder{};
     Subsystems& hooks = GetSubsystems();
     hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t {
-        Recorder().calls.push_back("item " + std::to_string(id));
-        return 0;
+        return Record("item " + std::to_string(id)), 0;
     };
     hooks.RunActionById = [](uint16_t id, uint32_t, uint32_t, const std::string& name) -> int32_t {
-        Recorder().calls.push_back("byId " + std::to_string(id) + " " + name);
-        return 1;
+        return Record("byId " + std::to_string(id) + " " + name), 1;
     };
     hooks.RunNamedAction = [](uint16_t id, uint32_t, uint32_t, int16_t label) -> int32_t {
-        Recorder().calls.push_back("named " + std::to_string(id) + " " + std::to_string(label));
-        return 1;
+        return Record("named " + std::to_string(id) + " " + std::to_string(label)), 1;
     };
     hooks.ActionDoesSomething = [](uint16_t) { return Recorder().doesSomething; };
 }
@@ -66,24 +62,11 @@ inline DisplayItem* AddTestItem(int16_t type, int16_t id, const Rect& rect, int1
     return InsertDisplayItem(std::move(item), -1);
 }
 
-inline HostEvent MouseEvent(HostEventKind kind, int32_t x, int32_t y, uint32_t mods = 0,
-                            int32_t clicks = 1) {
-    HostEvent e;
-    e.kind = kind;
-    e.x = x;
-    e.y = y;
-    e.mods = mods;
-    e.clicks = clicks;
-    return e;
+inline HostEvent MouseEvent(HostEventKind kind, int32_t x, int32_t y, uint32_t mods = 0, int32_t clicks = 1) {
+    return {.kind = kind, .x = x, .y = y, .mods = mods, .clicks = clicks};
 }
-
 inline HostEvent KeyEvent(HostEventKind kind, uint16_t key, uint32_t mods = 0, uint8_t ch = 0) {
-    HostEvent e;
-    e.kind = kind;
-    e.key = key;
-    e.mods = mods;
-    e.ch = ch;
-    return e;
+    return {.kind = kind, .mods = mods, .key = key, .ch = ch};
 }
 
 // The window procedure, presses, the loop and the display list as at start, with recorders in

@@ -15,13 +15,8 @@ constexpr Rect kHoverButton{100, 100, 140, 140};
 
 class ButtonPressTest : public testing::Test {
 protected:
-    void SetUp() override {
-        StartPlayerWithRecorders();
-    }
-    void TearDown() override {
-        ResetDisplayList();
-        ResetSubsystems();
-    }
+    void SetUp() override { StartPlayerWithRecorders(); }
+    void TearDown() override { ResetDisplayList(); ResetSubsystems(); }
     static void Send(HostEventKind kind, int32_t x, int32_t y) {
         HandleWindowMessage(nullptr, MouseEvent(kind, x, y));
     }
@@ -29,37 +24,20 @@ protected:
     static bool ShownInverted() { return GetHeadlessState().screen.Row(30)[30] == kBlack; }
 };
 
-struct PressStep {
-    char kind;  // 'D' down, 'M' move, 'U' up
-    int32_t x, y;
-};
+struct PressStep { char kind; /* 'D' down, 'M' move, 'U' up */ int32_t x, y; };
 
 TEST_F(ButtonPressTest, ARunsOnlyWhenReleasedInside) {
     struct Case {
-        const char* name;
-        bool hiliteOnPress;
-        uint16_t flags;
-        std::vector<PressStep> steps;
-        bool invertedBeforeRelease;
-        const char* runs;
+        const char* name; bool hiliteOnPress; uint16_t flags; std::vector<PressStep> steps;
+        bool invertedBeforeRelease; const char* runs;
     };
     const Case cases[] = {
         {"press and release", true, 0, {{'D', 30, 30}, {'U', 30, 30}}, true, "item 5"},
         {"drag out", true, 0, {{'D', 30, 30}, {'M', 200, 200}, {'U', 200, 200}}, false, ""},
         {"released outside without a move", true, 0, {{'D', 30, 30}, {'U', 200, 30}}, true, ""},
-        {"out and back in",
-         true,
-         0,
-         {{'D', 30, 30}, {'M', 90, 30}, {'M', 70, 45}, {'U', 70, 45}},
-         true,
-         "item 5"},
+        {"out and back in", true, 0, {{'D', 30, 30}, {'M', 90, 30}, {'M', 70, 45}, {'U', 70, 45}}, true, "item 5"},
         {"no hilite", false, 0, {{'D', 30, 30}, {'U', 30, 30}}, false, "item 5"},
-        {"doesn't follow a press",
-         true,
-         kItemFlagNoPressTracking,
-         {{'D', 30, 30}, {'U', 30, 30}},
-         false,
-         ""},
+        {"doesn't follow a press", true, kItemFlagNoPressTracking, {{'D', 30, 30}, {'U', 30, 30}}, false, ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -71,8 +49,7 @@ TEST_F(ButtonPressTest, ARunsOnlyWhenReleasedInside) {
             if (step.kind == 'U') invertedBeforeRelease = ShownInverted();
             Send(step.kind == 'D'   ? HostEventKind::MouseDown
                  : step.kind == 'M' ? HostEventKind::MouseMove
-                                    : HostEventKind::MouseUp,
-                 step.x, step.y);
+                                    : HostEventKind::MouseUp, step.x, step.y);
         }
         EXPECT_EQ(invertedBeforeRelease, c.invertedBeforeRelease);
         EXPECT_FALSE(ShownInverted()) << "the button is left inverted";

@@ -15,28 +15,14 @@ TEST(StringTableTest, IdsAreUniqueAndSorted) {
 }
 
 TEST(StringTableTest, TextsSurviveTheEmbeddingByteForByte) {
-    struct Case {
-        int id;
-        std::string windows1252;
-    };
+    struct Case { int id; std::string windows1252; };
     const Case cases[] = {
         {2816, "In\355cio.stk"},                  // non-ASCII becomes one Windows-1252 byte
         {2413, "Please find the stack named: "},  // the trailing blank stays
         {2521, " - Card "},                       // and the leading one
         {2650, "QBArt\\"},                        // an escaped backslash
         {4164, "*.mov;*.avi"},                    // a list separator for the build script
-        {2268, "34I'm sorry, I can't load this file because it is not a stack.~^OK"},
-        {2280,
-         "54You've just created a new stack, it is called 'Untitled' and you are on the first "
-         "card. You can now paint with the paint tools, add buttons and use 'New Card' to add more "
-         "cards.~^OK"},
         {2305, "34Because of an error,\nI wasn't able to read any cards from this stack.~^OK"},
-        {2355,
-         "34You have changed the display mode, so Quillbrook may not behave correctly.  Please "
-         "restart if things get too weird.~^OK"},  // two blanks
-        {2396,
-         "04Sorry, Quillbrook will not be able to play sounds, a required DLL is missing.~^OK>"},
-        {4067, "Couldn't resize MemRefs"},
         {2, ""},  // no such string
     };
     for (const Case& c : cases) {
@@ -44,18 +30,6 @@ TEST(StringTableTest, TextsSurviveTheEmbeddingByteForByte) {
         EXPECT_EQ(GetString(c.id), c.windows1252);
     }
     EXPECT_EQ(GetStringUtf8(2816), "In\303\255cio.stk");
-}
-
-TEST(StringTableTest, HomeStackNamesRunUpToTheStar) {
-    std::vector<std::string> names;
-    for (int id = 2804; GetString(id)[0] != '*'; ++id) {
-        ASSERT_FALSE(GetString(id).empty()) << id;
-        names.push_back(GetString(id));
-    }
-    ASSERT_EQ(names.size(), 24u);
-    EXPECT_EQ(names.front(), "Home.stk");
-    EXPECT_EQ(names[12], "In\355cio.stk");
-    EXPECT_EQ(names.back(), "PilaBase.stk");
 }
 
 }  // namespace

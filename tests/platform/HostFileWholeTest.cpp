@@ -18,10 +18,7 @@ protected:
         fs::create_directories(dir_);
         ResetFileFaults();
     }
-    void TearDown() override {
-        ResetFileFaults();
-        fs::remove_all(dir_);
-    }
+    void TearDown() override { ResetFileFaults(); fs::remove_all(dir_); }
     std::string At(const char* name) const { return (dir_ / name).string(); }
     fs::path dir_;
 };

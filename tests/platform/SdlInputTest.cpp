@@ -10,20 +10,13 @@
 namespace {
 
 TEST(KeyNames, SdlNamesGiveTheSystemsKeyCodes) {
-    struct Case {
-        const char* name;
-        uint16_t key;
-    };
+    struct Case { const char* name; uint16_t key; };
+    // The names the table gives back are checked by the round trip below; here the other spellings.
     // clang-format off
     const Case cases[] = {
-        {"Return", 0x0D},     {"return", 0x0D},    {"Keypad Enter", 0x0D}, {"Right", 0x27},
-        {"Left", 0x25},       {"Up", 0x26},        {"Down", 0x28},         {"A", 0x41},
-        {"z", 0x5A},          {"0", 0x30},         {"9", 0x39},            {"Keypad 7", 0x67},
-        {"F1", 0x70},         {"F11", 0x7A},       {"F24", 0x87},          {"F25", 0},
-        {"F0", 0},            {"F01", 0},          {"Left Shift", 0x10},   {"Right Ctrl", 0x11},
-        {"Delete", 0x2E},     {"Backspace", 0x08}, {"Escape", 0x1B},       {";", 0xBA},
-        {",", 0xBC},          {".", 0xBE},         {"`", 0xC0},            {"Space", 0x20},
-        {"", 0},              {"Keypad", 0},       {"Keypad 10", 0},       {"AB", 0},
+        {"return", 0x0D}, {"Keypad Enter", 0x0D}, {"z", 0x5A},          {"Keypad 7", 0x67}, {"F24", 0x87},
+        {"F25", 0},       {"F0", 0},              {"F01", 0},           {"Right Ctrl", 0x11}, {"", 0},
+        {"Keypad", 0},    {"Keypad 10", 0},       {"AB", 0},
     };
     // clang-format on
     for (const Case& c : cases)
@@ -39,17 +32,11 @@ TEST(KeyNames, SdlNamesGiveTheSystemsKeyCodes) {
     }
     EXPECT_GT(named, 100);
     EXPECT_EQ(NameOfVirtualKey(0x10), "Left Shift");
-    EXPECT_EQ(NameOfVirtualKey(0x0D), "Return");
-    EXPECT_EQ(NameOfVirtualKey(0x67), "Keypad 7");
     EXPECT_EQ(NameOfVirtualKey(0xFF), "");
 }
 
 TEST(ViewLayout, TheCardTakesTheLargestWholeScaleCentred) {
-    struct Case {
-        int32_t cardW, cardH, outW, outH;
-        int32_t scale;
-        Rect dest;
-    };
+    struct Case { int32_t cardW, cardH, outW, outH; int32_t scale; Rect dest; };
     const Case cases[] = {
         {640, 480, 640, 480, 1, {0, 0, 640, 480}},
         {640, 480, 1280, 960, 2, {0, 0, 1280, 960}},
@@ -68,10 +55,7 @@ TEST(ViewLayout, TheCardTakesTheLargestWholeScaleCentred) {
 
 TEST(ViewLayout, OutputPixelsTurnBackIntoCardPixels) {
     const ViewLayout layout = FitCard(640, 480, 1920, 1080);  // scale 2 at (320, 60)
-    struct Case {
-        int32_t x, y;
-        Point card;
-    };
+    struct Case { int32_t x, y; Point card; };
     const Case cases[] = {{320, 60, {0, 0}},        {321, 61, {0, 0}},        {322, 62, {1, 1}},
                           {1599, 1019, {639, 479}}, {319, 59, {-1, -1}},      {318, 58, {-1, -1}},
                           {317, 57, {-2, -2}},      {1600, 1020, {640, 480}}, {0, 0, {-160, -30}}};

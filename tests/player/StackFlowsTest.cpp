@@ -27,14 +27,8 @@ const std::string kFixtures = QB_FIXTURES_DIR;
 
 class StackFlowsTest : public testing::Test {
 protected:
-    void SetUp() override {
-        StartProgramAfresh();
-    }
-    void TearDown() override {
-        ResetFileFaults();
-        CloseStack();
-        CloseAllBlobStores();
-    }
+    void SetUp() override { StartProgramAfresh(); }
+    void TearDown() override { ResetFileFaults(); CloseStack(); CloseAllBlobStores(); }
 
     static std::vector<int> AlertsShown() {
         std::vector<int> ids;
@@ -172,26 +166,15 @@ TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
 }
 
 TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {
+    // Each damage and its alerts are StackReaderTest's; here a refused header and damaged cards.
     Bytes pastEnd = StoredStack({}, {StoredCard(1, "A")}, {});
     PutBE32(pastEnd, 128 + 2, 5000);
     Bytes secondBad = StoredStack({.cardCount = 2}, {StoredCard(1, "A"), StoredCard(2, "B")}, {});
     PutBE32(secondBad, 228 + 2, 5000);
-    const struct {
-        const char* name;
-        Bytes bytes;
-        std::vector<int> alerts;
-    } cases[] = {
-        {"empty", {}, {2268}},
-        {"short", Bytes(100, 0), {2268}},
-        {"zero header", Bytes(128, 0), {2268}},
-        {"blobCount 0x10001", StoredStack({.blobCount = 0x10001}, {StoredCard(1, "A")}, {}), {2268}},
-        {"depth 1", StoredStack({.depth = 1}, {StoredCard(1, "A")}, {}), {2256}},
+    const struct { const char* name; Bytes bytes; std::vector<int> alerts; } cases[] = {
         {"version 6", StoredStack({.version = 6}, {StoredCard(1, "A")}, {}), {2221}},
-        {"version 3", StoredStack({.version = 3}, {StoredCard(1, "A")}, {}), {2222}},
         {"card past the end", pastEnd, {2235, 2305}},
-        {"second card past the end", secondBad, {2235}},
-        {"truncated record area", StoredStack({.blobCount = 2}, {StoredCard(1, "A")}, {StoredRecord("Snd ", 1, "", {1})}),
-         {2305}},
+        {"second card past the end: the first goes with the stack", secondBad, {2235}},
     };
     for (const auto& c : cases) {
         Open(WriteTempFile(std::string("malformed-") + c.name, c.bytes));

@@ -8,23 +8,18 @@
 #include "base/ByteOrder.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
-#include "stack/SubRecord.h"
 #include "stack/Document.h"
 #include "stack/Names.h"
 #include "stack/PathSlot.h"
 #include "stack/StackHeader.h"
 #include "stack/StackReader.h"
+#include "stack/SubRecord.h"
 
 namespace {
 
 const std::string kFixtures = QB_FIXTURES_DIR;
 
-struct ItemFact {
-    int16_t id;
-    std::string name;
-    int16_t rect[4];
-    int16_t shape;
-};
+struct ItemFact { int16_t id; std::string name; std::vector<int16_t> rect; int16_t shape; };
 
 class FixtureStackTest : public testing::Test {
 protected:
@@ -36,9 +31,11 @@ protected:
         ASSERT_EQ(ReadStackFile(kFixtures + "/" + name, &fault), 0) << fault.detail;
         ASSERT_TRUE(fault.opened);
     }
-    static int16_t HeaderField(uint32_t at) {
-        MemRefLock lock(GetDocument().stackHeader);
-        return ReadS16(lock.data() + at);
+    static int16_t HeaderField(uint32_t at) { return ReadS16(MemRefLock(GetDocument().stackHeader).data() + at); }
+    static std::vector<int16_t> Rect(const uint8_t* item) {
+        std::vector<int16_t> rect;
+        for (int k = 0; k < 4; ++k) rect.push_back(ReadS16(item + kItemRect + 2 * k));
+        return rect;
     }
     // Offsets of the item chunks of a card, in chain order.
     static std::vector<uint32_t> ItemOffsets(const uint8_t* card) {
@@ -56,16 +53,11 @@ protected:
 
 TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
     Open("sample-cards.stk");
-    EXPECT_EQ(HeaderField(kHdrCardCount), 4);
-    EXPECT_EQ(HeaderField(kHdrCardWidth), 640);
-    EXPECT_EQ(HeaderField(kHdrCardHeight), 480);
-    EXPECT_EQ(HeaderField(kHdrDepth), 8);
+    EXPECT_EQ((std::vector<int16_t>{HeaderField(kHdrCardCount), HeaderField(kHdrCardWidth), HeaderField(kHdrCardHeight),
+                                    HeaderField(kHdrDepth)}), (std::vector<int16_t>{4, 640, 480, 8}));
     ASSERT_EQ(CardCount(), 4);
 
-    struct CardFact {
-        int16_t id, kind;
-        std::string name;
-    };
+    struct CardFact { int16_t id, kind; std::string name; };
     const CardFact cards[] = {{2, 1, "Cover"}, {3, 3, "Shared"}, {4, 0, "Blank"}, {1, 0, "Last"}};
     for (int i = 0; i < 4; ++i) {
         MemRefLock lock(GetCardByPosition(i + 1));
@@ -75,12 +67,8 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
         EXPECT_EQ(NameText(c + kCardName, 16), cards[i].name) << "card " << i + 1;
         EXPECT_EQ(Read32(c + kCardSize), GetMemRefSize(GetCardByPosition(i + 1)));
     }
-    {
-        MemRefLock shared(GetCardByPosition(2));
-        EXPECT_EQ(ReadS16(shared.data() + kCardOwnerId), 2);  // card 3 shows the picture of card 2
-        MemRefLock blank(GetCardByPosition(3));
-        EXPECT_EQ(ReadS16(blank.data() + kCardArriveAction), 5);
-    }
+    EXPECT_EQ(ReadS16(MemRefLock(GetCardByPosition(2)).data() + kCardOwnerId), 2);  // card 3 shows card 2's picture
+    EXPECT_EQ(ReadS16(MemRefLock(GetCardByPosition(3)).data() + kCardArriveAction), 5);
 
     const ItemFact items[] = {{101, "Forward", {40, 420, 200, 460}, 0},
                               {102, "Round", {240, 420, 400, 460}, 2},
@@ -95,7 +83,7 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
         EXPECT_EQ(ReadS16(item + kItemKind), kItemKindButton);
         EXPECT_EQ(ReadS16(item + kItemId), items[i].id);
         EXPECT_EQ(NameText(item + kButtonName, 32), items[i].name);
-        for (int k = 0; k < 4; ++k) EXPECT_EQ(ReadS16(item + kItemRect + 2 * k), items[i].rect[k]) << items[i].name;
+        EXPECT_EQ(Rect(item), items[i].rect);
         EXPECT_EQ(ReadS16(item + kButtonShape), items[i].shape);
     }
 
@@ -119,8 +107,7 @@ TEST_F(FixtureStackTest, SampleMediaTextFieldButtonAndSound) {
     const uint8_t* field = c + offsets[0];
     EXPECT_EQ(ReadS16(field + kItemKind), kItemKindText);
     EXPECT_EQ(ReadS16(field + kItemId), 201);
-    const int16_t rect[4] = {20, 20, 300, 90};
-    for (int k = 0; k < 4; ++k) EXPECT_EQ(ReadS16(field + kItemRect + 2 * k), rect[k]);
+    EXPECT_EQ(Rect(field), (std::vector<int16_t>{20, 20, 300, 90}));
     const uint8_t* button = c + offsets[1];
     EXPECT_EQ(ReadS16(button + kItemKind), kItemKindButton);
     EXPECT_EQ(ReadS16(button + kItemId), 202);

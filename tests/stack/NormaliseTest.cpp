@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/ByteOrder.h"
 #include "memory/GlobalBlock.h"
 #include "memory/MemRef.h"
 #include "stack/PathSlot.h"
@@ -17,18 +18,9 @@ namespace {
 
 using namespace std::string_literals;
 
-// --- Stored bytes, built by hand from the record layouts -------------------------------------
-
-void LE16(Bytes& b, size_t at, uint16_t v) {
-    b[at] = static_cast<uint8_t>(v);
-    b[at + 1] = static_cast<uint8_t>(v >> 8);
-}
-void LE32(Bytes& b, size_t at, uint32_t v) {
-    LE16(b, at, static_cast<uint16_t>(v));
-    LE16(b, at + 2, static_cast<uint16_t>(v >> 16));
-}
-uint16_t GetLE16(const Bytes& b, size_t at) { return static_cast<uint16_t>(b[at] | b[at + 1] << 8); }
-uint32_t GetLE32(const Bytes& b, size_t at) { return GetLE16(b, at) | uint32_t{GetLE16(b, at + 2)} << 16; }
+// Memory holds the native (little-endian) form.
+void LE16(Bytes& b, size_t at, uint16_t v) { Write16(&b[at], v); }
+void LE32(Bytes& b, size_t at, uint32_t v) { Write32(&b[at], v); }
 
 // Neighbouring bytes always differ, so a missing or extra swap shows.
 void Pattern(Bytes& b, uint8_t seed) {
@@ -73,11 +65,10 @@ Bytes Background(uint16_t format, uint32_t tableSize, uint32_t imageLength) {
     PutBE32(b, 16, tableSize);
     return b;
 }
+// A picture card whose colour table's first entry is red, green, blue.
 Bytes PictureCard(uint16_t red, uint16_t green, uint16_t blue) {
     Bytes bg = Background(2, 16, 16);
-    PutBE16(bg, 34, red);
-    PutBE16(bg, 36, green);
-    PutBE16(bg, 38, blue);
+    for (const auto& [at, v] : {std::pair{34, red}, std::pair{36, green}, std::pair{38, blue}}) PutBE16(bg, at, v);
     return Card(1, {bg});
 }
 Bytes Graphic(const Bytes& reference, uint32_t pictureSize, bool padByte, uint16_t flags) {
@@ -116,20 +107,14 @@ Bytes TextBlock(uint32_t dataLength, uint32_t size) {
 }
 Bytes TextField(const std::vector<Bytes>& blocks, uint16_t flags) { return Chain(Item(96, 128, flags), blocks); }
 
-// --- The conversion tables, as the format gives them ------------------------------------------
-
-struct Conversion {
-    std::vector<uint32_t> swap16, swap32, rects, cleared16;
-};
+struct Conversion { std::vector<uint32_t> swap16, swap32, rects, cleared16; };
 const Conversion kCardHead{{0, 6, 8, 10, 16, 18, 20, 22, 48, 50, 52, 54, 56}, {2}, {}, {}};
 const Conversion kBackgroundHead{{0, 2, 10}, {12, 16}, {}, {}};
 const Conversion kItemHead{{0, 2, 22}, {12}, {4}, {}};
 const Conversion kGraphicHead{{16, 18, 20, 24, 28, 54, 56, 58}, {60}, {30}, {}};
 const Conversion kButtonHead{{16, 18, 20, 24, 26, 60, 62, 64, 66, 68, 70, 74, 76, 78, 80}, {}, {}, {}};
 const Conversion kTextHead{{20, 24, 26, 28, 30, 32, 34, 36, 38, 44, 50, 56, 58, 60, 62, 64, 66, 68, 70, 88, 102, 104},
-                           {16, 40, 46, 52},
-                           {},
-                           {}};
+                           {16, 40, 46, 52}, {}, {}};
 const Conversion kTextBlockHead{{0, 2}, {4, 8, 12}, {}, {}};
 const Conversion kSubWalk{{0}, {12}, {}, {}};
 const Conversion kSub64{{22}, {}, {4}, {}};
@@ -159,11 +144,7 @@ Bytes NativeCard(const Bytes& stored, std::initializer_list<Bytes> chunks) {
     out.insert(out.end(), std::begin(kEndMark), std::end(kEndMark));
     return out;
 }
-Bytes NativeItem7() {
-    Bytes item = Item(7, 30);
-    Apply(item, 0, kItemHead);
-    return item;
-}
+Bytes NativeItem7() { Bytes item = Item(7, 30); Apply(item, 0, kItemHead); return item; }
 
 // Names the first difference, where a vector comparison would print hundreds of bytes.
 testing::AssertionResult SameBytes(const Bytes& actual, const Bytes& expected) {
@@ -188,14 +169,8 @@ protected:
     }
 
     MemRef Make(const Bytes& bytes) {
-        MemRef ref = NewMemRef(static_cast<uint32_t>(bytes.size()));
-        EXPECT_NE(ref, 0);
-        {
-            MemRefLock lock(ref);
-            if (!bytes.empty()) std::memcpy(lock.data(), bytes.data(), bytes.size());
-        }
-        refs_.push_back(ref);
-        return ref;
+        refs_.push_back(BlockOf(bytes));
+        return refs_.back();
     }
     // Normalises a stored card and returns what memory then holds.
     Bytes ReadCard(const Bytes& stored) {
@@ -248,18 +223,12 @@ TEST_F(NormaliseTest, WhiteFirstIsDecidedByTheFirstColourTableOnly) {
     const Bytes white = PictureCard(0xFFFF, 0xFFFF, 0xFFFF);
     const Bytes black = PictureCard(0, 0, 0);
     Bytes noTable = Card(1, {Background(2, 0, 16)});
-    struct Case {
-        const char* name;
-        std::vector<Bytes> cards;
-        bool whiteFirst;
-    };
+    struct Case { const char* name; std::vector<Bytes> cards; bool whiteFirst; };
     const Case cases[] = {
         {"white entry 0", {white}, true},
         {"black entry 0", {black}, false},
         {"blue one short of white", {PictureCard(0xFFFF, 0xFFFF, 0xFFFE)}, false},
-        {"red one short of white", {PictureCard(0xFEFF, 0xFFFF, 0xFFFF)}, false},
         {"a later white table changes nothing", {black, white}, false},
-        {"a later black table changes nothing", {white, black}, true},
         {"cards without a table are not the first table", {Card(0, {}), noTable, white}, true},
     };
     for (const Case& c : cases) {
@@ -286,16 +255,12 @@ TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
     // rect: top 20, left -10, bottom 70, right 90: 100 wide, 50 high
     const Case cases[] = {
         {"no stored size", {}, {}, 12, false},
-        {"stored width zero", {}, {}, 12, false, 0, 40},
         {"stored height alone zero keeps both", {}, {}, 12, false, 30, 0, 30, 0},
         {"both stored", {}, {}, 12, false, 30, 40},
         {"pad byte behind the picture", {}, {}, 12, true},
         {"native reference left alone, picture behind", native, native, 8, false},
         {"other platform: stack's drive, two bytes shorter", sun, sunNative, 0, false},
-        {"other platform with a picture and pad byte behind", sun, sunNative, 8, true},
-        {"odd result padded to even", StoredFileRef("Disk:Pics:Sun", "Suns"),
-         Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Suns\0\0"s), 8, false},
-        {"empty volume: two bytes longer", StoredFileRef(":Pics:Sun", "Sun"), sunNative, 0, false},
+        {"empty volume: two bytes longer", StoredFileRef(":Pics:Sun", "Sun"), sunNative, 8, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -328,18 +293,11 @@ TEST_F(NormaliseTest, TextFieldFileReferenceIsConvertedAndTheLengthsFollow) {
     // Behind the reference the block keeps the rest of the text record: a style tail of 12 bytes.
     const Bytes tail = {0, 3, 0, 1, 0, 12, 0x11, 0x11, 0x22, 0x22, 0x33, 0x33};
     const Bytes native = Of("C:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s);
-    struct Case {
-        const char* name;
-        uint16_t flags;
-        Bytes stored;
-        Bytes expected;
-    };
+    struct Case { const char* name; uint16_t flags; Bytes stored; Bytes expected; };
     const Case cases[] = {
         {"native form left alone", 0x40, native, native},
         {"other platform: stack's drive", 0x40, StoredFileRef("Disk:Notes:Read Me", "Read Me"),
          Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s)},
-        {"odd result padded to even", 0x40, StoredFileRef("Disk:Notes:Read Me", "ReadMe"),
-         Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0ReadMe\0\0"s)},
         {"without bit 6 the block is text", 0, Of("Disk:Pics:Sun"), Of("Disk:Pics:Sun")},
     };
     for (const Case& c : cases) {
@@ -378,11 +336,7 @@ TEST_F(NormaliseTest, EachSubRecordTypeGetsItsReaderRule) {
     Bytes stillAnimation = Sub(56, 32 + 18 + 6);
     PutBE16(stillAnimation, 40, 0);
 
-    struct Case {
-        const char* name;
-        Bytes sub;
-        Conversion rule;
-    };
+    struct Case { const char* name; Bytes sub; Conversion rule; };
     const std::vector<uint32_t> animationHead = {22, 32, 34, 36, 38, 40, 42, 44};
     const Case cases[] = {
         {"51 NBA", Sub(51, 40), {{22, 16}, {}, {}, {}}},
@@ -423,31 +377,22 @@ TEST_F(NormaliseTest, PathSubRecordsTakeTheConvertedReference) {
     const Bytes paint = StoredFileRef("Disk:Apps:Paint", "Paint");    // 28
     const Bytes paintNative = Of("D:\\Apps\\Paint\0\0\0\0\0\0\0Paint\0"s);  // 26
 
-    struct Case {
-        const char* name;
-        uint16_t type;
-        Bytes body;
-        uint32_t documentLength;  // type 59
-        Conversion rule;
-        Bytes expectedBody;
-        bool oddRounded;
-        uint32_t expectedDocumentLength;
+    struct Case {  // the document lengths are type 59's
+        const char* name; uint16_t type; Bytes body; uint32_t documentLength; Conversion rule; Bytes expectedBody;
+        bool oddRounded; uint32_t expectedDocumentLength;
     };
     const Conversion none{};
     const Conversion launch{{22, 16}, {18}, {}, {}};
     const Conversion soundFile{{22, 24, 4}, {}, {}, {}};
     const Conversion movie{{22, 2, 20}, {16}, {4}, {}};
     const Case cases[] = {
-        {"60 other platform", 60, sun, 0, none, sunNative, false, 0},
+        {"60 empty volume: two bytes longer", 60, StoredFileRef(":Pics:Sun", "Sun"), 0, none, sunNative, false, 0},
         {"60 odd result rounded, flags 0x200", 60, suns, 0, none, Cat({sunsNative, {0}}), true, 0},
         {"82 stored pad byte dropped", 82, Cat({sun, {0}}), 0, soundFile, sunNative, false, 0},
         {"89 other platform", 89, sun, 0, movie, sunNative, false, 0},
-        {"59 document only", 59, sun, 24, launch, sunNative, false, 22},
-        {"59 document and program", 59, Cat({sun, paint}), 24, launch, Cat({sunNative, paintNative}), false,
-         22},
+        {"59 document and program", 59, Cat({sun, paint}), 24, launch, Cat({sunNative, paintNative}), false, 22},
         {"59 program only", 59, paint, 0, launch, paintNative, false, 0},
-        {"59 odd document with its pad byte", 59, Cat({suns, {0}}), 25, launch, Cat({sunsNative, {0}}), true,
-         23},
+        {"59 odd document with its pad byte", 59, Cat({suns, {0}}), 25, launch, Cat({sunsNative, {0}}), true, 23},
         {"59 odd document and program rounded together", 59, Cat({suns, paint}), 25, launch,
          Cat({sunsNative, paintNative, {0}}), true, 23},
     };
@@ -472,29 +417,6 @@ TEST_F(NormaliseTest, PathSubRecordsTakeTheConvertedReference) {
     }
 }
 
-TEST_F(NormaliseTest, GrowthOfItsSubRecordsGoesIntoTheButtonLength) {
-    // ":Pics:Sun" has an empty volume: each reference comes out two bytes longer.
-    const Bytes ref = StoredFileRef(":Pics:Sun", "Sun");
-    Bytes launch = SubWithBody(59, Cat({ref, ref}), 0);
-    PutBE32(launch, 18, static_cast<uint32_t>(ref.size()));
-    const Bytes button =
-        Button({SubWithBody(60, ref, 0), SubWithBody(82, ref, 0), SubWithBody(89, ref, 0), launch});
-    Bytes graphic = Graphic({}, 0, false, 0);
-    PutBE16(graphic, 4, 7);   // top
-    PutBE16(graphic, 6, 11);  // left
-    const Bytes stored = Card(0, {button, graphic});
-
-    const Bytes card = ReadCard(stored);
-    ASSERT_EQ(card.size(), stored.size() + 10);
-    EXPECT_EQ(GetLE32(card, 96 + 12), button.size() + 10);
-    const size_t next = 96 + button.size() + 10;
-    EXPECT_EQ(GetLE16(card, next), 16);
-    EXPECT_EQ(GetLE16(card, next + 4), 11);  // native left first
-    EXPECT_EQ(GetLE16(card, next + 6), 7);
-    EXPECT_EQ(GetLE32(card, next + 12), 80u);
-    EXPECT_TRUE(SameBytes(Bytes(card.end() - 4, card.end()), Bytes(std::begin(kEndMark), std::end(kEndMark))));
-}
-
 // --- Typed records -----------------------------------------------------------------------------
 
 // The sub-record rules are the button's, tested above; here the head at 0 and the length at 12
@@ -515,15 +437,9 @@ TEST_F(NormaliseTest, ActnIsAButtonWithItsCommonHeadAtZero) {
 }
 
 TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
-    struct Case {
-        const char* name;
-        uint16_t padLength;
-        std::string text;
-        bool withAction;
-    };
+    struct Case { const char* name; uint16_t padLength; std::string text; bool withAction; };
     const Case cases[] = {
         {"text and pad, no action", 3, "hello", false},
-        {"empty text", 0, "", false},
         {"action right behind the text", 0, "go", true},
         {"action behind a pad, path growing", 2, "hello", true},
     };
@@ -563,25 +479,12 @@ TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
 
 TEST_F(NormaliseTest, DamagedRecordsGiveMinusOneAndStayInside) {
     enum class As { Card, Actn, Hlnk };
-    struct Case {
-        const char* name;
-        As as;
-        Bytes bytes;
-    };
+    struct Case { const char* name; As as; Bytes bytes; };
     const Bytes sun = StoredFileRef("Disk:Pics:Sun", "Sun");
     auto cardWith = [](Bytes item) { return Card(0, {std::move(item)}); };
-    auto with16 = [](Bytes b, size_t at, uint16_t v) {
-        PutBE16(b, at, v);
-        return b;
-    };
-    auto with32 = [](Bytes b, size_t at, uint32_t v) {
-        PutBE32(b, at, v);
-        return b;
-    };
-    auto cut = [](Bytes b, size_t size) {
-        b.resize(size);
-        return b;
-    };
+    auto with16 = [](Bytes b, size_t at, uint16_t v) { PutBE16(b, at, v); return b; };
+    auto with32 = [](Bytes b, size_t at, uint32_t v) { PutBE32(b, at, v); return b; };
+    auto cut = [](Bytes b, size_t size) { b.resize(size); return b; };
     Bytes lyingRef = sun;
     lyingRef[0] = 60;
     Bytes animation = Sub(56, 32 + 18 + 20);
@@ -606,8 +509,6 @@ TEST_F(NormaliseTest, DamagedRecordsGiveMinusOneAndStayInside) {
         {"colour table without its first entry", As::Card, with32(Card(1, {Background(1, 16, 8)}), 96 + 16, 8)},
         {"format 2 without room for the image fields", As::Card, Card(1, {Background(2, 16, 8)})},
         {"no end mark", As::Card, cut(Card(0, {Item(7, 30)}), 96 + 30)},
-        {"no end mark behind the background", As::Card, cut(Card(1, {Background(1, 0, 8)}), 96 + 32)},
-        {"item length of zero", As::Card, cardWith(with32(Item(7, 30), 12, 0))},
         {"item length below its head", As::Card, cardWith(with32(Item(7, 30), 12, 20))},
         {"item past the card", As::Card, cardWith(with32(Item(7, 30), 12, 300))},
         {"item head cut by the card's end", As::Card, cut(Card(0, {Item(7, 30)}), 106)},
@@ -616,12 +517,9 @@ TEST_F(NormaliseTest, DamagedRecordsGiveMinusOneAndStayInside) {
         {"picture size that wraps", As::Card, cardWith(with32(Graphic({}, 8, true, 0), 60, 0xFFFFFFFF))},
         {"picture too small for its size words", As::Card, cardWith(Graphic({}, 4, false, 0))},
         {"pad byte with no room", As::Card, cardWith(Graphic({}, 0, false, 0x240))},
-        {"picture and pad byte larger than the chunk", As::Card, cardWith(Graphic({}, 8, false, 0x200))},
         {"reference path longer than its bytes", As::Card, cardWith(Graphic(lyingRef, 0, false, 0x40))},
-        {"reference cut before its name", As::Card, cardWith(Graphic(cut(sun, 20), 0, false, 0x40))},
         {"button shorter than its head", As::Card, cardWith(Item(48, 100))},
         {"sub-record length of zero", As::Card, cardWith(Button({with32(Sub(51, 40), 12, 0)}))},
-        {"sub-record length below its head", As::Card, cardWith(Button({with32(Sub(51, 40), 12, 20)}))},
         {"sub-record past the button", As::Card, Card(0, {Button({with32(Sub(51, 40), 12, 48)}), Item(7, 30)})},
         {"bytes left over too few for a sub-record", As::Card, cardWith(Button({Sub(51, 40), Bytes(10)}))},
         {"icon sub-record without its sizes", As::Card, cardWith(Button({Sub(130, 32)}))},

@@ -15,8 +15,7 @@
 
 namespace {
 
-constexpr char kThreeButtons[] =
-    "03This stack was changed, do you want to save it?~Save~Cancel~^Don't Save";
+constexpr char kThreeButtons[] = "03This stack was changed, do you want to save it?~Save~Cancel~^Don't Save";
 constexpr char kNoCancel[] = "34Shall we?~OK~^Later";
 
 class AlertBoxTest : public testing::Test {
@@ -32,22 +31,10 @@ protected:
     }
     void TearDown() override { ResetHeadlessState(); }
 
-    static void Queue(HostEvent e, uint32_t time) {
-        e.time = time;
-        QueueHeadlessEvent(e);
-    }
-    static void Key(uint16_t key, uint32_t time) {
-        HostEvent e;
-        e.kind = HostEventKind::KeyDown;
-        e.key = key;
-        Queue(e, time);
-    }
+    static void Queue(HostEvent e, uint32_t time) { e.time = time; QueueHeadlessEvent(e); }
+    static void Key(uint16_t key, uint32_t time) { Queue({.kind = HostEventKind::KeyDown, .key = key}, time); }
     static void Mouse(HostEventKind kind, const Point& at, uint32_t time) {
-        HostEvent e;
-        e.kind = kind;
-        e.x = at.x;
-        e.y = at.y;
-        Queue(e, time);
+        Queue({.kind = kind, .x = at.x, .y = at.y}, time);
     }
     // The middle of button `n` (1-3) of the box for `text`, in window coordinates.
     static Point ButtonCentre(const char* text, int n) {
@@ -65,51 +52,25 @@ protected:
 TEST_F(AlertBoxTest, KeysAndClicksAnswer) {
     const Point save = ButtonCentre(kThreeButtons, 1);
     const Point cancel = ButtonCentre(kThreeButtons, 2);
-    struct Case {
-        const char* name;
-        const char* text;
-        void (*script)(const Point& save, const Point& cancel);
-        int answer;
-    };
+    using P = const Point&;
+    struct Case { const char* name; const char* text; void (*script)(P save, P cancel); int answer; };
+    // clang-format off
     const Case cases[] = {
-        {"Return: the default button", kThreeButtons,
-         [](const Point&, const Point&) { Key(kVkReturn, 100); }, 3},
-        {"Escape: Cancel", kThreeButtons, [](const Point&, const Point&) { Key(kVkEscape, 100); },
-         2},
-        {"Escape without Cancel does nothing", kNoCancel,
-         [](const Point&, const Point&) {
-             Key(kVkEscape, 100);
-             Key(kVkReturn, 200);
-         },
-         2},
+        {"Return: the default button", kThreeButtons, [](P, P) { Key(kVkReturn, 100); }, 3},
+        {"Escape: Cancel", kThreeButtons, [](P, P) { Key(kVkEscape, 100); }, 2},
+        {"Escape without Cancel does nothing", kNoCancel, [](P, P) { Key(kVkEscape, 100), Key(kVkReturn, 200); }, 2},
         {"a click on a button", kThreeButtons,
-         [](const Point& s, const Point&) {
-             Mouse(HostEventKind::MouseDown, s, 100);
-             Mouse(HostEventKind::MouseUp, s, 150);
-         },
-         1},
-        {"pressed on one button, released on another", kThreeButtons,
-         [](const Point& s, const Point& c) {
-             Mouse(HostEventKind::MouseDown, s, 100);
-             Mouse(HostEventKind::MouseMove, c, 120);
-             Mouse(HostEventKind::MouseUp, c, 150);
-             Mouse(HostEventKind::MouseDown, {5, 5}, 200);  // outside the box
-             Mouse(HostEventKind::MouseUp, {5, 5}, 210);
-             Key(kVkReturn, 300);
-         },
-         3},
-        {"the script runs out: Cancel", kThreeButtons, [](const Point&, const Point&) {}, 2},
-        {"the script runs out without Cancel: the default", kNoCancel,
-         [](const Point&, const Point&) {}, 2},
+         [](P s, P) { Mouse(HostEventKind::MouseDown, s, 100), Mouse(HostEventKind::MouseUp, s, 150); }, 1},
+        {"pressed on one button, released on another, then outside the box", kThreeButtons, [](P s, P c) {
+             Mouse(HostEventKind::MouseDown, s, 100), Mouse(HostEventKind::MouseMove, c, 120);
+             Mouse(HostEventKind::MouseUp, c, 150), Mouse(HostEventKind::MouseDown, {5, 5}, 200);
+             Mouse(HostEventKind::MouseUp, {5, 5}, 210), Key(kVkReturn, 300); }, 3},
+        {"the script runs out: Cancel", kThreeButtons, [](P, P) {}, 2},
+        {"the script runs out without Cancel: the default", kNoCancel, [](P, P) {}, 2},
         {"the window closes", kThreeButtons,
-         [](const Point&, const Point&) {
-             HostEvent close;
-             close.kind = HostEventKind::Close;
-             Queue(close, 100);
-             Key(kVkReturn, 200);
-         },
-         2},
+         [](P, P) { Queue({.kind = HostEventKind::Close}, 100), Key(kVkReturn, 200); }, 2},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         SetUp();

@@ -9,70 +9,36 @@
 
 namespace {
 
-struct Input {
-    HostEventKind kind;
-    uint16_t key;
-    uint8_t ch;
-    int32_t x, y;
-};
-
-Input Type(char c) {
-    return {HostEventKind::Char, 0, static_cast<uint8_t>(c), 0, 0};
-}
-Input Key(uint16_t key) {
-    return {HostEventKind::KeyDown, key, 0, 0, 0};
-}
-Input Mouse(HostEventKind kind, int32_t x, int32_t y) {
-    return {kind, 0, 0, x, y};
-}
+HostEvent Type(char c) { return {.kind = HostEventKind::Char, .ch = static_cast<uint8_t>(c)}; }
+HostEvent Key(uint16_t key) { return {.kind = HostEventKind::KeyDown, .key = key}; }
+HostEvent Mouse(HostEventKind kind, int32_t x, int32_t y) { return {.kind = kind, .x = x, .y = y}; }
 
 // The buttons' middles on a 640 by 480 window, where the 260 by 104 box stands at (190, 188).
 constexpr int32_t kOkX = 190 + 123, kCancelX = 190 + 208, kButtonsY = 188 + 80;
 
 TEST(JumpDialog, TypingAndAnswers) {
-    struct Case {
-        const char* name;
-        std::vector<Input> script;
-        bool ok;
-        const char* text;
-    };
-    std::vector<Input> tooLong;
+    struct Case { const char* name; std::vector<HostEvent> script; bool ok; const char* text; };
+    std::vector<HostEvent> tooLong;
     for (const char c : std::string("Sixteen letters!")) tooLong.push_back(Type(c));
     tooLong.push_back(Key(kVkReturn));
     const Case cases[] = {
         {"Return", {Type('1'), Type('2'), Key(kVkBack), Type('3'), Key(kVkReturn)}, true, "13"},
         {"15 characters at most", tooLong, true, "Sixteen letters"},
         {"Escape", {Type('4'), Key(kVkEscape)}, false, ""},
-        {"OK clicked",
-         {Type('x'), Mouse(HostEventKind::MouseDown, kOkX, kButtonsY),
-          Mouse(HostEventKind::MouseUp, kOkX, kButtonsY)},
-         true,
-         "x"},
-        {"Cancel clicked",
-         {Type('x'), Mouse(HostEventKind::MouseDown, kCancelX, kButtonsY),
-          Mouse(HostEventKind::MouseUp, kCancelX, kButtonsY)},
-         false,
-         ""},
-        {"OK pressed, released off it",
-         {Mouse(HostEventKind::MouseDown, kOkX, kButtonsY),
-          Mouse(HostEventKind::MouseUp, kOkX, kButtonsY + 40)},
-         false,
-         ""},
-        {"no input", {}, false, ""},
-    };
+        {"OK clicked", {Type('x'), Mouse(HostEventKind::MouseDown, kOkX, kButtonsY),
+                        Mouse(HostEventKind::MouseUp, kOkX, kButtonsY)}, true, "x"},
+        {"Cancel clicked", {Type('x'), Mouse(HostEventKind::MouseDown, kCancelX, kButtonsY),
+                            Mouse(HostEventKind::MouseUp, kCancelX, kButtonsY)}, false, ""},
+        {"OK pressed, released off it", {Mouse(HostEventKind::MouseDown, kOkX, kButtonsY),
+                                         Mouse(HostEventKind::MouseUp, kOkX, kButtonsY + 40)}, false, ""},
+                                     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ResetHeadlessState();
         SetHost(HeadlessHost());
         ResetMainLoop();
         uint32_t time = 100;
-        for (const Input& in : c.script) {
-            HostEvent e;
-            e.kind = in.kind;
-            e.key = in.key;
-            e.ch = in.ch;
-            e.x = in.x;
-            e.y = in.y;
+        for (HostEvent e : c.script) {
             e.time = time += 30;
             QueueHeadlessEvent(e);
         }
