@@ -10,6 +10,7 @@
 
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
+#include "base/StateRegistry.h"
 #include "host/Application.h"
 #include "messages/Alert.h"
 #include "platform/HostFile.h"
@@ -149,19 +150,11 @@ class ActionStackTest : public testing::Test {
 protected:
     void SetUp() override {
         StartProgramAfresh();
-        ResetNavigation();
-        ResetSubsystems();
-        ResetActionState();
-        ResetQuiz();
         InstallRecorders();
         ActionLog().clear();
     }
     void TearDown() override {
-        CloseStack();
-        CloseAllBlobStores();
-        ResetNavigation();
-        ResetSubsystems();
-        ResetQuiz();
+        ResetAllState();
     }
 
     static void Open(const std::string& path) {

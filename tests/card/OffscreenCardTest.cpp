@@ -33,6 +33,7 @@
 #include "transitions/Transition.h"
 #if QB_GOLDEN_TESTS
 #include "support/Golden.h"
+#include "base/StateRegistry.h"
 #endif
 
 namespace {
@@ -94,16 +95,11 @@ class OffscreenCardTest : public testing::Test {
 protected:
     void SetUp() override {
         InitPathSlots();
-        ResetPaletteState();
-        ResetOffscreenState();
-        ResetHeadlessState();
         SetHost(HeadlessHost());
+        ResetAllState();
     }
     void TearDown() override {
-        CloseStack();
-        ResetOffscreenState();
-        ResetPaletteState();
-        ResetHeadlessState();
+        ResetAllState();
         RemoveTempFiles();
     }
     void Open(const std::string& path) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/StateRegistry.h"
 #include "card/DisplayList.h"
 #include "host/ButtonPress.h"
 #include "host/MainLoop.h"
@@ -72,11 +73,7 @@ inline HostEvent KeyEvent(HostEventKind kind, uint16_t key, uint32_t mods = 0, u
 // The window procedure, presses, the loop and the display list as at start, with recorders in
 // place of the interpreter.
 inline void StartPlayerWithRecorders() {
-    ResetHeadlessState();
     SetHost(HeadlessHost());
-    ResetWindowProc();
-    ResetButtonPress();
-    ResetMainLoop();
-    ResetDisplayList();
+    ResetAllState();
     StartRecordingActions();
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/StateRegistry.h"
 #include "host/ActionRecorder.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
@@ -16,7 +17,7 @@ constexpr Rect kHoverButton{100, 100, 140, 140};
 class ButtonPressTest : public testing::Test {
 protected:
     void SetUp() override { StartPlayerWithRecorders(); }
-    void TearDown() override { ResetDisplayList(); ResetSubsystems(); }
+    void TearDown() override { ResetAllState(); }
     static void Send(HostEventKind kind, int32_t x, int32_t y) {
         HandleWindowMessage(nullptr, MouseEvent(kind, x, y));
     }

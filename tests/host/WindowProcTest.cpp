@@ -6,6 +6,7 @@
 
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "card/OffscreenCard.h"
 #include "host/ActionRecorder.h"
 #include "host/Application.h"
@@ -173,13 +174,8 @@ TEST(MenuTable, ItemsFoundByTheirText) {
 class WindowProcStackTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
         SetHost(HeadlessHost());
-        ResetWindowProc();
-        ResetButtonPress();
-        ResetMainLoop();
-        CloseStack();
-        CloseAllBlobStores();
+        ResetAllState();
         InitApplication(nullptr);
         const std::string path = WriteTempFile(
             "keys.stk",

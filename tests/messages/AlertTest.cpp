@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/StateRegistry.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 
@@ -12,8 +13,11 @@ namespace {
 
 class AlertTest : public testing::Test {
 protected:
-    void SetUp() override { SetHost(HeadlessHost()); ResetHeadlessState(); ResetAlertState(); }
-    void TearDown() override { ResetAlertState(); }
+    void SetUp() override {
+        SetHost(HeadlessHost());
+        ResetAllState();
+    }
+    void TearDown() override { ResetAllState(); }
 
     static const std::vector<HeadlessAlert>& Shown() { return GetHeadlessState().alertsShown; }
 

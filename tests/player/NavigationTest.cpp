@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "host/Application.h"
 #include "messages/Alert.h"
 #include "platform/HostFile.h"
@@ -68,16 +69,10 @@ class NavigationTest : public testing::Test {
 protected:
     void SetUp() override {
         StartProgramAfresh();
-        ResetNavigation();
         GetSubsystems().RunNamedAction = RecordAction;
         gRan.clear();
     }
-    void TearDown() override {
-        CloseStack();
-        CloseAllBlobStores();
-        ResetNavigation();
-        ResetSubsystems();
-    }
+    void TearDown() override { ResetAllState(); }
 
     static void Open(const std::string& path) {
         SetSlotPath(kSlotStack, DosPathFromHost(path));

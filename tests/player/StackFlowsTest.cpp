@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
 #include "host/Application.h"
 #include "messages/Alert.h"
 #include "platform/HostFile.h"
@@ -28,7 +29,7 @@ const std::string kFixtures = QB_FIXTURES_DIR;
 class StackFlowsTest : public testing::Test {
 protected:
     void SetUp() override { StartProgramAfresh(); }
-    void TearDown() override { ResetFileFaults(); CloseStack(); CloseAllBlobStores(); }
+    void TearDown() override { ResetAllState(); }
 
     static std::vector<int> AlertsShown() {
         std::vector<int> ids;

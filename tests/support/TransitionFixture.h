@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/StateRegistry.h"
 #include "gfx/Palette.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
@@ -12,15 +13,12 @@
 class TransitionFixture : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
         SetHost(HeadlessHost());
-        ResetTransitionState();
-        ResetPaletteState();
+        ResetAllState();
         ForceDisplayDepth(32);
     }
     void TearDown() override {
-        ResetPaletteState();
-        ResetTransitionState();
+        ResetAllState();
         SetHost(HeadlessHost());
     }
 };

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/StateRegistry.h"
 #include "card/OffscreenCard.h"
 #include "gfx/Draw.h"
 #include "host/MainLoop.h"
@@ -21,15 +22,12 @@ constexpr char kNoCancel[] = "34Shall we?~OK~^Later";
 class AlertBoxTest : public testing::Test {
 protected:
     void SetUp() override {
-        ResetHeadlessState();
         SetHost(HeadlessHost());
-        ResetAlertState();
-        ResetMainLoop();
         // No offscreen card: the window comes back from what the box saved of it.
-        ResetOffscreenState();
+        ResetAllState();
         GetHeadlessState().modalAlerts = true;
     }
-    void TearDown() override { ResetHeadlessState(); }
+    void TearDown() override { ResetAllState(); }
 
     static void Queue(HostEvent e, uint32_t time) { e.time = time; QueueHeadlessEvent(e); }
     static void Key(uint16_t key, uint32_t time) { Queue({.kind = HostEventKind::KeyDown, .key = key}, time); }
