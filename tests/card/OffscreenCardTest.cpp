@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
+#include "card/ButtonLayout.h"
 #include "card/DisplayList.h"
 #include "card/GraphicPicture.h"
 #include "card/OffscreenCard.h"
@@ -19,21 +21,18 @@
 #include "pictures/PackedPixels.h"
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
-#include "card/ButtonLayout.h"
-#include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
-#include "stack/SubRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "stack/StackHeader.h"
 #include "stack/StackReader.h"
+#include "stack/SubRecord.h"
 #include "support/PictureMaker.h"
 #include "support/StackBytes.h"
 #include "support/SurfaceArt.h"
 #include "transitions/Transition.h"
 #if QB_GOLDEN_TESTS
 #include "support/Golden.h"
-#include "base/StateRegistry.h"
 #endif
 
 namespace {

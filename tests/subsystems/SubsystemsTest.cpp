@@ -12,7 +12,10 @@ namespace {
 
 class SubsystemsTest : public testing::Test {
 protected:
-    void SetUp() override { InstallSubsystems(UnavailableSubsystems()); }
+    void SetUp() override {
+        InstallSubsystems(UnavailableSubsystems());
+        ResetSubsystems();  // the counts of earlier tests in this process go
+    }
     void TearDown() override { InstallSubsystems(ApplicationSubsystems()); }
 };
 
