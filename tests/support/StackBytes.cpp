@@ -11,13 +11,8 @@
 #include "base/StateRegistry.h"
 #include "card/GraphicPicture.h"
 #include "host/Application.h"
-#include "messages/Alert.h"
-#include "platform/HostFile.h"
-#include "platform/headless/HeadlessHost.h"
-#include "policy/Policy.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
-#include "stack/Document.h"
 
 void PutBE16(Bytes& b, size_t at, uint16_t v) {
     b[at] = static_cast<uint8_t>(v >> 8);
