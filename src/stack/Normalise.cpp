@@ -12,6 +12,7 @@
 #include "base/StateRegistry.h"
 #include "memory/OwnedMemRef.h"
 #include "stack/CardRecord.h"
+#include "stack/ItemFields.h"
 #include "stack/SubRecord.h"
 
 namespace {
@@ -90,9 +91,8 @@ int32_t NormaliseGraphic(MemRef card, uint32_t offset) {
         uint8_t* g = r.At(offset);
         length = Read32(g + kItemLength);
         if (length < kGraphicHeadSize || !r.Has(offset, length)) return -1;
-        Swap16At(g, {16, 18, 20, 24, 28, 54, 56, 58});
+        TurnItemFields(g, kGraphicFields);
         SwapRect(g + kGraphicRect2);
-        Swap32(g + kGraphicPictureSize);
 
         const uint32_t pictureSize = Read32(g + kGraphicPictureSize);
         const uint16_t flags = Read16(g + kItemFlags);
@@ -132,9 +132,7 @@ int32_t NormaliseTextField(MemRef card, uint32_t offset) {
         uint8_t* t = r.At(offset);
         const uint32_t length = Read32(t + kItemLength);
         if (length < kTextHeadSize || !r.Has(offset, length)) return -1;
-        Swap32At(t, {16, 40, 46, 52});
-        Swap16At(t, {20, 24, 26, 28, 30, 32, 34, 36, 38, 44, 50, 56, 58, 60, 62, 64, 66, 68, 70, 88,
-                     102, 104});
+        TurnItemFields(t, kTextFields);
         uint32_t at = kTextFirstBlock;
         while (at < length) {
             if (length - at < kTextBlockHeadSize) return -1;
@@ -334,7 +332,7 @@ int32_t NormaliseButton(MemRef record, uint32_t offset) {
         uint8_t* b = r.At(offset);
         const uint32_t length = Read32(b + kItemLength);
         if (length < kButtonHeadSize || !r.Has(offset, length)) return -1;
-        Swap16At(b, {16, 18, 20, 24, 26, 60, 62, 64, 66, 68, 70, 74, 76, 78, 80});
+        TurnItemFields(b, kButtonFields);
         count = length - kButtonHeadSize;
     }
     // The count is of stored bytes; the walk steps by each sub-record's length after conversion.

@@ -53,11 +53,6 @@ inline void StoreItemHead(uint8_t* head) {
     Swap32(head + kItemLength);
 }
 
-inline void StoreItemFields(uint8_t* head, const ItemFieldTable& table) {
-    for (uint32_t o : table.words) Swap16(head + o);
-    for (uint32_t o : table.longs) Swap32(head + o);
-}
-
 // The button chunk (or action block) at `offset` of the locked record `record` of `size` bytes:
 // its head and the sub-records the writer knows. `record` is writable only for the icon rule,
 // which leaves its two size words zero behind it. 0, -1 for a lie, or the file layer's error.

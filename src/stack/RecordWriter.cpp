@@ -66,7 +66,7 @@ int32_t EmitGraphic(RecordEmitter& e, const uint8_t* g, uint32_t length) {
     if (length < kGraphicHeadSize) return e.Fail();
     e.PutExchanged(g, kGraphicHeadSize, [](uint8_t* h) {
         StoreItemHead(h);
-        StoreItemFields(h, kGraphicFields);
+        TurnItemFields(h, kGraphicFields);
         SwapRect(h + kGraphicRect2);
     });
     const uint32_t pictureSize = Read32(g + kGraphicPictureSize);
@@ -96,7 +96,7 @@ int32_t EmitTextField(RecordEmitter& e, const uint8_t* t, uint32_t length) {
     if (length < kTextHeadSize) return e.Fail();
     e.PutExchanged(t, kTextHeadSize, [](uint8_t* h) {
         StoreItemHead(h);
-        StoreItemFields(h, kTextFields);
+        TurnItemFields(h, kTextFields);
     });
     const bool imported = (Read16(t + kItemFlags) & kItemFlagFileRef) != 0;
     for (uint32_t at = kTextHeadSize; at < length;) {

@@ -171,7 +171,7 @@ int32_t EmitButton(RecordEmitter& e, uint8_t* record, uint32_t size, uint32_t of
     uint8_t head[kButtonHeadSize];
     std::memcpy(head, b, kButtonHeadSize);
     StoreItemHead(head);
-    StoreItemFields(head, kButtonFields);
+    TurnItemFields(head, kButtonFields);
     e.Put(head, kButtonHeadSize);
 
     for (uint32_t at = kButtonHeadSize; at < length;) {
