@@ -28,7 +28,8 @@ int32_t NormaliseHlnk(MemRef record);
 // any, stands at 24 + padLength + textLength in both. Moving the text up a byte overwrites the
 // byte at 23 + textLength, so the reader keeps that byte at 23, which no one else reads: the
 // writer takes it from 23, moves the text down and puts it back at 23 + textLength, and after the
-// write moves the text up again and returns the byte to 23.
+// write moves the text up again and returns the byte to 23. Keeping the byte is what makes a stack
+// that is read and saved again come out byte for byte as it was.
 inline constexpr uint32_t kHlnkLinkId = 0;
 inline constexpr uint32_t kHlnkFieldId = 2;
 inline constexpr uint32_t kHlnkPadLength = 4;
