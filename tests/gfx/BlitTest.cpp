@@ -19,10 +19,7 @@ namespace {
 // A surface whose every pixel differs: 0xTTYYXX for tag T.
 Surface Numbered(int32_t w, int32_t h, uint32_t tag = 0) {
     Surface s(w, h);
-    for (size_t i = 0; i < s.pixels.size(); ++i) {
-        s.pixels[i] = tag << 16 | static_cast<uint32_t>(i / static_cast<size_t>(w)) << 8 |
-                      static_cast<uint32_t>(i % static_cast<size_t>(w));
-    }
+    for (int32_t i = 0; i < w * h; ++i) s.pixels[i] = tag << 16 | static_cast<uint32_t>(i / w) << 8 | static_cast<uint32_t>(i % w);
     return s;
 }
 
@@ -38,8 +35,7 @@ TEST(Blit, CopyWithinOneSurfaceIsSafeEveryWay) {
                 const Rect from{2 - dx, 2, 14 - dx, 8};
                 CopyRect(expected, Clip(expected.Bounds(), region), 2 + dx, 2 + dy, source, from);
                 CopyRect(s, Clip(s.Bounds(), region), 2 + dx, 2 + dy, s, from);
-                ASSERT_EQ(s.pixels, expected.pixels)
-                    << dx << "," << dy << (region ? " with region" : "");
+                ASSERT_EQ(s.pixels, expected.pixels) << dx << "," << dy << (region ? " with region" : "");
             }
         }
     }
@@ -66,22 +62,18 @@ TEST(Blit, RasterOperations) {
     }
 }
 
-// A mask from rows of '1' and '0', standing at (left, top).
+// A mask set where the art is black, standing at (left, top).
 BitMask MaskOf(int32_t left, int32_t top, std::initializer_list<const char*> rows) {
-    BitMask mask(static_cast<int32_t>(std::string(*rows.begin()).size()),
-                 static_cast<int32_t>(rows.size()));
+    const Surface art = FromArt(rows);
+    BitMask mask(art.width, art.height);
+    for (int32_t i = 0; i < art.width * art.height; ++i) mask.Set(i % art.width, i / art.width, art.pixels[i] == kBlack);
     mask.left = left;
     mask.top = top;
-    int32_t y = 0;
-    for (const char* row : rows) {
-        for (int32_t x = 0; row[x]; ++x) mask.Set(x, y, row[x] == '1');
-        ++y;
-    }
     return mask;
 }
 
 TEST(Blit, MaskedCopyTakesTheSourceWhereBitsAreSet) {
-    const BitMask mask = MaskOf(1, 0, {"1001", "0110", "1111"});
+    const BitMask mask = MaskOf(1, 0, {"#..#", ".##.", "####"});
     const std::tuple<int32_t, int32_t, Rect, std::string> cases[] = {
         {0, 0, {0, 0, 6, 3}, Art({".#..#.", "..##..", ".####."})},  // outside the mask stays
         {2, 1, {0, 0, 6, 3}, Art({"......", "..##..", "..###."})},  // the source covers part of it
@@ -103,16 +95,14 @@ TEST(Blit, MaskedCopyTakesTheSourceWhereBitsAreSet) {
         MaskedCopy(same, same.Bounds(), shift, 0, same, {0, 0, 70, 3}, wide);
         for (int32_t x = 0; x < 70; ++x) {
             const bool set = wide.Contains(x, 1) && x >= shift;
-            ASSERT_EQ(dst.Row(1)[x], set ? other.Row(1)[x - shift] : before.Row(1)[x])
-                << shift << ":" << x;
-            ASSERT_EQ(same.Row(1)[x], set ? before.Row(1)[x - shift] : before.Row(1)[x])
-                << shift << ":" << x;
+            ASSERT_EQ(dst.Row(1)[x], set ? other.Row(1)[x - shift] : before.Row(1)[x]) << shift << ":" << x;
+            ASSERT_EQ(same.Row(1)[x], set ? before.Row(1)[x - shift] : before.Row(1)[x]) << shift << ":" << x;
         }
     }
 }
 
 TEST(Blit, MaskAsAPictureOfTwoColours) {
-    const BitMask mask = MaskOf(1, 1, {"110", "011"});
+    const BitMask mask = MaskOf(1, 1, {"##.", ".##"});
     Surface s = FromArt({"rrrr", "rrrr", "rrrr"});
     const Surface before = s;
     BlitMask(s, s.Bounds(), mask, kWhite, kBlack, Rop::SrcInvert);  // a picture button's hilite

@@ -104,8 +104,8 @@ TEST(JpegBackground, PicturesRoundTripThroughACardAtEveryDepth) {
         double mean;  // JPEG's loss at quality 50 on a smooth picture, plus the depth's own rounding
         int worst;
     };
-    const Case cases[] = {{32, 32, 2.5, 24}, {24, 24, 2.5, 24}, {16, 16, 3.5, 32}, {32, 16, 6, 32},
-                          {16, 32, 6, 32},   {8, 32, 6, 64},    {32, 8, 7, 72}};
+    // Each depth encoded and decoded once; 8 bits goes through 32 both ways.
+    const Case cases[] = {{32, 32, 2.5, 24}, {24, 24, 2.5, 24}, {16, 16, 3.5, 32}, {8, 32, 6, 64}, {32, 8, 7, 72}};
     for (const Case& c : cases) {
         for (auto [width, height] : {std::pair{160, 120}, std::pair{37, 21}}) {
             const MemRef picture = MakePhoto(width, height, c.from);
