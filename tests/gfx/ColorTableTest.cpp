@@ -58,12 +58,10 @@ TEST_F(ColorTable, ReadersTakeTheFirstByteAndNoMoreEntriesThanTheRecordHolds) {
     const Bytes mac = {0, 0, 0x12, 0x34, 0, 0, 0, 9,
                        0, 9, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
                        0, 7, 0x80, 0x80, 0x40, 0x40, 0x20, 0x21};
-    struct Case {
-        uint32_t size, room, count;
-    };
-    for (const Case& c : {Case{24, 16, 2}, Case{23, 16, 1}, Case{24, 1, 1}, Case{7, 16, 0}}) {
+    const std::array<uint32_t, 3> cases[] = {{24, 16, 2}, {23, 16, 1}, {24, 1, 1}, {7, 16, 0}};  // size, room, count
+    for (const auto& [size, room, count] : cases) {
         PaletteEntry entries[16];
-        EXPECT_EQ(ReadColorTable(mac.data(), c.size, entries, c.room), c.count) << c.size << " bytes, room for " << c.room;
+        EXPECT_EQ(ReadColorTable(mac.data(), size, entries, room), count) << size << " bytes, room for " << room;
     }
     PaletteEntry entries[2];
     ASSERT_EQ(ReadColorTable(mac.data(), 24, entries, 2), 2u);
@@ -77,30 +75,22 @@ TEST_F(ColorTable, PalettesFromRecordsAreWhatTheDisplayShows) {
     for (uint8_t i = 0; i < 10; ++i) colors.push_back({i, i, 0xFE, 0});
     Bytes table(ColorTableSize(12));
     WriteColorTable(table.data(), colors.data(), 12, 0);
-    struct Case {
-        int32_t displayDepth;
-        Rgb white, odd;
-    };
-    for (const Case& c : {Case{8, {0xFF, 0xFF, 0xFF}, {0x8F, 0x47, 0x0B}}, Case{32, {0xFF, 0xFF, 0xFF}, {0x8F, 0x47, 0x0B}},
-                          Case{16, {0xFF, 0xFF, 0xFF}, {0x8C, 0x42, 0x08}}}) {
-        ASSERT_EQ(ForceDisplayDepth(c.displayDepth), 0);
+    const Rgb white = {0xFF, 0xFF, 0xFF};
+    const std::pair<int32_t, Rgb> cases[] = {{8, {0x8F, 0x47, 0x0B}}, {32, {0x8F, 0x47, 0x0B}}, {16, {0x8C, 0x42, 0x08}}};
+    for (const auto& [displayDepth, odd] : cases) {
+        ASSERT_EQ(ForceDisplayDepth(displayDepth), 0);
         const PaletteRef palette = PaletteFromColorTable(table.data(), static_cast<uint32_t>(table.size()));
         ASSERT_TRUE(palette);
         EXPECT_EQ(palette->count, 12u);
-        EXPECT_EQ((std::array{RgbOf(palette->entries[0]), RgbOf(palette->entries[1])}), (std::array{c.white, c.odd}))
-            << c.displayDepth;
+        EXPECT_EQ((std::array{RgbOf(palette->entries[0]), RgbOf(palette->entries[1])}), (std::array{white, odd})) << displayDepth;
         EXPECT_EQ((std::array{palette->entries[9].flags, palette->entries[10].flags, palette->entries[11].flags}),
                   (std::array<uint8_t, 3>{0, kPaletteNoCollapse, kPaletteNoCollapse}));
 
         // A picture's colour table gets the same colours, as many as both have.
-        const MemRef image = NewDibImage(2, 2, 1);
-        {
-            MemRefLock lock(image);
-            ColorTableToDib(table.data(), static_cast<uint32_t>(table.size()), lock.data());
-            const uint8_t* bgr = DibColors(lock.data());
-            EXPECT_EQ((Bytes(bgr, bgr + 8)), (Bytes{c.white[2], c.white[1], c.white[0], 0, c.odd[2], c.odd[1], c.odd[0], 0}));
-        }
-        FreeMemRef(image);
+        Bytes image = TakeBytes(NewDibImage(2, 2, 1));
+        ColorTableToDib(table.data(), static_cast<uint32_t>(table.size()), image.data());
+        const uint8_t* bgr = DibColors(image.data());
+        EXPECT_EQ((Bytes(bgr, bgr + 8)), (Bytes{0xFF, 0xFF, 0xFF, 0, odd[2], odd[1], odd[0], 0})) << displayDepth;
     }
     EXPECT_FALSE(PaletteFromColorTable(table.data(), 8)) << "a record without entries";
 }

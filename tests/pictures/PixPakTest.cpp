@@ -37,49 +37,46 @@ TEST(PixPak, HeaderIsBigEndianOnDisk) {
     FreeMemRef(picture);
 }
 
+// Widths about a stored row's 16 pixels and a long row; each fill makes its own mix of runs,
+// copies and literals.
 TEST(PixPak, FramesRoundTripAtEveryDepthAndPacking) {
     for (uint16_t type : {kPackTypeRows, kPackTypeRuns}) {
         for (int32_t depth : {1, 8, 16, 32}) {
-            for (int32_t width : {1, 16, 17, 100}) {
+            for (int32_t width : {1, 15, 16, 17, 33, 511}) {
+                // Run-packed 1-bit rows narrower than their display rows run on: PackedPixelsTest.
                 if (type == kPackTypeRuns && StoredRowBytes(depth, width) < DibRowBytes(depth, width)) continue;
-                const MemRef picture = MakePicture(width, 5, depth, Fill::Noise, 9);
-                {
+                for (Fill fill : {Fill::Noise, Fill::Single, Fill::Gradient}) {
+                    const MemRef picture = MakePicture(width, 5, depth, fill, 9);
                     // The colours an offscreen image of the depth has: black and white, or a palette.
-                    MemRefLock lock(picture);
-                    for (uint32_t i = 0; i < DibColorCount(lock.data()); ++i) {
-                        Write32(DibColors(lock.data()) + 4 * i, depth == 1 ? i * 0xFFFFFFu : (i * 0x010307u) & 0xFFFFFFu);
-                    }
+                    uint8_t* dib = LockMemRef(picture);
+                    for (uint32_t i = 0; i < DibColorCount(dib); ++i)
+                        Write32(DibColors(dib) + 4 * i, depth == 1 ? i * 0xFFFFFFu : (i * 0x010307u) & 0xFFFFFFu);
+                    UnlockMemRef(picture);
+                    OffscreenImage decoded;
+                    const Bytes record = Encode(picture, type);
+                    ASSERT_EQ(DecodePixPak(record.data(), static_cast<uint32_t>(record.size()), &decoded), 0);
+                    EXPECT_EQ(decoded.depth, depth);
+                    EXPECT_EQ(BlockBytes(decoded.bitmap), BlockBytes(picture)) << type << ": " << depth << " bits, width " << width;
+                    FreeOffscreenImage(&decoded);
+                    FreeMemRef(picture);
                 }
-                const Bytes record = Encode(picture, type);
-                OffscreenImage decoded;
-                ASSERT_EQ(DecodePixPak(record.data(), static_cast<uint32_t>(record.size()), &decoded), 0);
-                EXPECT_EQ(decoded.depth, depth);
-                EXPECT_EQ(BlockBytes(decoded.bitmap), BlockBytes(picture)) << type << ": " << depth << " bits, width " << width;
-                FreeOffscreenImage(&decoded);
-                FreeMemRef(picture);
             }
         }
     }
 }
 
 TEST(PixPak, DeepPixelsAreStoredHighByteFirst) {
-    struct Case {
-        int32_t depth;
-        uint32_t pixel;
-        Bytes stored;
-    };
-    for (const Case& c : {Case{16, 0x7C1F, {0x7C, 0x1F}}, Case{32, 0xA1B2C3, {0x00, 0xA1, 0xB2, 0xC3}}}) {
-        const MemRef picture = NewDibImage(1, 2, c.depth);
-        {
-            MemRefLock lock(picture);
-            SetPixel(lock.data(), 0, 1, c.pixel);  // the top row, packed first
-        }
+    const std::tuple<int32_t, uint32_t, Bytes> cases[] = {{16, 0x7C1F, {0x7C, 0x1F}}, {32, 0xA1B2C3, {0, 0xA1, 0xB2, 0xC3}}};
+    for (const auto& [depth, pixel, stored] : cases) {
+        const MemRef picture = NewDibImage(1, 2, depth);
+        SetPixel(LockMemRef(picture), 0, 1, pixel);  // the top row, packed first
+        UnlockMemRef(picture);
         const Bytes r = Encode(picture, kPackTypeRows);
-        Bytes row(StoredRowBytes(c.depth, 1));
+        Bytes row(StoredRowBytes(depth, 1));
         uint32_t made = 0;
         ASSERT_EQ(LzrwDecompress(r.data() + kPixPakHeadSize, ReadBE16(r.data() + kPixPakHeadSize + 2), row.data(),
                                  static_cast<uint32_t>(row.size()), &made), 0);
-        EXPECT_EQ(Bytes(row.begin(), row.begin() + static_cast<ptrdiff_t>(c.stored.size())), c.stored) << c.depth;
+        EXPECT_EQ(Bytes(row.begin(), row.begin() + static_cast<ptrdiff_t>(stored.size())), stored) << depth;
         FreeMemRef(picture);
     }
 }
