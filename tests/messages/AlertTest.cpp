@@ -28,7 +28,8 @@ protected:
     }
 };
 
-// Where the box's parts stand is AlertDrawTest's golden images; here what the prefix selects.
+// Where the box's parts stand and how wide its buttons grow is AlertDrawTest's golden images; here
+// what the prefix selects.
 TEST_F(AlertTest, PrefixButtonsAndDefaultAreReadFromTheString) {
     using P = AlertPicture;
     struct Case {
@@ -56,29 +57,6 @@ TEST_F(AlertTest, PrefixButtonsAndDefaultAreReadFromTheString) {
     AlertLayout layout;
     ASSERT_TRUE(BuildAlertLayout(7, "34Without icons~OK", false, &layout));
     EXPECT_EQ(layout.picture, P::None);
-}
-
-TEST_F(AlertTest, LongLabelsWidenTheirButtonsAndTheBox) {
-    const std::string forty(40, 'w');
-    struct Case { std::vector<std::string> labels; std::vector<int> buttonWidths; int16_t boxWidth; };
-    const Case cases[] = {
-        {{"8 chars!"}, {75}, 320},    // 72 stays at the template's width
-        {{"^Try Again"}, {78}, 320},  // 9 x 6 + 24: the mark is not measured
-        {{forty, forty, forty}, {264, 264, 264}, 836},  // 3 x 264 + 2 x 15 + 2 x (3 + 4)
-    };
-    for (const Case& c : cases) {
-        std::string text = "34Message";
-        for (const std::string& label : c.labels) text += "~" + label;
-        SCOPED_TRACE(text);
-        AlertLayout layout;
-        ASSERT_TRUE(BuildAlertLayout(0, text, true, &layout));
-        ASSERT_EQ(layout.buttonCount, static_cast<int>(c.buttonWidths.size()));
-        for (int i = 0; i < layout.buttonCount; ++i)
-            EXPECT_EQ(layout.buttons[i].rect.right - layout.buttons[i].rect.left, c.buttonWidths[i]);
-        EXPECT_EQ(layout.width, c.boxWidth);
-        // The leftmost button keeps the margin inside the frame.
-        EXPECT_GE(layout.buttons[layout.buttonCount - 1].rect.left, kAlertMarginPx);
-    }
 }
 
 TEST_F(AlertTest, TextsWithoutButtonsMakeNoBoxAndAnswerTheFirstButton) {

@@ -45,7 +45,7 @@ protected:
 };
 
 TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
-    Open("sample-cards.stk");
+    ASSERT_NO_FATAL_FAILURE(Open("sample-cards.stk"));
     EXPECT_EQ((std::vector<int16_t>{HeaderField(kHdrCardCount), HeaderField(kHdrCardWidth), HeaderField(kHdrCardHeight),
                                     HeaderField(kHdrDepth)}), (std::vector<int16_t>{4, 640, 480, 8}));
     ASSERT_EQ(CardCount(), 4);
@@ -91,7 +91,7 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
 }
 
 TEST_F(FixtureStackTest, SampleMediaTextFieldButtonAndSound) {
-    Open("sample-media.stk");
+    ASSERT_NO_FATAL_FAILURE(Open("sample-media.stk"));
     EXPECT_EQ(HeaderField(kHdrCardCount), 1);
     ASSERT_EQ(CardCount(), 1);
     const uint32_t field = ItemAt(1, kItemKindText, 201);
