@@ -5,13 +5,10 @@
 // 2 of the flags the harness writes the chunk's true size into its size field, so that most inputs
 // reach the decoders. Every handle must be freed again.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
+#include "FuzzImage.h"
 #include "base/ByteOrder.h"
-#include "gfx/DibImage.h"
-#include "memory/MemRef.h"
 #include "pictures/Background.h"
 #include "pictures/JpegBackground.h"
 #include "stack/CardRecord.h"
@@ -20,18 +17,7 @@ namespace {
 
 constexpr uint32_t kControlBytes = 6;
 
-[[noreturn]] void Broken(const char* what) {
-    std::fprintf(stderr, "fuzz_background: %s\n", what);
-    std::fflush(stderr);
-    std::abort();
-}
-
-void Touch(MemRef image) {
-    MemRefLock lock(image);
-    if (!IsDibLayoutValid(lock.data(), GetMemRefSize(image))) Broken("a picture that is no DibImage");
-    volatile uint32_t sink = 0;
-    for (uint32_t i = 0; i < GetMemRefSize(image); ++i) sink = sink + lock.data()[i];
-}
+[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_background", what); }
 
 }  // namespace
 
@@ -68,7 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     if ((result == 0) != (image != 0)) Broken("the result and the picture disagree");
     if (image) {
-        Touch(image);
+        if (!IsDibLayoutValid(MemRefLock(image).data(), GetMemRefSize(image))) Broken("a picture that is no DibImage");
+        FuzzTouch(image);
         FreeMemRef(image);
     }
     FreeMemRef(card);

@@ -1,7 +1,8 @@
-// The picture a pixel-decoder fuzz target decodes into, taken from the input's first four bytes:
-// width 1 to 512, height 1 to 128, and a depth of 1, 4, 8, 16, 24 or 32. The rest of the input is
-// the packed data. The image's slack bytes behind the pixels are set to a mark that a decoder must
-// leave alone: they are inside the block, where AddressSanitizer cannot see them.
+// What the fuzz targets share: the stop on a broken promise, a read of every byte a handle claims,
+// and the picture a pixel decoder decodes into, taken from the input's first four bytes: width 1 to
+// 512, height 1 to 128, and a depth of 1, 4, 8, 16, 24 or 32. The rest of the input is the packed
+// data. The image's slack bytes behind the pixels are set to a mark that a decoder must leave
+// alone: they are inside the block, where AddressSanitizer cannot see them.
 #pragma once
 
 #include <cstdint>
@@ -24,6 +25,13 @@ inline constexpr uint8_t kSlackMark = 0xA5;
     std::fprintf(stderr, "%s: %s\n", target, what);
     std::fflush(stderr);
     std::abort();
+}
+
+// Reads every byte a handle claims to hold, so a size that overstates the block is caught.
+inline void FuzzTouch(MemRef ref) {
+    static volatile uint32_t sink = 0;
+    MemRefLock lock(ref);
+    for (uint32_t i = 0; lock && i < GetMemRefSize(ref); ++i) sink = sink + lock.data()[i];
 }
 
 inline bool MakeFuzzImage(const uint8_t* data, size_t size, FuzzImage* out) {
@@ -68,4 +76,29 @@ inline bool SamePixels(MemRef a, MemRef b) {
     MemRefLock la(a), lb(b);
     return DibImageBytes(la.data()) == DibImageBytes(lb.data()) &&
            std::memcmp(DibPixels(la.data()), DibPixels(lb.data()), DibImageBytes(la.data())) == 0;
+}
+
+// A decoder of packed pixels on arbitrary bytes; a decode that succeeds is packed again by the
+// encoder, which must decode to the same pixels (only where `packable` says packing loses nothing).
+template <typename Decode, typename Encode>
+void FuzzPackedPixels(const char* name, const uint8_t* data, size_t size, Decode decode, Encode encode,
+                      bool (*packable)(MemRef), int32_t damaged) {
+    FuzzImage in;
+    if (!MakeFuzzImage(data, size, &in)) return;
+    const int32_t result = decode(in.image, in.data, in.length);
+    if (!SlackIntact(in.image)) FuzzBroken(name, "the decoder wrote past the pixels");
+    if (result == 0 && packable(in.image)) {
+        const MemRef packed = encode(in.image), again = SameShape(in.image);
+        if (!packed || !again) FuzzBroken(name, "a decoded picture does not pack");
+        {
+            MemRefLock p(packed);
+            if (decode(again, p.data(), GetMemRefSize(packed)) != 0) FuzzBroken(name, "our packing does not decode");
+        }
+        if (!SamePixels(in.image, again)) FuzzBroken(name, "the round trip changed the pixels");
+        FreeMemRef(packed);
+        FreeMemRef(again);
+    } else if (result != 0 && result != damaged) {
+        FuzzBroken(name, "an unknown result");
+    }
+    FreeMemRef(in.image);
 }

@@ -3,20 +3,15 @@
 // The same bytes then go through the compressor and back, which must give them again and must keep
 // within the room the compressor promises.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "FuzzImage.h"
 #include "pictures/Lzrw.h"
 
 namespace {
 
-[[noreturn]] void Broken(const char* what) {
-    std::fprintf(stderr, "fuzz_lzrw: %s\n", what);
-    std::fflush(stderr);
-    std::abort();
-}
+[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_lzrw", what); }
 
 }  // namespace
 

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <string>
 
-#include "memory/MemRef.h"
+#include "FuzzImage.h"
 #include "stack/Blob.h"
 #include "stack/Document.h"
 #include "stack/StackReader.h"
@@ -19,30 +19,15 @@ namespace {
 struct Harness {
     std::string path;      // the one input file of this process, written anew for every input
     int16_t baseline = 0;  // MemRefs in use with no stack open
-    bool verbose = false;  // QB_FUZZ_VERBOSE=1: say what the reader made of each input
 };
 
-[[noreturn]] void Broken(const char* what) {
-    std::fprintf(stderr, "fuzz_open: %s\n", what);
-    std::fflush(stderr);
-    abort();
-}
+[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_open", what); }
 
 bool WriteInput(const std::string& path, const uint8_t* data, size_t size) {
     FILE* file = std::fopen(path.c_str(), "wb");
     if (!file) return false;
     const bool written = size == 0 || std::fwrite(data, 1, size, file) == size;
     return std::fclose(file) == 0 && written;
-}
-
-// Reads every byte a handle claims to hold, so a size that overstates the block is caught.
-uint32_t Touch(MemRef ref) {
-    MemRefLock lock(ref);
-    if (!lock) return 0;
-    uint32_t sum = 0;
-    const uint32_t size = GetMemRefSize(ref);
-    for (uint32_t i = 0; i < size; ++i) sum += lock.data()[i];
-    return sum;
 }
 
 Harness& GetHarness() {
@@ -55,7 +40,6 @@ Harness& GetHarness() {
         if (fd < 0) Broken("cannot make a temporary file");
         close(fd);
         h.path = pattern;
-        h.verbose = getenv("QB_FUZZ_VERBOSE") != nullptr;
         if (!InitMemRefs()) Broken("InitMemRefs failed");
         // A first, failing read sets up what lives for the whole process (the path slots).
         LoadFault fault;
@@ -80,20 +64,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Broken("a stack counts as opened without cards or record store");
     if (!fault.opened && fault.alerts.empty()) Broken("a stack that did not open names no alert");
 
-    volatile uint32_t sink = 0;
-    for (int32_t i = 1; i <= CardCount(); ++i) sink = sink + Touch(GetCardByPosition(i));
+    for (int32_t i = 1; i <= CardCount(); ++i) FuzzTouch(GetCardByPosition(i));
     const uint32_t store = CurrentBlobStore();
     const uint32_t entries = CountBlobEntries(store);
     for (uint32_t i = 0; i < entries; ++i) {
         BlobEntryInfo entry;
         if (!GetBlobEntry(store, i, &entry)) Broken("a table row below the count cannot be read");
-        if (MemRef handle = GetBlobById(entry.type, entry.id)) sink = sink + Touch(handle);
-    }
-
-    if (h.verbose) {
-        std::fprintf(stderr, "  code %d, %d cards, %u records, alerts", code, CardCount(), entries);
-        for (int alert : fault.alerts) std::fprintf(stderr, " %d", alert);
-        std::fprintf(stderr, "%s%s\n", fault.detail.empty() ? "" : ": ", fault.detail.c_str());
+        if (MemRef handle = GetBlobById(entry.type, entry.id)) FuzzTouch(handle);
     }
 
     CloseStack();

@@ -2,21 +2,15 @@
 // input's length first, since a record of another size is refused before anything is read. Every
 // handle the decode makes must be freed with the image.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <vector>
 
+#include "FuzzImage.h"
 #include "base/ByteOrder.h"
-#include "memory/MemRef.h"
 #include "pictures/PixPak.h"
 
 namespace {
 
-[[noreturn]] void Broken(const char* what) {
-    std::fprintf(stderr, "fuzz_pixpak: %s\n", what);
-    std::fflush(stderr);
-    std::abort();
-}
+[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_pixpak", what); }
 
 }  // namespace
 
@@ -31,9 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int32_t result = DecodePixPak(record.data(), static_cast<uint32_t>(size), &image);
     if (result == 0) {
         if (!image.bitmap) Broken("a decoded record without a bitmap");
-        MemRefLock lock(image.bitmap);
-        volatile uint32_t sink = 0;
-        for (uint32_t i = 0; i < GetMemRefSize(image.bitmap); ++i) sink = sink + lock.data()[i];
+        FuzzTouch(image.bitmap);
     } else if (image.bitmap || image.palette) {
         Broken("a refused record left an image behind");
     }

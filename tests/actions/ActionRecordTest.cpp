@@ -25,13 +25,7 @@ Native Chain(const std::vector<std::pair<int16_t, uint32_t>>& subs, uint32_t len
 }
 
 TEST(ActionRecordTest, SubRecordsAreFoundOnlyInsideAnIntactChain) {
-    const struct {
-        const char* what;
-        Native action;
-        int16_t tag;
-        bool found;
-        uint32_t position;
-    } cases[] = {
+    const struct { const char* what; Native action; int16_t tag; bool found; uint32_t position; } cases[] = {
         {"second", Chain({{51, 40}, {60, 33}}), 60, true, 176},
         {"first of two", Chain({{60, 32}, {60, 32}}), 60, true, 136},
         {"absent", Chain({{51, 32}}), 60, false, 0},
@@ -45,9 +39,7 @@ TEST(ActionRecordTest, SubRecordsAreFoundOnlyInsideAnIntactChain) {
         uint32_t position = 0;
         EXPECT_EQ(FindSubRecord(c.action.data(), static_cast<uint32_t>(c.action.size()), c.tag, &position), c.found)
             << c.what;
-        if (c.found) {
-            EXPECT_EQ(position, c.position) << c.what;
-        }
+        EXPECT_EQ(c.found ? position : 0u, c.position) << c.what;
     }
     // A truncated block: the second sub-record would leave it.
     const Native whole = Chain({{51, 32}, {60, 32}});

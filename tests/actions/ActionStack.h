@@ -93,8 +93,6 @@ inline Bytes LaunchSub(const std::string& document, const std::string& program, 
     return s;
 }
 
-inline Bytes Text(const std::string& text) { return Bytes(text.begin(), text.end()); }
-
 struct CardSpec { uint16_t id; std::vector<Bytes> items = {}; uint16_t arrive = 0, flags = 0; };
 
 inline std::string WriteActionStack(const std::string& file, const std::vector<CardSpec>& cards,

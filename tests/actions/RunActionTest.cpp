@@ -29,8 +29,8 @@ TEST_F(RunActionTest, StepsRunInTheirOrderWhateverTheOrderOfTheSubRecords) {
     const Bytes laser(64, 0);
     const ActionSpec every{
         .flags = 0x0001 | 0x0004 | 0x0008 | 0x0020 | 0x0080 | 0x0100 | 0x1000 | 0x4000 | 0x8000, .destination = 2,
-        .subs = {StoredSub(64, Text("fd 10")), LaunchSub(ding, ding, 0),
-                 StoredSub(51, Text("args"), {{16, 1234}}), StoredSub(119, laser),
+        .subs = {StoredSub(64, Of("fd 10")), LaunchSub(ding, ding, 0),
+                 StoredSub(51, Of("args"), {{16, 1234}}), StoredSub(119, laser),
                  StoredSub(56, Bytes(34, 0)), StoredSub(89, StoredRef(ding + ".avi"), {{2, 5}}),
                  StoredSub(83, {}, {{4, 200}, {16, 7}}), StoredSub(82, StoredRef(ding), {{4, 100}})}};
     // clang-format off
@@ -45,7 +45,7 @@ TEST_F(RunActionTest, StepsRunInTheirOrderWhateverTheOrderOfTheSubRecords) {
          {.flags = 0x0001 | 0x0004 | 0x0008 | 0x0080 | 0x1000 | 0x4000 | 0x8000, .subs = {StoredSub(60, StoredRef(ding))}},
          0, ""},
         {"a stop order", {.flags = 0x0004, .subs = {StoredSub(83, {}, {{16, 7}, {24, 0xFFFF}})}}, 0, "stop sounds"},
-        {"a sprite film", {.flags = 0x0080, .subs = {StoredSub(56, Text("Sprt and more"))}}, 1, "film; round; stop movies"},
+        {"a sprite film", {.flags = 0x0080, .subs = {StoredSub(56, Of("Sprt and more"))}}, 1, "film; round; stop movies"},
         {"a sound file not found", {.flags = 0x0001, .subs = {StoredSub(82, StoredRef(ding + ".gone"))}}, 0, "stop sounds"},
         {"a wait with nothing started", {}, 1, "stop movies"},
     };
@@ -103,7 +103,7 @@ TEST_F(RunActionTest, AfterTheNbaTheRecordAndTheButtonAfterTheScriptOnlyTheButto
     };
     GetSubsystems().RunLogoText = [](void*, MemRef*) { DoMischief(gLogo); return Log("logo"); };
     const ActionSpec action{
-        .flags = 0x1028, .destination = 2, .subs = {StoredSub(51, Text("p"), {{16, 9}}), StoredSub(64, Text("x"))}};
+        .flags = 0x1028, .destination = 2, .subs = {StoredSub(51, Of("p"), {{16, 9}}), StoredSub(64, Of("x"))}};
     const std::string all = "; logo; round; stop movies; stop sounds; stop movies; arrive 22";
     // clang-format off
     // `button`: run as the button on card 1, else as a copy of the 'Actn' record.

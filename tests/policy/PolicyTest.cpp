@@ -44,58 +44,31 @@ protected:
     fs::path root_;
 };
 
-struct PathCase {
-    const char* path;  // under the test root
-    bool allowed;
-};
+struct PathCase { const char* path; bool allowed; };  // the path is under the test root
 
 TEST_F(PolicyTest, ReadsStayInTheStacksFoldersAndTheMediaFolders) {
+    // Media folders match in any case; links out of the stack's folder, to a folder or a file, do not count.
     const PathCase cases[] = {
-        {"site/Stacks/game.stk", true},
         {"site/Stacks/art/pic.bmp", true},
-        {"site/Stacks/art/not-there.bmp", true},  // whether it exists is the locator's question
         {"site/Stacks/../QBSounds/ding.wav", true},
-        {"site/qbsounds/ding.wav", true},  // media folders in any case
+        {"site/qbsounds/ding.wav", true},
         {"install/QBArt/logo.bmp", true},
-        {"site/Other/secret.txt", false},
         {"site/Stacks/../Other/secret.txt", false},
-        {"site/QBSounds/../Other/secret.txt", false},
-        {"site/Stacks/out/secret.txt", false},  // a folder link out
-        {"site/Stacks/leak.bmp", false},        // a file link out
+        {"site/Stacks/out/secret.txt", false},
+        {"site/Stacks/leak.bmp", false},
         {"site/StacksMore/a.bmp", false},
         {"install/Extras/extra.bmp", false},
-        {"install/NBAs/Sound.nba", false},
     };
     for (const PathCase& c : cases) EXPECT_EQ(PolicyAllowsRead(At(c.path)), c.allowed) << c.path;
 
     const std::string sandbox = PolicySandboxFolder();
     EXPECT_TRUE(PolicyAllowsRead(sandbox + "/notes.txt"));
     EXPECT_FALSE(PolicyAllowsRead(sandbox + "/../other-stack/notes.txt"));
-    for (const char* elsewhere : {"/etc/passwd", "../../../../../../../../etc/passwd", ""})
-        EXPECT_FALSE(PolicyAllowsRead(elsewhere)) << elsewhere;
+    for (const char* elsewhere : {"../../../../../../../../etc/passwd", ""}) EXPECT_FALSE(PolicyAllowsRead(elsewhere));
     // The OS stops at the NUL, so the part behind it must not make the path look inside.
     std::string cut = "/etc/passwd";
     cut += '\0';
     EXPECT_FALSE(PolicyAllowsRead(cut + "/../.." + At("site/Stacks/art/pic.bmp")));
-}
-
-TEST_F(PolicyTest, ReadsWithoutAStackOrBesideTheTemporaryFolderOrAtTheRoot) {
-    SetPolicyStack("");
-    EXPECT_TRUE(PolicyAllowsRead(At("install/QBArt/logo.bmp")));
-    EXPECT_FALSE(PolicyAllowsRead(At("site/Stacks/art/pic.bmp")));
-
-    // A streamed stack's private folder sits in the temporary folder: no media folders beside it.
-    const std::string savedTemp = std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "";
-    setenv("TMPDIR", At("site").c_str(), 1);
-    SetPolicyStack(At("site/Stacks/game.stk"));
-    const bool streamedSeesMedia = PolicyAllowsRead(At("site/QBSounds/ding.wav"));
-    const bool streamedSeesItsFolder = PolicyAllowsRead(At("site/Stacks/art/pic.bmp"));
-    savedTemp.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", savedTemp.c_str(), 1);
-    EXPECT_FALSE(streamedSeesMedia);
-    EXPECT_TRUE(streamedSeesItsFolder);
-
-    SetPolicyStack("/game.stk");
-    EXPECT_FALSE(PolicyAllowsRead("/etc/passwd"));
 }
 
 TEST_F(PolicyTest, WritesOnlyInTheStacksOwnSandboxAndTheStackItself) {
@@ -112,12 +85,12 @@ TEST_F(PolicyTest, WritesOnlyInTheStacksOwnSandboxAndTheStackItself) {
     };
     for (const PathCase& c : cases) EXPECT_EQ(PolicyAllowsWrite(At(c.path)), c.allowed) << c.path;
     const std::pair<const char*, bool> inSandbox[] = {
-        {"/notes.txt", true}, {"/sub/deeper.txt", true},     {"/", false},
-        {"/../x", false},     {"/escape/secret.txt", false},
+        {"/sub/deeper.txt", true},
+        {"/", false},
+        {"/../x", false},
+        {"/escape/secret.txt", false},
     };
-    for (const auto& [tail, allowed] : inSandbox) {
-        EXPECT_EQ(PolicyAllowsWrite(sandbox + tail), allowed) << tail;
-    }
+    for (const auto& [tail, allowed] : inSandbox) EXPECT_EQ(PolicyAllowsWrite(sandbox + tail), allowed) << tail;
 
     SetPolicyStack(At("site/Stacks/art/../game.stk"));
     EXPECT_EQ(PolicySandboxFolder(), sandbox) << "the same stack finds its files again";
@@ -140,16 +113,14 @@ TEST_F(PolicyTest, ModulesLoadByBareNameFromTheNbaFoldersOrCompiledIn) {
     SetPolicyPlace(PolicyPlace::Desktop);
     if (PolicyOnWeb()) GTEST_SKIP() << "a web build has no module files";
 
+    // The installation's folder is asked first; anything but a bare name is refused.
     const std::pair<std::string, const char*> cases[] = {
-        {"Sound.nba", "install/NBAs/Sound.nba"},  // the installation's first
+        {"Sound.nba", "install/NBAs/Sound.nba"},
         {"Mine.nba", "config/NBAs/Mine.nba"},
         {"Missing.nba", nullptr},
-        {"NBAs/Sound.nba", nullptr},
         {"..\\Sound.nba", nullptr},
         {"C:Sound.nba", nullptr},
         {At("install/NBAs/Sound.nba"), nullptr},
-        {"", nullptr},
-        {std::string(300, 'a'), nullptr},
         {std::string("Sound.nba\0x", 11), nullptr},
     };
     for (const auto& [name, found] : cases) {

@@ -7,6 +7,7 @@
 
 #include "base/ByteOrder.h"
 #include "stack/Blob.h"
+#include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/Names.h"
@@ -17,10 +18,6 @@
 
 namespace {
 
-const std::string kFixtures = QB_FIXTURES_DIR;
-
-struct ItemFact { int16_t id; std::string name; std::vector<int16_t> rect; int16_t shape; };
-
 class FixtureStackTest : public testing::Test {
 protected:
     void SetUp() override { InitPathSlots(); }
@@ -28,37 +25,33 @@ protected:
 
     void Open(const std::string& name) {
         LoadFault fault;
-        ASSERT_EQ(ReadStackFile(kFixtures + "/" + name, &fault), 0) << fault.detail;
+        ASSERT_EQ(ReadStackFile(std::string(QB_FIXTURES_DIR) + "/" + name, &fault), 0) << fault.detail;
         ASSERT_TRUE(fault.opened);
     }
     static int16_t HeaderField(uint32_t at) { return ReadS16(MemRefLock(GetDocument().stackHeader).data() + at); }
-    static std::vector<int16_t> Rect(const uint8_t* item) {
-        std::vector<int16_t> rect;
-        for (int k = 0; k < 4; ++k) rect.push_back(ReadS16(item + kItemRect + 2 * k));
-        return rect;
+    static int16_t CardField(int position, uint32_t at) {
+        return ReadS16(MemRefLock(GetCardByPosition(position)).data() + at);
     }
-    // Offsets of the item chunks of a card, in chain order.
-    static std::vector<uint32_t> ItemOffsets(const uint8_t* card) {
-        std::vector<uint32_t> offsets;
-        const uint32_t size = Read32(card + kCardSize);
-        for (uint32_t at = ItemChainStart(card); at + kItemCommonHeadSize <= size && ReadS16(card + at) != 0;) {
-            offsets.push_back(at);
-            const uint32_t length = Read32(card + at + kItemLength);
-            if (length < kItemCommonHeadSize) break;
-            at += length;
-        }
-        return offsets;
+    // The item's offset on the card at `position`, found by kind and id; ids found in chain order.
+    static uint32_t ItemAt(int position, int16_t kind, int16_t id) {
+        uint32_t at = 0;
+        EXPECT_TRUE(FindItemOnCard(kind, id, GetCardByPosition(position), &at)) << id;
+        return at;
+    }
+    static std::vector<int16_t> Rect(const uint8_t* item) {
+        return {ReadS16(item + kItemRect), ReadS16(item + kItemRect + 2), ReadS16(item + kItemRect + 4),
+                ReadS16(item + kItemRect + 6)};
     }
 };
 
 TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
-    Open("sample-cards.stk");
+    ASSERT_NO_FATAL_FAILURE(Open("sample-cards.stk"));
     EXPECT_EQ((std::vector<int16_t>{HeaderField(kHdrCardCount), HeaderField(kHdrCardWidth), HeaderField(kHdrCardHeight),
                                     HeaderField(kHdrDepth)}), (std::vector<int16_t>{4, 640, 480, 8}));
     ASSERT_EQ(CardCount(), 4);
 
-    struct CardFact { int16_t id, kind; std::string name; };
-    const CardFact cards[] = {{2, 1, "Cover"}, {3, 3, "Shared"}, {4, 0, "Blank"}, {1, 0, "Last"}};
+    const struct { int16_t id, kind; std::string name; } cards[] = {
+        {2, 1, "Cover"}, {3, 3, "Shared"}, {4, 0, "Blank"}, {1, 0, "Last"}};
     for (int i = 0; i < 4; ++i) {
         MemRefLock lock(GetCardByPosition(i + 1));
         const uint8_t* c = lock.data();
@@ -67,24 +60,25 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
         EXPECT_EQ(NameText(c + kCardName, 16), cards[i].name) << "card " << i + 1;
         EXPECT_EQ(Read32(c + kCardSize), GetMemRefSize(GetCardByPosition(i + 1)));
     }
-    EXPECT_EQ(ReadS16(MemRefLock(GetCardByPosition(2)).data() + kCardOwnerId), 2);  // card 3 shows card 2's picture
-    EXPECT_EQ(ReadS16(MemRefLock(GetCardByPosition(3)).data() + kCardArriveAction), 5);
+    EXPECT_EQ(CardField(2, kCardOwnerId), 2);  // card 3 shows card 2's picture
+    EXPECT_EQ(CardField(3, kCardArriveAction), 5);
+    EXPECT_EQ(CardField(1, kCardHeadSize + kBgFormat), 2);
 
-    const ItemFact items[] = {{101, "Forward", {40, 420, 200, 460}, 0},
-                              {102, "Round", {240, 420, 400, 460}, 2},
-                              {103, "Plain", {440, 420, 600, 460}, 4}};
-    MemRefLock cover(GetCardByPosition(1));
-    const uint8_t* c = cover.data();
-    EXPECT_EQ(ReadS16(c + kCardHeadSize + kBgFormat), 2);
-    const std::vector<uint32_t> offsets = ItemOffsets(c);
-    ASSERT_EQ(offsets.size(), 3u);
-    for (size_t i = 0; i < 3; ++i) {
-        const uint8_t* item = c + offsets[i];
-        EXPECT_EQ(ReadS16(item + kItemKind), kItemKindButton);
-        EXPECT_EQ(ReadS16(item + kItemId), items[i].id);
-        EXPECT_EQ(NameText(item + kButtonName, 32), items[i].name);
-        EXPECT_EQ(Rect(item), items[i].rect);
-        EXPECT_EQ(ReadS16(item + kButtonShape), items[i].shape);
+    const struct { int16_t id; std::string name; std::vector<int16_t> rect; int16_t shape; } items[] = {
+        {101, "Forward", {40, 420, 200, 460}, 0},
+        {102, "Round", {240, 420, 400, 460}, 2},
+        {103, "Plain", {440, 420, 600, 460}, 4},
+    };
+    uint32_t before = 0;
+    for (const auto& fact : items) {
+        const uint32_t at = ItemAt(1, kItemKindButton, fact.id);
+        EXPECT_GT(at, before);
+        before = at;
+        MemRefLock cover(GetCardByPosition(1));
+        const uint8_t* item = cover.data() + at;
+        EXPECT_EQ(NameText(item + kButtonName, 32), fact.name);
+        EXPECT_EQ(Rect(item), fact.rect);
+        EXPECT_EQ(ReadS16(item + kButtonShape), fact.shape);
     }
 
     ASSERT_EQ(CountBlobEntries(GetDocument().storeRef), 1u);
@@ -97,21 +91,15 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
 }
 
 TEST_F(FixtureStackTest, SampleMediaTextFieldButtonAndSound) {
-    Open("sample-media.stk");
+    ASSERT_NO_FATAL_FAILURE(Open("sample-media.stk"));
     EXPECT_EQ(HeaderField(kHdrCardCount), 1);
     ASSERT_EQ(CardCount(), 1);
+    const uint32_t field = ItemAt(1, kItemKindText, 201);
+    const uint32_t button = ItemAt(1, kItemKindButton, 202);
+    EXPECT_LT(field, button);
     MemRefLock card(GetCardByPosition(1));
-    const uint8_t* c = card.data();
-    const std::vector<uint32_t> offsets = ItemOffsets(c);
-    ASSERT_EQ(offsets.size(), 2u);
-    const uint8_t* field = c + offsets[0];
-    EXPECT_EQ(ReadS16(field + kItemKind), kItemKindText);
-    EXPECT_EQ(ReadS16(field + kItemId), 201);
-    EXPECT_EQ(Rect(field), (std::vector<int16_t>{20, 20, 300, 90}));
-    const uint8_t* button = c + offsets[1];
-    EXPECT_EQ(ReadS16(button + kItemKind), kItemKindButton);
-    EXPECT_EQ(ReadS16(button + kItemId), 202);
-    EXPECT_EQ(ReadS16(button + kButtonHeadSize + kSubType), 83);  // plays a sound from the stack
+    EXPECT_EQ(Rect(card.data() + field), (std::vector<int16_t>{20, 20, 300, 90}));
+    EXPECT_EQ(ReadS16(card.data() + button + kButtonHeadSize + kSubType), 83);  // plays a sound from the stack
 
     uint8_t name[kBlobNameSize];
     ASSERT_TRUE(GetBlobName(FourCC("Snd "), 7, name));

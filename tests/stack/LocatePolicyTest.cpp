@@ -21,10 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string WriteOneCardStack(const std::string& file) {
-    return WriteTempFile(file, StoredStack({}, {StoredCard(1, "")}, {}));
-}
-
 class LocatePolicyTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -42,20 +38,15 @@ protected:
 };
 
 TEST_F(LocatePolicyTest, OtherStacksComeOnlyFromAllowedFolders) {
-    const std::string home = WriteOneCardStack("home.stk");
-    const std::string beside = WriteOneCardStack("beside.stk");
+    const std::string home = WriteTempFile("home.stk", StoredStack({}, {StoredCard(1, "")}, {}));
+    const std::string beside = WriteTempFile("beside.stk", StoredStack({}, {StoredCard(1, "")}, {}));
     const std::string far = (outside_ / "far.stk").string();
     fs::copy_file(beside, far);
     SetSlotPath(kSlotStack, DosPathFromHost(home));
     ASSERT_EQ(OpenStack(false), kResultOk);
     EXPECT_EQ(GetPolicyState().context.stackPath, home);
 
-    struct Case {
-        std::string target;
-        std::string chosen;  // the user's answer to the search; "" cancels
-        int32_t result;
-        const char* stackAfter;
-    };
+    struct Case { std::string target, chosen; int32_t result; const char* stackAfter; };  // chosen "": cancelled
     const Case cases[] = {
         {far, "", kStackMoveStopped, "home.stk"},  // there, but outside
         {far, far, kStackMoveStopped, "home.stk"},

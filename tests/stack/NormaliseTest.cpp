@@ -18,10 +18,6 @@ namespace {
 
 using namespace std::string_literals;
 
-// Memory holds the native (little-endian) form.
-void LE16(Bytes& b, size_t at, uint16_t v) { Write16(&b[at], v); }
-void LE32(Bytes& b, size_t at, uint32_t v) { Write32(&b[at], v); }
-
 // Neighbouring bytes always differ, so a missing or extra swap shows.
 void Pattern(Bytes& b, uint8_t seed) {
     for (size_t i = 0; i < b.size(); ++i) b[i] = static_cast<uint8_t>(i * 37 + seed);
@@ -64,12 +60,6 @@ Bytes Background(uint16_t format, uint32_t tableSize, uint32_t imageLength) {
     PutBE32(b, 12, static_cast<uint32_t>(b.size()));
     PutBE32(b, 16, tableSize);
     return b;
-}
-// A picture card whose colour table's first entry is red, green, blue.
-Bytes PictureCard(uint16_t red, uint16_t green, uint16_t blue) {
-    Bytes bg = Background(2, 16, 16);
-    for (const auto& [at, v] : {std::pair{34, red}, std::pair{36, green}, std::pair{38, blue}}) PutBE16(bg, at, v);
-    return Card(1, {bg});
 }
 Bytes Graphic(const Bytes& reference, uint32_t pictureSize, bool padByte, uint16_t flags) {
     const uint32_t size = 80 + static_cast<uint32_t>(reference.size()) + pictureSize + (padByte ? 1 : 0);
@@ -130,7 +120,7 @@ void Apply(Bytes& b, size_t base, const Conversion& c) {
         const uint8_t native[8] = {r[3], r[2], r[1], r[0], r[7], r[6], r[5], r[4]};
         std::copy(std::begin(native), std::end(native), b.begin() + static_cast<std::ptrdiff_t>(base + o));
     }
-    for (uint32_t o : c.cleared16) LE16(b, base + o, 0);
+    for (uint32_t o : c.cleared16) Write16(&b[base + o], 0);
 }
 void Apply(Bytes& b, size_t base, const std::vector<Conversion>& cs) {
     for (const Conversion& c : cs) Apply(b, base, c);
@@ -187,55 +177,26 @@ private:
 // --- Cards -------------------------------------------------------------------------------------
 
 TEST_F(NormaliseTest, AppliesTheHeadTablesOfCardsChunksAndItems) {
-    Bytes group = Card(3, {Item(7, 30)});
-    PutBE16(group, 8, 12);  // ownerId
     const Conversion imageFields{{}, {28 + 32, 36 + 32}, {}, {}};
-    struct Case {
-        const char* name;
-        Bytes stored;
-        std::vector<std::pair<size_t, std::vector<Conversion>>> behindHead;
-    };
+    struct Case { const char* name; Bytes stored; std::vector<std::pair<size_t, std::vector<Conversion>>> behindHead; };
     const Case cases[] = {
         {"blank card", Card(0, {}), {}},
         {"picture card, format 2: the image's two fields too", Card(1, {Background(2, 32, 20)}),
          {{96, {kBackgroundHead, imageFields}}}},
         {"picture card, format 1: the image stays as stored", Card(1, {Background(1, 32, 20), Item(7, 30)}),
          {{96, {kBackgroundHead}}, {96 + 76, {kItemHead}}}},
-        {"group member: items at 96 whatever ownerId says", group, {{96, {kItemHead}}}},
         {"unknown kind gets the common head and is walked over",
          Card(0, {Item(7, 30), Graphic({}, 0, false, 0)}), {{96, {kItemHead}}, {126, {kItemHead, kGraphicHead}}}},
-        {"button head", Card(0, {Button({})}), {{96, {kItemHead, kButtonHead}}}},
         {"text field head and its blocks, chained by their length",
          Card(0, {TextField({TextBlock(10, 30), TextBlock(2, 20)}, 0x10)}),
          {{96, {kItemHead, kTextHead}}, {96 + 128, {kTextBlockHead}}, {96 + 158, {kTextBlockHead}}}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ResetWhiteFirstTest();
         Bytes expected = c.stored;
         Apply(expected, 0, kCardHead);
         for (const auto& [at, conversions] : c.behindHead) Apply(expected, at, conversions);
         EXPECT_TRUE(SameBytes(ReadCard(c.stored), expected));
-    }
-}
-
-TEST_F(NormaliseTest, WhiteFirstIsDecidedByTheFirstColourTableOnly) {
-    const Bytes white = PictureCard(0xFFFF, 0xFFFF, 0xFFFF);
-    const Bytes black = PictureCard(0, 0, 0);
-    Bytes noTable = Card(1, {Background(2, 0, 16)});
-    struct Case { const char* name; std::vector<Bytes> cards; bool whiteFirst; };
-    const Case cases[] = {
-        {"white entry 0", {white}, true},
-        {"black entry 0", {black}, false},
-        {"blue one short of white", {PictureCard(0xFFFF, 0xFFFF, 0xFFFE)}, false},
-        {"a later white table changes nothing", {black, white}, false},
-        {"cards without a table are not the first table", {Card(0, {}), noTable, white}, true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        ResetWhiteFirstTest();
-        for (const Bytes& card : c.cards) ASSERT_EQ(NormaliseCard(Make(card)), 0);
-        EXPECT_EQ(IsWhiteFirstStack(), c.whiteFirst);
     }
 }
 
@@ -245,19 +206,14 @@ TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
     const Bytes native = Of("C:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);
     const Bytes sun = StoredFileRef("Disk:Pics:Sun", "Sun");
     const Bytes sunNative = Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);
-    struct Case {
-        const char* name;
-        Bytes stored, expected;  // the reference
-        uint32_t pictureSize;
-        bool padByte;
+    struct Case {  // stored and expected: the reference
+        const char* name; Bytes stored, expected; uint32_t pictureSize; bool padByte;
         uint16_t width = 0, height = 0, expectWidth = 100, expectHeight = 50;
     };
     // rect: top 20, left -10, bottom 70, right 90: 100 wide, 50 high
     const Case cases[] = {
         {"no stored size", {}, {}, 12, false},
         {"stored height alone zero keeps both", {}, {}, 12, false, 30, 0, 30, 0},
-        {"both stored", {}, {}, 12, false, 30, 40},
-        {"pad byte behind the picture", {}, {}, 12, true},
         {"native reference left alone, picture behind", native, native, 8, false},
         {"other platform: stack's drive, two bytes shorter", sun, sunNative, 0, false},
         {"empty volume: two bytes longer", StoredFileRef(":Pics:Sun", "Sun"), sunNative, 8, true},
@@ -265,10 +221,8 @@ TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Bytes g = Graphic(c.stored, c.pictureSize, c.padByte, c.stored.empty() ? 0 : 0x40);
-        PutBE16(g, 4, 20);
-        PutBE16(g, 6, static_cast<uint16_t>(-10));
-        PutBE16(g, 8, 70);
-        PutBE16(g, 10, 90);
+        for (const auto& [at, v] : {std::pair{4, 20}, std::pair{6, -10}, std::pair{8, 70}, std::pair{10, 90}})
+            PutBE16(g, at, static_cast<uint16_t>(v));
         const size_t picture = g.size() - c.pictureSize - (c.padByte ? 1 : 0);
         if (c.pictureSize) {
             PutBE16(g, picture, c.width);
@@ -279,46 +233,13 @@ TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
         Bytes eg = g;
         Apply(eg, 0, {kItemHead, kGraphicHead});
         if (c.pictureSize) {
-            LE16(eg, picture, c.expectWidth);
-            LE16(eg, picture + 2, c.expectHeight);
-            LE32(eg, picture + 4, 0);
+            Write16(&eg[picture], c.expectWidth);
+            Write16(&eg[picture + 2], c.expectHeight);
+            Write32(&eg[picture + 4], 0);
         }
         eg = Splice(eg, 80, c.stored.size(), c.expected);
-        LE32(eg, 12, static_cast<uint32_t>(eg.size()));
+        Write32(&eg[12], static_cast<uint32_t>(eg.size()));
         EXPECT_TRUE(SameBytes(ReadCard(stored), NativeCard(stored, {eg, NativeItem7()})));
-    }
-}
-
-TEST_F(NormaliseTest, TextFieldFileReferenceIsConvertedAndTheLengthsFollow) {
-    // Behind the reference the block keeps the rest of the text record: a style tail of 12 bytes.
-    const Bytes tail = {0, 3, 0, 1, 0, 12, 0x11, 0x11, 0x22, 0x22, 0x33, 0x33};
-    const Bytes native = Of("C:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s);
-    struct Case { const char* name; uint16_t flags; Bytes stored; Bytes expected; };
-    const Case cases[] = {
-        {"native form left alone", 0x40, native, native},
-        {"other platform: stack's drive", 0x40, StoredFileRef("Disk:Notes:Read Me", "Read Me"),
-         Of("D:\\Notes\\Read Me\0\0\0\0\0\0\0\0Read Me\0"s)},
-        {"without bit 6 the block is text", 0, Of("Disk:Pics:Sun"), Of("Disk:Pics:Sun")},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        Bytes block = Cat({Bytes(16), c.stored, tail});
-        Pattern(block, 7);
-        std::copy(c.stored.begin(), c.stored.end(), block.begin() + 16);
-        std::copy(tail.begin(), tail.end(), block.end() - 12);
-        PutBE32(block, 8, static_cast<uint32_t>(c.stored.size()));
-        PutBE32(block, 12, static_cast<uint32_t>(block.size()));
-        const Bytes text = TextField({block}, c.flags);
-        const Bytes stored = Card(0, {text, Item(7, 30)});
-
-        Bytes et = text;
-        Apply(et, 0, {kItemHead, kTextHead});
-        Apply(et, 128, kTextBlockHead);
-        et = Splice(et, 144, c.stored.size(), c.expected);
-        LE32(et, 128 + 8, static_cast<uint32_t>(c.expected.size()));
-        LE32(et, 128 + 12, static_cast<uint32_t>(16 + c.expected.size() + 12));
-        LE32(et, 12, static_cast<uint32_t>(et.size()));
-        EXPECT_TRUE(SameBytes(ReadCard(stored), NativeCard(stored, {et, NativeItem7()})));
     }
 }
 
@@ -333,26 +254,18 @@ TEST_F(NormaliseTest, EachSubRecordTypeGetsItsReaderRule) {
     PutBE16(animation, 40, 2);  // frame count
     PutBE32(animation, 50 + 8, 20);
     PutBE32(animation, 70 + 8, 24);
-    Bytes stillAnimation = Sub(56, 32 + 18 + 6);
-    PutBE16(stillAnimation, 40, 0);
 
     struct Case { const char* name; Bytes sub; Conversion rule; };
-    const std::vector<uint32_t> animationHead = {22, 32, 34, 36, 38, 40, 42, 44};
     const Case cases[] = {
         {"51 NBA", Sub(51, 40), {{22, 16}, {}, {}, {}}},
         {"56 sprite film: body kept", film, {{22}, {}, {4}, {}}},
-        {"56 body too short for an animation head", Sub(56, 32 + 8), {{22}, {}, {4}, {}}},
         {"56 frame-delta animation: head words and each frame's tag and size", animation,
          {{22, 32, 34, 36, 38, 40, 42, 44, 50, 70}, {58, 78}, {4}, {}}},
-        {"56 frame-delta animation without frames", stillAnimation, {animationHead, {}, {4}, {}}},
         {"59 launch without paths", launchEmpty, {{22, 16}, {18}, {}, {}}},
         {"60 other stack without a path: nothing", Sub(60, 32), {}},
-        {"64 Logo", Sub(64, 48), kSub64},
-        {"82 sound file without a path", Sub(82, 32), {{22, 24, 4}, {}, {}, {}}},
         {"83 stack sound", Sub(83, 32), {{22, 24, 4, 16}, {}, {}, {}}},
         {"89 movie without a path", Sub(89, 32), {{22, 2, 20}, {16}, {4}, {}}},
         {"119 laser disc", Sub(119, 96), {{22, 18, 20, 24}, {}, {4}, {}}},
-        {"129: nothing", Sub(129, 40), {}},
         {"130 icon sizes, two words cleared", Sub(130, 40), {{22, 32, 34}, {}, {}, {36, 38}}},
         {"foreign type walked over", Sub(77, 44), {}},
     };
@@ -384,12 +297,9 @@ TEST_F(NormaliseTest, PathSubRecordsTakeTheConvertedReference) {
     const Conversion none{};
     const Conversion launch{{22, 16}, {18}, {}, {}};
     const Conversion soundFile{{22, 24, 4}, {}, {}, {}};
-    const Conversion movie{{22, 2, 20}, {16}, {4}, {}};
     const Case cases[] = {
-        {"60 empty volume: two bytes longer", 60, StoredFileRef(":Pics:Sun", "Sun"), 0, none, sunNative, false, 0},
         {"60 odd result rounded, flags 0x200", 60, suns, 0, none, Cat({sunsNative, {0}}), true, 0},
         {"82 stored pad byte dropped", 82, Cat({sun, {0}}), 0, soundFile, sunNative, false, 0},
-        {"89 other platform", 89, sun, 0, movie, sunNative, false, 0},
         {"59 document and program", 59, Cat({sun, paint}), 24, launch, Cat({sunNative, paintNative}), false, 22},
         {"59 program only", 59, paint, 0, launch, paintNative, false, 0},
         {"59 odd document with its pad byte", 59, Cat({suns, {0}}), 25, launch, Cat({sunsNative, {0}}), true, 23},
@@ -405,36 +315,19 @@ TEST_F(NormaliseTest, PathSubRecordsTakeTheConvertedReference) {
         Bytes es = sub;
         Apply(es, 0, {kSubWalk, c.rule});
         es = Splice(es, 32, c.body.size(), c.expectedBody);
-        LE32(es, 12, static_cast<uint32_t>(es.size()));
-        if (c.oddRounded) LE16(es, 22, 0x200);
-        if (c.type == 59) LE32(es, 18, c.expectedDocumentLength);
+        Write32(&es[12], static_cast<uint32_t>(es.size()));
+        if (c.oddRounded) Write16(&es[22], 0x200);
+        if (c.type == 59) Write32(&es[18], c.expectedDocumentLength);
         Bytes tailSub = Sub(64, 32);
         Apply(tailSub, 0, {kSubWalk, kSub64});
         Bytes eb = Cat({Bytes(stored.begin() + 96, stored.begin() + 96 + 136), es, tailSub});
         Apply(eb, 0, {kItemHead, kButtonHead});
-        LE32(eb, 12, static_cast<uint32_t>(eb.size()));
+        Write32(&eb[12], static_cast<uint32_t>(eb.size()));
         EXPECT_TRUE(SameBytes(ReadCard(stored), NativeCard(stored, {eb})));
     }
 }
 
-// --- Typed records -----------------------------------------------------------------------------
-
-// The sub-record rules are the button's, tested above; here the head at 0 and the length at 12
-// that follows a path growing by two.
-TEST_F(NormaliseTest, ActnIsAButtonWithItsCommonHeadAtZero) {
-    const Bytes ref = StoredFileRef(":Pics:Sun", "Sun");
-    const Bytes stack = SubWithBody(60, ref, 0);
-    Bytes stackNative = Splice(stack, 32, ref.size(), Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s));
-    Apply(stackNative, 0, kSubWalk);
-    LE32(stackNative, 12, 32 + 22);
-    const Bytes stored = Button({stack});
-    MemRef record = Make(stored);
-    ASSERT_EQ(NormaliseActn(record), 0);
-    Bytes head(stored.begin(), stored.begin() + 136);
-    Apply(head, 0, {kItemHead, kButtonHead});
-    LE32(head, 12, static_cast<uint32_t>(136 + stackNative.size()));
-    EXPECT_TRUE(SameBytes(BlockBytes(record), Cat({head, stackNative})));
-}
+// --- Typed records: an 'Actn' is the buttons' walk at 0, which the card tests above run ---------
 
 TEST_F(NormaliseTest, HlnkMovesItsTextUpAByteAndTurnsItsAction) {
     struct Case { const char* name; uint16_t padLength; std::string text; bool withAction; };
@@ -502,50 +395,32 @@ TEST_F(NormaliseTest, DamagedRecordsGiveMinusOneAndStayInside) {
 
     const Case cases[] = {
         {"card shorter than its head", As::Card, cut(Card(0, {}), 60)},
-        {"no room for the background head", As::Card, cut(Card(1, {}), 100)},
-        {"background length below its head", As::Card, with32(Card(1, {Background(1, 0, 8)}), 96 + 12, 10)},
         {"background past the card", As::Card, with32(Card(1, {Background(1, 0, 8)}), 96 + 12, 400)},
         {"colour table past the chunk", As::Card, with32(Card(1, {Background(1, 16, 8)}), 96 + 16, 100)},
-        {"colour table without its first entry", As::Card, with32(Card(1, {Background(1, 16, 8)}), 96 + 16, 8)},
         {"format 2 without room for the image fields", As::Card, Card(1, {Background(2, 16, 8)})},
         {"no end mark", As::Card, cut(Card(0, {Item(7, 30)}), 96 + 30)},
-        {"item length below its head", As::Card, cardWith(with32(Item(7, 30), 12, 20))},
         {"item past the card", As::Card, cardWith(with32(Item(7, 30), 12, 300))},
-        {"item head cut by the card's end", As::Card, cut(Card(0, {Item(7, 30)}), 106)},
         {"graphic shorter than its head", As::Card, cardWith(Item(16, 40))},
-        {"picture larger than the chunk", As::Card, cardWith(with32(Graphic({}, 8, false, 0), 60, 9))},
         {"picture size that wraps", As::Card, cardWith(with32(Graphic({}, 8, true, 0), 60, 0xFFFFFFFF))},
         {"picture too small for its size words", As::Card, cardWith(Graphic({}, 4, false, 0))},
-        {"pad byte with no room", As::Card, cardWith(Graphic({}, 0, false, 0x240))},
         {"reference path longer than its bytes", As::Card, cardWith(Graphic(lyingRef, 0, false, 0x40))},
         {"button shorter than its head", As::Card, cardWith(Item(48, 100))},
         {"sub-record length of zero", As::Card, cardWith(Button({with32(Sub(51, 40), 12, 0)}))},
-        {"sub-record past the button", As::Card, Card(0, {Button({with32(Sub(51, 40), 12, 48)}), Item(7, 30)})},
-        {"bytes left over too few for a sub-record", As::Card, cardWith(Button({Sub(51, 40), Bytes(10)}))},
         {"icon sub-record without its sizes", As::Card, cardWith(Button({Sub(130, 32)}))},
-        {"laser disc sub-record without its head", As::Card, cardWith(Button({Sub(119, 40)}))},
         {"animation frame of size zero", As::Card, cardWith(Button({with32(animation, 58, 0)}))},
-        {"animation frames past the sub-record", As::Card, cardWith(Button({with16(animation, 40, 3)}))},
         {"launch document longer than the body", As::Card,
          cardWith(Button({with32(SubWithBody(59, sun, 0), 18, 25)}))},
         {"path longer than its sub-record", As::Card, cardWith(Button({SubWithBody(60, lyingRef, 0)}))},
-        {"text field shorter than its head", As::Card, cardWith(Item(96, 100))},
-        {"text block length of zero", As::Card, cardWith(TextField({with32(TextBlock(4, 30), 12, 0)}, 0))},
         {"text block past the field", As::Card, cardWith(TextField({with32(TextBlock(4, 30), 12, 31)}, 0))},
         {"text block remainder below a block head, at the card's end", As::Card,
          cut(cardWith(TextField({TextBlock(4, 30), Bytes(8)}, 0)), 96 + 128 + 38)},
         {"text reference longer than its block", As::Card, shortBlockRef},
-        {"Actn shorter than a button head", As::Actn, cut(Button({}), 100)},
         {"Actn length past the record", As::Actn, with32(Button({Sub(83, 32)}), 12, 400)},
-        {"Hlnk shorter than its head", As::Hlnk, Bytes(20)},
         {"Hlnk text past the record", As::Hlnk, with16(hlnk, 6, 17)},
         {"Hlnk action past the record", As::Hlnk, with16(hlnkAction, 4, 100)},
-        {"Hlnk action with a sub-record of length zero", As::Hlnk,
-         with32(hlnkAction, 28 + 136 + 12, 0)},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ResetWhiteFirstTest();
         MemRef ref = Make(c.bytes);
         const int32_t result = c.as == As::Card ? NormaliseCard(ref)
                                : c.as == As::Actn ? NormaliseActn(ref)

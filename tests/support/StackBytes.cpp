@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include <unistd.h>
 
@@ -36,14 +37,6 @@ Bytes TakeBytes(MemRef ref) {
     Bytes bytes = BlockBytes(ref);
     FreeMemRef(ref);
     return bytes;
-}
-void AppendBE16(Bytes& b, uint16_t v) {
-    b.resize(b.size() + 2);
-    PutBE16(b, b.size() - 2, v);
-}
-void AppendBE32(Bytes& b, uint32_t v) {
-    b.resize(b.size() + 4);
-    PutBE32(b, b.size() - 4, v);
 }
 void Append(Bytes& b, const Bytes& more) { b.insert(b.end(), more.begin(), more.end()); }
 
@@ -85,10 +78,8 @@ Bytes StoredItem(uint16_t kind, uint16_t id, int16_t left, int16_t top, int16_t 
     Bytes i(16, 0);
     PutBE16(i, 0, kind);
     PutBE16(i, 2, id);
-    PutBE16(i, 4, static_cast<uint16_t>(top));
-    PutBE16(i, 6, static_cast<uint16_t>(left));
-    PutBE16(i, 8, static_cast<uint16_t>(bottom));
-    PutBE16(i, 10, static_cast<uint16_t>(right));
+    for (const auto& [at, v] : {std::pair{4, top}, std::pair{6, left}, std::pair{8, bottom}, std::pair{10, right}})
+        PutBE16(i, at, static_cast<uint16_t>(v));
     Append(i, headRest);
     if (i.size() >= 24) PutBE16(i, 22, itemFlags);
     PutBE32(i, 12, static_cast<uint32_t>(i.size()));
