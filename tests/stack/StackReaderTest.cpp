@@ -52,8 +52,8 @@ TEST_F(StackReaderTest, MalformedFilesGetTheOpenFlowsAlertsAndLeaveNoStack) {
     PutBE16(noCards, 4, 0x8000);  // a negative count passes the test but reads no cards
 
     const Case cases[] = {
-        {"empty", {}, {2268}, 0},
-        {"short", Bytes(100, 0), {2268}, 0},
+        {"empty", {}, {2235, 2305}, 0},
+        {"127 bytes: the header read fails", Bytes(127, 0), {2235, 2305}, 0},
         {"zero header", Bytes(128, 0), {2268}, 0},
         {"blobCount 0x10001", OneCardStack(tooMany), {2268}, 0},
         {"depth 1", OneCardStack(blackAndWhite), {2256}, kHdrDepth},
