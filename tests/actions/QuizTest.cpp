@@ -91,4 +91,11 @@ TEST_F(QuizTest, WithoutAClockOfItsOwnTheReportTakesTheHostsDate) {
     EXPECT_NE(Report().find("\r\n09/08/01    07:06:05\r\n"), std::string::npos) << Report();
 }
 
+TEST_F(QuizTest, AMoveToAnotherStackReportsTheStackTheAnswersWereGivenOn) {
+    Click(1, 11);
+    SetSlotPath(kSlotOtherStack, DosPathFromHost(WriteActionStack("other.stk", {{1}})));
+    ASSERT_EQ(GoToStack(kSlotOtherStack, kFirstCardOfStack, kPlainEffect, kPlainSpeed, false, false), 0);
+    EXPECT_EQ(Report().substr(0, 10), "quiz.stk\r\n");
+}
+
 }  // namespace
