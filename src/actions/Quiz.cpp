@@ -48,7 +48,7 @@ ReportTime LocalTime() {
 
 // The report file beside the stack, as a host path; "" when the stack's drive maps to nothing.
 std::string ReportPath() {
-    const std::string stack = GetSlotPath(kSlotStack);
+    const std::string& stack = gQuiz.stackPath;
     const size_t separator = stack.find_last_of('\\');
     const std::string folder = separator == std::string::npos ? "" : stack.substr(0, separator + 1);
     return HostPathFromDos(folder + GetString(kStringTestReportFile));
@@ -72,7 +72,7 @@ int32_t OpenForAppending(const std::string& hostPath, HostFile** file) {
 std::vector<std::string> ReportLines() {
     const ReportTime t = gQuiz.clock ? gQuiz.clock() : LocalTime();
     std::vector<std::string> lines = {
-        GetSlotName(kSlotStack) + "\r\n",
+        gQuiz.stackName + "\r\n",
         gQuiz.userName + "\r\n",
         fmt::format("{:02}/{:02}/{:02}    {:02}:{:02}:{:02}\r\n", t.month, t.day, t.year, t.hour,
                     t.minute, t.second),
@@ -116,6 +116,8 @@ void ResetQuiz() {
 void RecordTestAnswer(bool correct, const std::string& name) {
     const MemRef card = GetDocument().currentCard;
     if (!card || GetCardPosition(card) == 0) return;
+    gQuiz.stackPath = GetSlotPath(kSlotStack);
+    gQuiz.stackName = GetSlotName(kSlotStack);
     QuizAnswer* answer = AnswerOf(card);
     if (!answer) {
         const MemRef block = NewMemRef(kAnswerBlockSize);

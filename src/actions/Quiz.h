@@ -42,6 +42,10 @@ struct QuizAnswer {
 struct QuizState {
     std::string userName;
     std::vector<QuizAnswer> answers;
+    // The stack the answers were given on (path slot form): a move to another stack names the new
+    // one in the stack's slot before the old one closes and writes its report.
+    std::string stackPath;
+    std::string stackName;
     ReportClock clock = nullptr;  // null: the local time
 };
 QuizState& GetQuizState();

@@ -179,12 +179,7 @@ bool FillButtonItem(DisplayItem* item, MemRef card, uint32_t offset) {
         item->showIcon = (buttonFlags & kButtonFlagShowIcon) != 0;
         item->hiliteOnPress = (buttonFlags & kButtonFlagNoHilite) == 0;
 
-        // Length-prefixed in a 32-byte field; the live name ends at a zero byte as well.
-        const uint8_t* name = chunk + kButtonName;
-        size_t nameLength = name[0] < kButtonNameBytes ? name[0] : kButtonNameBytes - 1;
-        const void* zero = std::memchr(name + 1, 0, nameLength);
-        if (zero) nameLength = static_cast<size_t>(static_cast<const uint8_t*>(zero) - (name + 1));
-        item->name.assign(reinterpret_cast<const char*>(name + 1), nameLength);
+        item->name = StoredItemName(chunk + kButtonName, kButtonNameBytes);
 
         item->hasMask = false;
         if (IsPictureShape(item->shape) && ChunkMask(chunk, &item->mask)) {

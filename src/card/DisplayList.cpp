@@ -1,6 +1,7 @@
 #include "card/DisplayList.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "base/ByteOrder.h"
@@ -61,6 +62,13 @@ bool ReadItemHead(MemRef card, uint32_t offset, uint32_t headSize, DisplayItem* 
     item->rect = {head.left, head.top, head.right, head.bottom};
     item->flags = head.flags;
     return true;
+}
+
+std::string StoredItemName(const uint8_t* field, uint32_t fieldBytes) {
+    size_t length = field[0] < fieldBytes ? field[0] : fieldBytes - 1;
+    const void* zero = std::memchr(field + 1, 0, length);
+    if (zero) length = static_cast<size_t>(static_cast<const uint8_t*>(zero) - (field + 1));
+    return std::string(reinterpret_cast<const char*>(field + 1), length);
 }
 
 DisplayItem::~DisplayItem() {
@@ -225,6 +233,7 @@ DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position) {
         const uint8_t* chunk = lock.data() + offset;
         item->actionId = ReadS16(chunk + kTextAction);
         item->cursorId = Read16(chunk + kTextCursorId);
+        item->name = StoredItemName(chunk + kTextName, kItemNameBytes);
     }
     item->region = Region(item->rect);
     item->hasRegion = true;

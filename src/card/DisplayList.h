@@ -91,6 +91,9 @@ BitMask MakeItemsMask();
 // is then neither drawn nor hit.
 // The common head of the chunk at `offset`, checked against the card: kind, id, rectangle, flags.
 bool ReadItemHead(MemRef card, uint32_t offset, uint32_t headSize, DisplayItem* item);
+// The name in an item head's length-prefixed field of `fieldBytes`; the live name also ends at a
+// zero byte.
+std::string StoredItemName(const uint8_t* field, uint32_t fieldBytes);
 DisplayItem* AddGraphicNode(MemRef card, uint32_t offset, int32_t position);
 DisplayItem* AddButtonNode(MemRef card, uint32_t offset, int32_t position);
 DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position);

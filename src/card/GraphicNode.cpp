@@ -37,6 +37,7 @@ DisplayItem* AddGraphicNode(MemRef card, uint32_t offset, int32_t position) {
         item->frameWidth = Read16(g + kGraphicFrameWidth);
         item->cursorId = Read16(g + kGraphicCursorId);
         item->actionId = ReadS16(g + kGraphicAction);
+        item->name = StoredItemName(g + kGraphicName, kItemNameBytes);
     }
     item->region = Region(item->rect);
     item->hasRegion = true;

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "messages/Alert.h"
+#include "messages/StringIds.h"
 #include "messages/StringTable.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
@@ -66,6 +67,11 @@ void StackClosing() {
     ClearTestAnswers();
 }
 
+// A handle table that cannot grow says so in a plain box, without caption or owner.
+void ShowMemRefsFailure() {
+    GetHost().ShowMessageBox("", GetString(kStringCantResizeMemRefs));
+}
+
 }  // namespace
 
 bool ReadUserPreferenceIsYes(const char* key) {
@@ -90,6 +96,7 @@ Subsystems ApplicationSubsystems() {
 
 bool InitApplication(void* window) {
     GetHost().window = window;
+    SetMemRefsFailureNotice(ShowMemRefsFailure);
     InstallSubsystems(ApplicationSubsystems());
     SetPolicyFolders(HostProgramFolder(), HostConfigFolder());
     GetDocument().stackHeader = 0;

@@ -8,6 +8,7 @@ namespace {
 
 MemRefTable gTable;
 SystemBlock* gSlotBlock = nullptr;  // the slot array is itself a movable block
+MemRefsFailureNotice gFailureNotice = nullptr;
 
 inline constexpr uint32_t kSizeWord = 4;
 inline constexpr uint32_t kOverhead = 8;  // size word + guard
@@ -38,7 +39,10 @@ bool GrowTable() {
 MemRef EnterBlock(SystemBlock* block) {
     if (!gTable.slots && !InitMemRefs()) return 0;
     if (gTable.used >= kMemRefMaxBlocks) return 0;
-    if (gTable.used == gTable.capacity && !GrowTable()) return 0;
+    if (gTable.used == gTable.capacity && !GrowTable()) {
+        if (gFailureNotice) gFailureNotice();
+        return 0;
+    }
     int32_t i = gTable.next;
     while (gTable.slots[i] != nullptr) {
         if (++i >= gTable.capacity) i = 0;
@@ -78,8 +82,11 @@ void ShutdownMemRefs() {
     }
     GlobalFree(gSlotBlock);
     gSlotBlock = nullptr;
-    gTable = MemRefTable{};
+    gTable.slots = nullptr;
+    gTable.capacity = 0;
 }
+
+void SetMemRefsFailureNotice(MemRefsFailureNotice notice) { gFailureNotice = notice; }
 
 MemRef NewMemRef(uint32_t size) {
     if (size > UINT32_MAX - kOverhead) return 0;

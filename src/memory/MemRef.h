@@ -26,7 +26,12 @@ struct MemRefTable {
 const MemRefTable& GetMemRefTable();
 
 bool InitMemRefs();
+// Frees every block and the table; `used` keeps its count, as the system leaves it.
 void ShutdownMemRefs();
+// What the table shows when it cannot grow (string 4067 in a plain message box). Handle memory
+// sits below the host and the string table, so the program installs it; none shows nothing.
+using MemRefsFailureNotice = void (*)();
+void SetMemRefsFailureNotice(MemRefsFailureNotice notice);
 
 MemRef NewMemRef(uint32_t size);
 int32_t FreeMemRef(MemRef ref);

@@ -146,6 +146,7 @@ std::string HostProgramFile() {
 }
 
 std::string HostProgramFolder() {
+    if (!gFaults.programFolder.empty()) return gFaults.programFolder;
     const std::string file = HostProgramFile();
     return FolderOf(file);
 }

@@ -48,6 +48,7 @@ struct FileFaults {
     std::string readOnlyPath;  // status says read-only, and opening it for writing fails
     std::string lockedFolder;  // nothing can be created inside this folder
     int64_t freeSpace = -1;    // overrides the volume's free space when not negative
+    std::string programFolder;  // stands for the program's folder when not empty
     uint32_t opens = 0, reads = 0, writes = 0;
 };
 FileFaults& GetFileFaults();

@@ -75,18 +75,6 @@ void RunStackLeaveAction() {
     RunMoveAction(static_cast<uint16_t>(HeaderField(kHdrLeaveAction)), 0, kLabelLeaveStack);
 }
 
-void StoreCurrentCard() {
-    const MemRef card = LiveCurrentCard();
-    if (!card) return;
-    const Document& doc = GetDocument();
-    {
-        MemRefLock lock(card);
-        Write16(lock.data() + kCardMenuShown, static_cast<uint16_t>(doc.menuShown));
-        Write16(lock.data() + kCardDepth, static_cast<uint16_t>(doc.depth));
-    }
-    GetSubsystems().StoreChangedPicture();
-}
-
 void LeaveCard(bool pushBack) {
     Subsystems& subsystems = GetSubsystems();
     if (pushBack) PushBack();

@@ -18,8 +18,6 @@ inline constexpr int32_t kStackMoveStopped = 1;
 void LeaveCard(bool pushBack);
 // Arrives at the card whose id is the document's currentCardId.
 void ArriveAtCard(int16_t effect, int16_t speed, bool atStack);
-// Writes the current settings into the current card, and its picture if it was changed.
-void StoreCurrentCard();
 
 void GoFirst(int16_t effect, int16_t speed);
 void GoLast(int16_t effect, int16_t speed);

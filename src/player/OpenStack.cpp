@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/ByteOrder.h"
+#include "card/OffscreenCard.h"
 #include "messages/Alert.h"
 #include "messages/StringIds.h"
 #include "messages/StringTable.h"
@@ -34,16 +35,6 @@ std::string Lower(std::string text) {
     return text;
 }
 
-// Marks the opened stack as the Home stack when its name is one of the Home names.
-void MakeHomeTest() {
-    Document& doc = GetDocument();
-    doc.isHomeStack = IsHomeStackName(GetSlotName(kSlotStack));
-    if (doc.isHomeStack) {
-        CopySlot(kSlotStack, kSlotHome);
-        doc.homeCardId = 0;
-    }
-}
-
 // Raises the header's card size to the minimum. The pictures are not converted to the new size
 // here; the cards keep theirs and show in the larger window.
 void ApplyMinimumSize() {
@@ -65,12 +56,17 @@ std::string ScratchStoreName() {
 }
 
 MemRef NewStackHeader() {
-    const Document& doc = GetDocument();
+    Document& doc = GetDocument();
     MemRef header = NewMemRef(kStackHeaderSize);
     if (!header) return 0;
     MemRefLock lock(header);
     uint8_t* h = lock.data();
     Write16(h + kHdrVersion, kCurrentStackVersion);
+    // Only the first stack a process makes is marked; nothing reads the mark.
+    Write16(h + kHdrReserved22, doc.stackMade ? 0 : 1);
+    doc.stackMade = true;
+    Write16(h + kHdrPresentationMode, static_cast<uint16_t>(doc.presentationMode));
+    Write16(h + kHdrWindowFlags, doc.windowFlags);
     Write16(h + kHdrNextCardId, 1);
     Write16(h + kHdrNextItemId, 1);
     Write16(h + kHdrDepth, static_cast<uint16_t>(doc.depth));
@@ -94,13 +90,40 @@ MemRef NewBlankCard(int16_t id) {
     Write32(c + kCardSize, kEmptyCardSize);
     Write16(c + kCardKind, kCardKindBlank);
     Write16(c + kCardOwnerId, 0xFFFF);
+    Write16(c + kCardMenuShown, static_cast<uint16_t>(doc.menuShown));
     Write16(c + kCardDepth, static_cast<uint16_t>(doc.depth));
     Write16(c + kCardWidth, static_cast<uint16_t>(doc.cardWidth));
     Write16(c + kCardHeight, static_cast<uint16_t>(doc.cardHeight));
     return card;
 }
 
+// The Home stack in the program's folder: the first of the Home names that is a file there, put
+// in `slot`. False when there is none.
+bool FindHomeStack(int slot) {
+    const std::string folder = DosPathFromHost(HostProgramFolder());
+    for (int id = kStringHomeNames;; ++id) {
+        const std::string home = GetString(id);
+        if (home.empty() || home[0] == '*') return false;
+        CopySlot(kSlotStack, kSlotScratch);
+        if (!SetSlotPath(kSlotScratch, folder + "\\" + home)) continue;
+        const std::string path = SlotHostPath(kSlotScratch);
+        if (!path.empty() && GetHostFileStatus(path).exists) {
+            CopySlot(kSlotScratch, slot);
+            return true;
+        }
+    }
+}
+
 }  // namespace
+
+void MakeHomeTest() {
+    Document& doc = GetDocument();
+    doc.isHomeStack = IsHomeStackName(GetSlotName(kSlotStack));
+    if (doc.isHomeStack) {
+        CopySlot(kSlotStack, kSlotHome);
+        doc.homeCardId = 0;
+    }
+}
 
 bool IsHomeStackName(const std::string& name) {
     const std::string wanted = Lower(name);
@@ -133,11 +156,12 @@ int32_t ReadStack() {
         return kResultReported;
     }
     if (CardCount() == 0) {
-        // Reported here in full, so the open flow doesn't report it again.
+        // The blank stack takes its place; the read's error goes back to the caller, which
+        // reports it again (an error of 0 arrives at the blank stack's card).
         ShowFileError(fault.code);
         Alert(kAlertNoCards);
         NewStack(false);
-        return kResultReported;
+        return fault.code;
     }
     if (fault.code != kResultOk) {
         CloseStack();  // the cards read before the damage go with the stack
@@ -170,6 +194,8 @@ int32_t PrepareOpenedStack() {
         doc.cardHeight = ReadS16(h + kHdrCardHeight);
         // The emulated display takes the stack's depth, so nothing is converted at open.
         doc.depth = ReadS16(h + kHdrDepth);
+        doc.presentationMode = ReadS16(h + kHdrPresentationMode);
+        doc.windowFlags = Read16(h + kHdrWindowFlags);
     }
     for (int32_t i = 1; i <= CardCount(); ++i) {
         MemRefLock card(GetCardByPosition(i));
@@ -202,7 +228,9 @@ int32_t OpenStack(bool ask) {
         std::string chosen;
         if (!GetHost().ChooseFile(choice, &chosen) ||
             !SetSlotPath(kSlotScratch, DosPathFromHost(chosen))) {
-            return kResultOk;  // the current card stays as it is
+            // The card was left: it is shown again and its items come back to life.
+            RedrawCurrentCard(true);
+            return kResultOk;
         }
         CopySlot(kSlotScratch, kSlotStack);
     }
@@ -225,6 +253,8 @@ int32_t OpenStack(bool ask) {
 int32_t OpenStackByName(const std::string& hostPath) {
     if (!SetSlotPath(kSlotStack, DosPathFromHost(hostPath))) return kResultFailed;
     if (GetHostFileStatus(hostPath).exists) return OpenStack(false);
+    // A missing stack gives way to the Home stack, and without one to the search and the dialog.
+    if (FindHomeStack(kSlotStack)) return OpenStack(false);
     LocateRequest request;
     request.titleStringId = kStringFindStack;
     request.filterName = "Stacks (*.STK)";

@@ -3,6 +3,7 @@
 #include "messages/StringIds.h"
 #include "platform/Host.h"
 #include "platform/HostPath.h"
+#include "player/Navigation.h"
 #include "player/StackFlows.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
@@ -73,7 +74,7 @@ int32_t SaveStackAs() {
     CopySlot(kSlotSaveAs, kSlotStack);
     GetSlot(kSlotStack)[kSlotPresent] = 1;
     doc.stackName = GetSlotName(kSlotStack);
-    doc.isHomeStack = IsHomeStackName(doc.stackName);
-    if (doc.isHomeStack) CopySlot(kSlotStack, kSlotHome);
+    UpdateTitle(true);
+    MakeHomeTest();
     return kResultOk;
 }

@@ -12,7 +12,8 @@
 int32_t OpenStack(bool ask);
 int32_t ReadStack();
 int32_t PrepareOpenedStack();
-// Opens a given path: the file if it is there, else the search and the open dialog.
+// Opens a given path: the file if it is there, else the Home stack in the program's folder (each
+// Home name in turn), else the search and the open dialog; cancelled, a new stack.
 int32_t OpenStackByName(const std::string& hostPath);
 // Returns 1 when the user cancelled the question about the old stack.
 int32_t NewStack(bool showHint);
@@ -24,3 +25,6 @@ int32_t SaveStackAs();
 
 // The Home stack names, and whether a file name is one of them (case ignored).
 bool IsHomeStackName(const std::string& name);
+// After a stack is opened or saved under a name: a Home name makes it the Home stack, whose
+// remembered card is then the first.
+void MakeHomeTest();

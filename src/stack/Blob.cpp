@@ -161,6 +161,12 @@ BlobStore* FindStore(uint32_t ref) {
 
 bool IsDeleted(const uint8_t* row) { return (Read32(row + kRowFlags) & kBlobDeleted) != 0; }
 
+void DeleteScratchFilesAtExit() {
+    for (BlobStore* s = gStores.head; s; s = s->next) {
+        if (s->flags & kStoreInScratchFile) DeleteHostFile(s->hostPath);
+    }
+}
+
 uint32_t LinkStore(BlobStore* store) {
     store->ref = gStores.nextRef++;
     store->next = gStores.head;

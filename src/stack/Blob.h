@@ -56,6 +56,13 @@ uint32_t OpenBlobStoreAt(const std::string& hostPath, uint32_t areaOffset, uint3
 // A store in a scratch file of its own at `hostPath` (deleted when the store closes), for a new,
 // unsaved stack: a header with blobOffset 128, blobCount 0, nextBlobId 1, and no records.
 uint32_t NewScratchStore(const std::string& hostPath);
+// The blobOffset of the header of the file in `slot`; 0 when it can't be read.
+uint32_t GetBlobOffset(int slot);
+// The store of the stack file in `slot` if it is another stack with records; otherwise a store in
+// memory only, with no records and no file to add to. Either becomes current.
+uint32_t OpenOrMakeStore(int slot);
+// The store of "Samples.stk" in the program's folder; 0, after alert 2292, when it isn't there.
+uint32_t OpenSamplesStore();
 bool IsScratchStore(uint32_t ref);
 std::string BlobStorePath(uint32_t ref);
 uint32_t BlobAreaOffset(uint32_t ref);

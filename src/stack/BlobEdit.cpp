@@ -1,5 +1,6 @@
 // Changing the blob store: adding a record is a write at the end of the file at once, a deletion a
 // flag set on disk at once. This part of a stack is live on disk even while its cards are unsaved.
+#include <cstdlib>
 #include <cstring>
 
 #include "base/ByteOrder.h"
@@ -166,6 +167,9 @@ uint32_t NewScratchStore(const std::string& hostPath) {
         return 0;
     }
     FindStore(ref)->flags |= kStoreInScratchFile;
+    // A program may end with a new stack open, on any path: its file goes with the process.
+    StoreState& stores = BlobStores();
+    if (!stores.exitCleanupSet) stores.exitCleanupSet = std::atexit(DeleteScratchFilesAtExit) == 0;
     return ref;
 }
 

@@ -39,10 +39,13 @@ struct StoreState {
     BlobStore* current = nullptr;  // what fetching works on
     uint32_t nextRef = 1;
     bool loading = true;
+    bool exitCleanupSet = false;  // the scratch files still open are deleted at exit
 };
 StoreState& BlobStores();
 
 BlobStore* FindStore(uint32_t ref);
+// Deletes the files of the scratch stores still open when the program ends.
+void DeleteScratchFilesAtExit();
 // Puts a store at the head of the list, makes it current and gives it its number.
 uint32_t LinkStore(BlobStore* store);
 

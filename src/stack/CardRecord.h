@@ -64,6 +64,9 @@ inline constexpr uint16_t kItemFlagHidden = 32;
 inline constexpr uint16_t kItemFlagFileRef = 64;
 inline constexpr uint16_t kItemFlagOddPad = 0x200;
 
+// The name field of graphics and text fields: a length byte and up to 15 characters.
+inline constexpr uint32_t kItemNameBytes = 16;
+
 // Graphic head.
 inline constexpr uint32_t kGraphicHeadSize = 80;
 inline constexpr uint32_t kGraphicRect2 = 30;

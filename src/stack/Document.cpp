@@ -4,6 +4,7 @@
 #include "base/ResultCodes.h"
 #include "base/StateRegistry.h"
 #include "stack/Blob.h"
+#include "stack/CardRecord.h"
 #include "subsystems/Subsystems.h"
 
 namespace {
@@ -52,6 +53,19 @@ int32_t InsertCardAt(int32_t position, MemRef card) {
     uint8_t row[kCardRowSize] = {};
     Write32(row, static_cast<uint32_t>(card));
     return InsertBytes(gDocument.cardList, row, position * kCardRowSize, kCardRowSize);
+}
+
+void StoreCurrentCard() {
+    const MemRef card = gDocument.currentCard;
+    bool listed = false;
+    for (int32_t i = 1; i <= CardCount() && !listed; ++i) listed = GetCardByPosition(i) == card;
+    if (!card || !listed) return;
+    {
+        MemRefLock lock(card);
+        Write16(lock.data() + kCardMenuShown, static_cast<uint16_t>(gDocument.menuShown));
+        Write16(lock.data() + kCardDepth, static_cast<uint16_t>(gDocument.depth));
+    }
+    GetSubsystems().StoreChangedPicture();
 }
 
 void CloseStack() {

@@ -26,6 +26,11 @@ struct Document {
     bool autoTimers = true;
     bool ignoreExtraClicks = false;
     bool showCardNumber = false;  // kept from the previous stack for a new one
+    // The presentation settings: what fills the screen behind the window, and whether the window
+    // has a title bar and frame (bit 0; the program starts in the framed window).
+    int16_t presentationMode = 0;
+    uint16_t windowFlags = 1;
+    bool stackMade = false;  // a new stack was made in this process
     // The program's current card size and depth: the open stack's, or the defaults at start.
     int16_t cardWidth = 512;
     int16_t cardHeight = 342;
@@ -43,6 +48,9 @@ void CloseStack();
 // Frees the stack and closes every record store without running anything: the document as at
 // the program's start, for a test that starts clean.
 void ResetDocument();
+
+// Writes the current settings into the current card, and its picture if it was changed.
+void StoreCurrentCard();
 
 int16_t CardCount();
 MemRef GetCardByPosition(int32_t position);           // 1-based; 0 if out of range

@@ -21,6 +21,7 @@ inline constexpr int kSlotScratch = 0;
 inline constexpr int kSlotStack = 1;
 inline constexpr int kSlotSounds = 2;
 inline constexpr int kSlotArt = 4;
+inline constexpr int kSlotSamples = 6;
 inline constexpr int kSlotOtherStack = 8;
 inline constexpr int kSlotSaveStart = 11;
 inline constexpr int kSlotNbas = 12;

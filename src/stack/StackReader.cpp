@@ -93,16 +93,21 @@ int32_t ReadStackFile(const std::string& hostPath, LoadFault* fault) {
 
     doc.stackHeader = NewMemRef(kStackHeaderSize);
     uint8_t header[kStackHeaderSize];
-    // A file shorter than a header is not a stack, as one whose header fails the test.
-    const bool headerRead = doc.stackHeader && ReadHostFile(file, header, kStackHeaderSize) == 0;
-    if (headerRead) NormaliseHeader(header);
+    // A file shorter than a header fails on its read like any file error: no cards were read.
+    if (!doc.stackHeader || ReadHostFile(file, header, kStackHeaderSize) != 0) {
+        CloseHostFile(file);
+        CloseStack();
+        fault->code = -1;
+        fault->alerts = {kAlertSomeError, kAlertNoCards};
+        fault->detail = fmt::format("the file is {} bytes, shorter than a header", fileLength);
+        return -1;
+    }
+    NormaliseHeader(header);
     int32_t code = 0;
-    const int16_t depth = headerRead ? ReadS16(header + kHdrDepth) : 0;
-    const int16_t version = headerRead ? ReadS16(header + kHdrVersion) : 0;
-    if (!headerRead || !HeaderIsPlausible(header)) {
-        code = Refuse(fault, kAlertNotAStack, 0,
-                      headerRead ? "the header fails the plausibility test"
-                                 : fmt::format("the file is {} bytes, shorter than a header", fileLength));
+    const int16_t depth = ReadS16(header + kHdrDepth);
+    const int16_t version = ReadS16(header + kHdrVersion);
+    if (!HeaderIsPlausible(header)) {
+        code = Refuse(fault, kAlertNotAStack, 0, "the header fails the plausibility test");
     } else if (depth == 1) {
         code = Refuse(fault, kAlertBlackAndWhite, kHdrDepth, "black and white stack (depth 1)");
     } else if ((fault->askMinimumSize = ReadS16(header + kHdrCardWidth) < kMinCardSide ||

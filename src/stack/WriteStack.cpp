@@ -182,6 +182,8 @@ int32_t WriteStack(int slot, bool keepStoreOpen) {
         ShowFileError(kResultReadOnly);
         return kResultReadOnly;
     }
+    // The card on show keeps its settings and a changed picture before the sizes are taken.
+    StoreCurrentCard();
     const uint32_t store = doc.storeRef;
     const SaveSizes sizes = MeasureSave(store);
     const uint64_t existing = status.exists ? status.length : 0;

@@ -70,4 +70,11 @@ TEST_F(QuizTest, AnswersOnTheirCardsAndTheReportInCardOrder) {
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }
 
+TEST_F(QuizTest, AMoveToAnotherStackReportsTheStackTheAnswersWereGivenOn) {
+    Click(1, 11);
+    SetSlotPath(kSlotOtherStack, DosPathFromHost(WriteActionStack("other.stk", {{1}})));
+    ASSERT_EQ(GoToStack(kSlotOtherStack, kFirstCardOfStack, kPlainEffect, kPlainSpeed, false, false), 0);
+    EXPECT_EQ(Report().substr(0, 10), "quiz.stk\r\n");
+}
+
 }  // namespace

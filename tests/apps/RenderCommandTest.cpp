@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "Commands.h"
@@ -82,6 +85,33 @@ TEST_F(RenderCommandTest, ACardThatIsNotThereIsRefused) {
     EXPECT_EQ(RunQuietly(options), 2);
     EXPECT_FALSE(fs::exists(options.output));
 }
+
+#ifdef QB_QUILLBROOK
+// A failed open puts a new stack on a scratch file in the temporary folder; no run of the program
+// leaves one behind.
+TEST_F(RenderCommandTest, NoScratchFileOutlivesTheProgram) {
+    const fs::path temp = dir_ / "tmp";
+    fs::create_directories(temp);
+    const auto files = [&temp] { return std::distance(fs::directory_iterator(temp), fs::directory_iterator()); };
+    const std::string damaged = Path("damaged.stk");
+    std::ofstream(damaged) << "shorter than a stack's header";
+    const struct {
+        const char* name;
+        std::string arguments;
+    } cases[] = {
+        {"a failed open", "resave '" + damaged + "' -o '" + Path("out.stk") + "'"},
+        {"a render of a damaged stack", "render '" + damaged + "' -o '" + Path("out.png") + "'"},
+        {"a normal play", "play '" + kStack + "' --exit-after 300"},
+    };
+    for (const auto& c : cases) {
+        const auto before = files();
+        const std::string command = "TMPDIR='" + temp.string() + "' SDL_VIDEODRIVER=dummy '" QB_QUILLBROOK "' " +
+                                    c.arguments + " >/dev/null 2>&1";
+        std::system(command.c_str());
+        EXPECT_EQ(files(), before) << c.name;
+    }
+}
+#endif
 
 }  // namespace
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -363,5 +364,23 @@ TEST_F(OffscreenCardTest, CardsMatchTheirGoldenPictures) {
     for (uint32_t pixel : Screen().pixels) ASSERT_EQ(QuantizeTo555(pixel), pixel);
 }
 #endif
+
+// A click on a graphic or a text field runs its action under the item's name.
+TEST_F(OffscreenCardTest, GraphicsAndTextFieldsKeepTheirStoredNames) {
+    Bytes graphic = StoredGraphic(1, {10, 10, 50, 50}, RunPackedPicture({"12", "21"}));
+    graphic[kGraphicName] = 5;
+    std::memcpy(&graphic[kGraphicName + 1], "Apple", 5);
+    Bytes textRest(kTextHeadSize - 16, 0);
+    textRest[kTextName - 16] = 15;  // a whole field: no zero behind the name
+    std::memcpy(&textRest[kTextName - 16 + 1], "Notes and notes", 15);
+    const std::vector<Bytes> items = {graphic, StoredItem(kItemKindText, 2, 60, 10, 100, 50, textRest)};
+    Open(WriteTempFile("named.stk", StoredStack({.cardWidth = 160, .cardHeight = 120},
+                                                {StoredCard(1, "Named", items)}, {})));
+    Show(1);
+    ASSERT_NE(FindDisplayItem(kItemKindGraphic, 1), nullptr);
+    ASSERT_NE(FindDisplayItem(kItemKindText, 2), nullptr);
+    EXPECT_EQ(FindDisplayItem(kItemKindGraphic, 1)->name, "Apple");
+    EXPECT_EQ(FindDisplayItem(kItemKindText, 2)->name, "Notes and notes");
+}
 
 }  // namespace

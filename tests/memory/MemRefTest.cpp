@@ -5,7 +5,9 @@
 #include <cstring>
 #include <vector>
 
+#include "host/Application.h"
 #include "memory/GlobalBlock.h"
+#include "platform/headless/HeadlessHost.h"
 #include "support/StackBytes.h"
 
 namespace {
@@ -102,6 +104,23 @@ TEST_F(MemRefTest, RefusedMemoryLeavesEverythingAsItWas) {
     EXPECT_TRUE(MemRefsEqual(same, ref));
     ASSERT_EQ(SetMemRefSize(same, 2), 0);
     EXPECT_FALSE(MemRefsEqual(same, ref));
+}
+
+// The program's notice is installed at start-up; the handle layer keeps no message of its own.
+TEST_F(MemRefTest, ATableThatCannotGrowSaysSoAndShutdownKeepsTheCount) {
+    ASSERT_TRUE(InitApplication(nullptr));
+    GetHeadlessState().messageBoxesShown.clear();
+    while (GetMemRefTable().used < GetMemRefTable().capacity) ASSERT_NE(NewMemRef(1), 0);
+    const int16_t used = GetMemRefTable().used;
+    SetGlobalAllocFailAfter(1);  // the block is had, the table's growth is refused
+    EXPECT_EQ(NewMemRef(1), 0);
+    SetGlobalAllocFailAfter(-1);
+    ASSERT_EQ(GetHeadlessState().messageBoxesShown.size(), 1u);
+    EXPECT_EQ(GetHeadlessState().messageBoxesShown[0].title, "");
+    EXPECT_EQ(GetHeadlessState().messageBoxesShown[0].text, "Couldn't resize MemRefs");
+    ShutdownMemRefs();
+    EXPECT_EQ(GetMemRefTable().used, used);
+    EXPECT_EQ(GetMemRefTable().capacity, 0);
 }
 
 }  // namespace

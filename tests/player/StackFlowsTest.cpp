@@ -9,6 +9,8 @@
 
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
+#include "card/DisplayList.h"
+#include "card/OffscreenCard.h"
 #include "host/Application.h"
 #include "messages/Alert.h"
 #include "platform/HostFile.h"
@@ -17,6 +19,7 @@
 #include "player/Navigation.h"
 #include "stack/Blob.h"
 #include "stack/CardList.h"
+#include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "stack/StackHeader.h"
@@ -174,7 +177,7 @@ TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {
     PutBE32(secondBad, 228 + 2, 5000);
     const struct { const char* name; Bytes bytes; std::vector<int> alerts; } cases[] = {
         {"version 6", StoredStack({.version = 6}, {StoredCard(1, "A")}, {}), {2221}},
-        {"card past the end", pastEnd, {2235, 2305}},
+        {"card past the end: the read reports, then the open", pastEnd, {2235, 2305, 2235}},
         {"second card past the end: the first goes with the stack", secondBad, {2235}},
     };
     for (const auto& c : cases) {
@@ -290,6 +293,79 @@ TEST_F(StackFlowsTest, TheQuestionBeforeAChangedStackGoes) {
     EXPECT_TRUE(CheckSave());
     EXPECT_EQ(AlertsShown(), std::vector<int>{});
     EXPECT_FALSE(GetDocument().dirty);
+}
+
+TEST_F(StackFlowsTest, ACancelledOpenShowsTheCardAgainWithItsItemsAlive) {
+    ASSERT_EQ(Open(kFixtures + "/sample-cards.stk"), kResultOk);
+    ASSERT_NE(DisplayListHead(), nullptr);
+    const MemRef card = GetDocument().currentCard;
+    EXPECT_EQ(OpenStack(true), kResultOk);  // no file chosen
+    EXPECT_EQ(AlertsShown(), std::vector<int>{});
+    EXPECT_EQ(GetDocument().currentCard, card);
+    EXPECT_NE(DisplayListHead(), nullptr);
+}
+
+TEST_F(StackFlowsTest, SaveAsNamesTheStackInTheTitleAndMakesTheHomeTest) {
+    ASSERT_EQ(NewStack(false), kResultOk);
+    GetDocument().homeCardId = 5;
+    const std::string dir = std::filesystem::path(TempPath("x")).parent_path().string();
+    ASSERT_EQ(SaveAs(dir + "/Home.stk"), kResultOk);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{});
+    EXPECT_EQ(GetHeadlessState().title.find("Untitled"), std::string::npos) << GetHeadlessState().title;
+    EXPECT_NE(GetHeadlessState().title.find("Home.stk"), std::string::npos) << GetHeadlessState().title;
+    EXPECT_TRUE(GetDocument().isHomeStack);
+    EXPECT_EQ(GetDocument().homeCardId, 0);
+}
+
+TEST_F(StackFlowsTest, ASaveStoresTheSettingsOfTheCardOnShow) {
+    ASSERT_EQ(Open(WriteTempFile("menu.stk", StoredStack({}, {StoredCard(1, "A")}, {}))), kResultOk);
+    GetDocument().menuShown = 1;  // the card was stored with the menu off
+    const std::string out = TempPath("menu-out.stk");
+    ASSERT_EQ(SaveAs(out), kResultOk);
+    EXPECT_EQ(ReadBE16(&ReadWholeFile(out)[128 + kCardMenuShown]), 1);
+}
+
+// A stack whose record table is lost reads no cards with no error: the blank stack in its place
+// is arrived at, so its card is on the screen.
+TEST_F(StackFlowsTest, NoReadableCardsWithoutAnErrorArriveAtTheBlankStack) {
+    ASSERT_EQ(Open(WriteTempFile("lost-table.stk", StoredStack({.blobCount = 1}, {StoredCard(1, "A")}, {}))),
+              kResultOk);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{2305});
+    ExpectBlankStack();
+    EXPECT_TRUE(GetOffscreenState().hasScreen);
+}
+
+TEST_F(StackFlowsTest, AMissingStackGivesWayToTheHomeStackInTheProgramsFolder) {
+    const auto folder = std::filesystem::path(TempPath("x")).parent_path() / "program";
+    std::filesystem::create_directories(folder);
+    const std::string home = WriteTempFile("program/Home2.stk", StoredStack({}, {StoredCard(1, "H")}, {}));
+    GetFileFaults().programFolder = folder.string();
+    ASSERT_EQ(OpenStackByName(GetFileFaults().programFolder + "/gone.stk"), kResultOk);
+    EXPECT_EQ(AlertsShown(), std::vector<int>{});
+    EXPECT_EQ(SlotHostPath(kSlotStack), home);
+    EXPECT_TRUE(GetDocument().isHomeStack);
+}
+
+TEST_F(StackFlowsTest, ANewStackTakesTheCurrentSettings) {
+    Document& doc = GetDocument();
+    const struct {
+        int16_t presentationMode;
+        uint16_t windowFlags;
+        int16_t menuShown;
+        uint16_t reserved22;  // only the first stack of the process
+    } cases[] = {{0, 1, 1, 1}, {2, 0, 0, 0}};
+    for (const auto& c : cases) {
+        doc.presentationMode = c.presentationMode;
+        doc.windowFlags = c.windowFlags;
+        doc.menuShown = c.menuShown;
+        ASSERT_EQ(NewStack(false), kResultOk);
+        MemRefLock header(doc.stackHeader);
+        EXPECT_EQ(ReadS16(header.data() + kHdrPresentationMode), c.presentationMode);
+        EXPECT_EQ(Read16(header.data() + kHdrWindowFlags), c.windowFlags);
+        EXPECT_EQ(Read16(header.data() + kHdrReserved22), c.reserved22);
+        MemRefLock card(doc.currentCard);
+        EXPECT_EQ(ReadS16(card.data() + kCardMenuShown), c.menuShown);
+    }
 }
 
 }  // namespace

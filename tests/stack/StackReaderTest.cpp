@@ -45,8 +45,8 @@ TEST_F(StackReaderTest, MalformedFilesGetTheOpenFlowsAlertsAndLeaveNoStack) {
     PutBE32(secondBad, 128 + 100 + 2, 1000);
 
     const Case cases[] = {
-        {"empty", {}, {2268}, 0},
-        {"short", Bytes(100, 0), {2268}, 0},
+        {"empty", {}, {2235, 2305}, 0},
+        {"127 bytes: the header read fails", Bytes(127, 0), {2235, 2305}, 0},
         {"zero header", Bytes(128, 0), {2268}, 0},
         {"blobCount 0x10001", OneCardStack({.blobCount = 0x10001}), {2268}, 0},
         {"depth 1", OneCardStack({.depth = 1}), {2256}, kHdrDepth},

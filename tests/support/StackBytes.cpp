@@ -62,7 +62,9 @@ Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>&
     PutBE16(c, 0, id);
     PutBE16(c, 6, kind);
     PutBE16(c, 8, ownerId);
-    // A card carries the stack's size, which the open writes over it anyway.
+    // A card carries the depth a save stores into the card on show, and the stack's size, which
+    // the open writes over it anyway.
+    PutBE16(c, 18, 8);
     PutBE16(c, 20, 640);
     PutBE16(c, 22, 480);
     c[32] = static_cast<uint8_t>(name.size());
