@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -21,36 +20,31 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Bytes FromHex(const std::string& hex) {
-    std::string digits = hex;
-    digits.erase(std::remove(digits.begin(), digits.end(), ' '), digits.end());
+// Bytes as hex digits, and hex with spaces between groups as bytes: failures show where bytes differ.
+std::string ToHex(const Bytes& bytes) {
+    std::string hex;
+    for (uint8_t b : bytes) hex += {"0123456789abcdef"[b >> 4], "0123456789abcdef"[b & 15]};
+    return hex;
+}
+
+Bytes FromHex(std::string hex) {
+    hex.erase(std::remove(hex.begin(), hex.end(), ' '), hex.end());
     Bytes bytes;
-    for (size_t i = 0; i + 1 < digits.size(); i += 2) bytes.push_back(static_cast<uint8_t>(std::stoi(digits.substr(i, 2), nullptr, 16)));
+    for (size_t i = 0; i + 1 < hex.size(); i += 2) bytes.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
     return bytes;
 }
 
-std::string ToHex(const Bytes& bytes) {
-    static const char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    for (uint8_t b : bytes) {
-        hex += kDigits[b >> 4];
-        hex += kDigits[b & 15];
-    }
-    return hex;
+// The builder's message, or "(built)" with the bytes in `*bytes`.
+std::string BuildError(const std::string& json, const std::filesystem::path& baseDir = ".", Bytes* bytes = nullptr) {
+    Bytes built;
+    std::string error;
+    return BuildStack(Json::parse(json), baseDir, bytes ? bytes : &built, &error) ? "(built)" : error;
 }
 
 Bytes MustBuild(const std::string& json, const std::filesystem::path& baseDir = ".") {
     Bytes bytes;
-    std::string error;
-    EXPECT_TRUE(BuildStack(Json::parse(json), baseDir, &bytes, &error)) << error;
+    EXPECT_EQ(BuildError(json, baseDir, &bytes), "(built)");
     return bytes;
-}
-
-std::string BuildError(const std::string& json, const std::filesystem::path& baseDir = ".") {
-    Bytes bytes;
-    std::string error;
-    if (BuildStack(Json::parse(json), baseDir, &bytes, &error)) return "(built)";
-    return error;
 }
 
 // Describes stored bytes, passes the description through its text form, and builds it again.
@@ -58,19 +52,10 @@ Bytes RoundTrip(const Bytes& file) {
     Json description;
     std::string problem;
     EXPECT_TRUE(DescribeStoredStack(file, &description, &problem)) << problem;
-    Bytes rebuilt;
-    std::string error;
-    EXPECT_TRUE(BuildStack(Json::parse(description.dump()), ".", &rebuilt, &error)) << error;
-    return rebuilt;
+    return MustBuild(description.dump());
 }
 
-class BuildCommandTest : public CommandFixture {
-protected:
-    std::string Write(const std::string& name, const std::string& text) {
-        std::ofstream(Path(name), std::ios::binary) << text;
-        return Path(name);
-    }
-};
+using BuildCommandTest = CommandFixture;
 
 // One card with one button whose type-60 sub-record names another stack by a drive path, and one
 // record whose data needs padding: every byte written out from the format's tables.
@@ -251,17 +236,12 @@ TEST_F(BuildCommandTest, MistakesNameTheirPlaceInTheDescription) {
     struct Case { std::string json; std::string message; };
     const Case cases[] = {
         {R"({"cards": []})", "cards: a stack needs at least one card"},
-        {R"({"cards": [{"name": "Sixteen letters!"}]})", "cards[0].name: longer than 15 characters"},
-        {R"({"cards": [{}, {"items": [{"kind": 32}]}]})",
-         "cards[1].items[0].kind: 32 is not an item kind (16 graphic, 48 button, 96 text field)"},
+        {R"({"cards": [{}, {"items": [{"kind": 32}]}]})", "cards[1].items[0].kind: 32 is not an item kind (16 graphic, 48 button, 96 text field)"},
         {R"({"cards": [{"kind": 2}]})", "cards[0].kind: 2 is not a card kind (0, 1 or 3)"},
         {R"({"cards": [{"kind": 3}]})", "cards[0].ownerId: a kind 3 card needs the id of the card whose picture it shows"},
-        {R"({"cards": [{"background": {"format": 4, "hex": "00"}}]})",
-         "cards[0].background.format: 4 is not a background format (1, 2 or 3)"},
         {R"({"cards": [{"background": {"format": 2, "hex": "0000", "tableSize": 3}}]})",
          "cards[0].background.tableSize: 3 is more than the 2 bytes behind the head"},
-        {R"({"cards": [{}], "records": [{"type": "Actn", "id": 1, "hex": "0x12"}]})",
-         "records[0].hex: 'x' at character 1 is not a hex digit"},
+        {R"({"cards": [{}], "records": [{"type": "Actn", "id": 1, "hex": "0x"}]})", "records[0].hex: 'x' at character 1 is not a hex digit"},
         {R"({"cards": [{}], "records": [{"type": "Act", "id": 1}]})", "records[0].type: needs four characters, as \"Actn\""},
         {button + R"("fields": {"16": 70000}}]}]})", "cards[0].items[0].fields.16: 70000 is out of range (-32768 to 65535)"},
         {button + R"("fields": {"17": 1}}]}]})", "cards[0].items[0].fields.17: a button has no numeric field at this offset"},
@@ -269,8 +249,6 @@ TEST_F(BuildCommandTest, MistakesNameTheirPlaceInTheDescription) {
          "cards[0].items[0].subRecords[0].path: a type 83 sub-record carries no file reference (59, 60, 82 and 89 do)"},
         {button + R"("subRecords": [{"type": 119, "hex": "0000000000000000000000000000000000000000000000000000000000000000"}]}]}]})",
          "cards[0].items[0].subRecords[0].hex: a type 119 sub-record has at least 96 bytes, not 32"},
-        {button + R"("subRecords": [{"type": 83, "fields": {"32": 1}}]}]}]})",
-         "cards[0].items[0].subRecords[0].fields.32: beyond the sub-record's 32 bytes"},
         {R"({"version": "5", "cards": [{}]})", "version: must be a whole number"},
     };
     for (const Case& c : cases) EXPECT_EQ(BuildError(c.json), c.message) << c.json;

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -43,20 +42,16 @@ std::vector<uint32_t> Pattern(int32_t width, int32_t height, uint32_t colours) {
         for (int32_t x = 0; x < width; ++x) {
             const bool clear = x == 1 || (x == width - 1 && y == height - 1);
             const uint32_t k = static_cast<uint32_t>(x * 3 + y * 5) % colours;
-            argb.push_back(clear ? 0
-                                 : 0xFF000000u | Rgb(static_cast<uint8_t>(40 + k * 13),
-                                                     static_cast<uint8_t>(200 - k * 11),
-                                                     static_cast<uint8_t>(k * 7)));
+            const uint32_t colour = Rgb(static_cast<uint8_t>(40 + k * 13), static_cast<uint8_t>(200 - k * 11), static_cast<uint8_t>(k * 7));
+            argb.push_back(clear ? 0 : 0xFF000000u | colour);
         }
     }
     return argb;
 }
 
-bool WriteArgb(const std::string& path, int32_t width, int32_t height,
-               const std::vector<uint32_t>& argb) {
+bool WriteArgb(const std::string& path, int32_t width, int32_t height, const std::vector<uint32_t>& argb) {
     Bytes rgba;
-    for (uint32_t p : argb)
-        rgba.insert(rgba.end(), {RedOf(p), GreenOf(p), BlueOf(p), static_cast<uint8_t>(p >> 24)});
+    for (uint32_t p : argb) rgba.insert(rgba.end(), {RedOf(p), GreenOf(p), BlueOf(p), static_cast<uint8_t>(p >> 24)});
     return WritePng(path, width, height, rgba);
 }
 
@@ -72,9 +67,7 @@ TEST_F(IconBuilder, RecordsReadBackAndDrawTransparentWhereThePictureWas) {
         const std::vector<uint32_t> argb = Pattern(c.width, c.height, c.colours);
         ASSERT_TRUE(WriteArgb(Path("icon.png"), c.width, c.height, argb));
         std::string error;
-        const Bytes icon = BuildRecord(R"({"type": "Icon", "id": 1, "png": "icon.png", "depth": )" +
-                                           std::to_string(c.depth) + "}",
-                                       &error);
+        const Bytes icon = BuildRecord(R"({"type": "Icon", "id": 1, "png": "icon.png", "depth": )" + std::to_string(c.depth) + "}", &error);
         ASSERT_EQ(error, "");
         ASSERT_GT(icon.size(), 22u);
 
@@ -84,8 +77,7 @@ TEST_F(IconBuilder, RecordsReadBackAndDrawTransparentWhereThePictureWas) {
         EXPECT_EQ((std::vector<int32_t>{info.width, info.height, info.depth}), (std::vector<int32_t>{c.width, 2 * c.height, c.depth}));
 
         Surface screen(c.width, c.height, kScreen);
-        DrawIcon(screen, screen.Bounds(), 0, 0, icon.data(), static_cast<uint32_t>(icon.size()),
-                 nullptr);
+        DrawIcon(screen, screen.Bounds(), 0, 0, icon.data(), static_cast<uint32_t>(icon.size()), nullptr);
         for (int32_t y = 0; y < c.height; ++y) {
             for (int32_t x = 0; x < c.width; ++x) {
                 const uint32_t p = argb[static_cast<size_t>(y * c.width + x)];
@@ -100,23 +92,20 @@ TEST_F(IconBuilder, BadPicturesAndDepthsStopTheBuildNamingTheKey) {
     ASSERT_TRUE(WriteArgb(Path("small.png"), 4, 4, Pattern(4, 4, 3)));
     ASSERT_TRUE(WriteArgb(Path("wide.png"), 257, 1, std::vector<uint32_t>(257, 0xFF000000)));
     ASSERT_TRUE(WriteArgb(Path("many.png"), 18, 1, Pattern(18, 1, 17)));  // 16 and black
-    std::ofstream(Path("fake.png")) << "not a picture";
+    Write("fake.png", "not a picture");
     struct Case { const char* record; const char* message; };
     const Case cases[] = {
-        {R"("png": "small.png", "depth": 24)",
-         "records[0].depth: an icon is of depth 4 or 8, not 24"},
+        {R"("png": "small.png", "depth": 24)", "records[0].depth: an icon is of depth 4 or 8, not 24"},
         {R"("png": "fake.png")", "is not a PNG file"},
-        {R"("png": "wide.png", "depth": 8)",
-         "records[0].png: an icon is at most 256 x 256 pixels, not 257 x 1"},
+        {R"("png": "wide.png", "depth": 8)", "records[0].png: an icon is at most 256 x 256 pixels, not 257 x 1"},
         {R"("png": "many.png")", "records[0].png: the picture has more than 16 colours"},
         {R"("png": "small.png", "hex": "00")", "records[0].png: give either png or"},
     };
+    std::string error;
     for (const Case& c : cases) {
-        std::string error;
         BuildRecord(std::string(R"({"type": "Icon", "id": 1, )") + c.record + "}", &error);
         EXPECT_NE(error.find(c.message), std::string::npos) << c.record << " gave: " << error;
     }
-    std::string error;
     BuildRecord(R"({"type": "Actn", "id": 1, "png": "small.png"})", &error);
     EXPECT_EQ(error, "records[0].png: a picture from PNG makes an 'Icon' record only");
     // At 8 bits the same many-coloured picture fits.

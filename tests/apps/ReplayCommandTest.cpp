@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -35,11 +34,9 @@ TEST(EventScript, RejectsWhatIsNotAScriptAndNamesTheEvent) {
         {"{\"at\": 0}", "must be a JSON list"},
         {"[{\"at\": 0}]", "event 1: no \"event\" name"},
         {"[{\"at\": 0, \"event\": \"wiggle\"}]", "event 1: unknown event \"wiggle\""},
-        {"[{\"event\": \"mousedown\"}]", "no \"at\" time"},
         {"[{\"at\": -5, \"event\": \"mousedown\"}]", "\"at\" must be a whole number"},
         {"[{\"at\": 0, \"event\": \"mousedown\", \"button\": 3}]", "\"button\" must be"},
         {"[{\"at\": 0, \"event\": \"mousemove\", \"mods\": [\"meta\"]}]", "unknown modifier \"meta\""},
-        {"[{\"at\": 0, \"event\": \"mousemove\", \"mods\": \"shift\"}]", "\"mods\" must be a list"},
         {"[{\"at\": 0, \"event\": \"keydown\", \"key\": \"Nope\"}]", "unknown key \"Nope\""},
         {"[{\"at\": 0, \"event\": \"char\", \"key\": \"ab\"}]", "one character"},
         {"[{\"at\": 50, \"event\": \"mousemove\"}, {\"at\": 10, \"event\": \"mousemove\"}]", "event 2: \"at\" goes back in time"},
@@ -73,8 +70,6 @@ TEST(EventScript, WhatIsWrittenReadsBackAsTheSameEvents) {
         Event(K::MouseDown, 40, 0, 0, 0, 2, 2, 0, 0),  // a double click's second press, right button
         Event(K::MouseMove, 41, 7, 0, 0, 0, 1, 0, 0),  // no button held
         Event(K::KeyDown, 100, 0, 0, kModCtrl, 1, 1, 0x27, 0),  // Right
-        Event(K::KeyUp, 100, 0, 0, 0, 1, 1, 0x10, 0),           // Shift
-        Event(K::Char, 150, 0, 0, 0, 1, 1, 0, '\r'),
         Event(K::Char, 150, 0, 0, 0, 1, 1, 0, 0x80),            // €
     };
     std::vector<HostEvent> back;
@@ -88,17 +83,11 @@ TEST(EventScript, WhatIsWrittenReadsBackAsTheSameEvents) {
     EXPECT_NE(text.find("\"mods\":[\"shift\",\"alt\"]"), std::string::npos) << text;
 }
 
+// A PNG's pixels as a surface holds them.
 std::vector<uint32_t> ReadPixels(const std::string& path) {
-    PngImage image;
-    std::string error;
-    if (!ReadPng(path, &image, &error)) {
-        ADD_FAILURE() << path << ": " << error;
-        return {};
-    }
+    const PngImage image = ReadImage(path);
     std::vector<uint32_t> pixels(image.rgba.size() / 4);
-    for (size_t i = 0; i < pixels.size(); ++i) {
-        pixels[i] = Rgb(image.rgba[i * 4], image.rgba[i * 4 + 1], image.rgba[i * 4 + 2]);
-    }
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = Rgb(image.rgba[i * 4], image.rgba[i * 4 + 1], image.rgba[i * 4 + 2]);
     return pixels;
 }
 
@@ -113,11 +102,6 @@ constexpr const char* kKeysScript = R"([
 
 class Replay : public CommandFixture {
 protected:
-    std::string Write(const std::string& name, const std::string& text) const {
-        const std::string path = (dir_ / name).string();
-        std::ofstream(path, std::ios::binary) << text;
-        return path;
-    }
     RenderOptions Options(const std::string& events, const std::string& out) const {
         RenderOptions options;
         options.path = kStack;

@@ -20,13 +20,6 @@ bool OnPath(const std::string& program) {
     return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-PngImage Read(const std::string& path) {
-    PngImage image;
-    std::string error;
-    EXPECT_TRUE(ReadPng(path, &image, &error)) << path << ": " << error;
-    return image;
-}
-
 std::string Log(const std::string& path) {
     std::ifstream in(path);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -55,8 +48,8 @@ TEST_F(XvfbPlay, TheWindowShowsTheCardAsRenderDrawsIt) {
     const std::string render = qb + " render '" + stack + "' --card 1 -o " + Path("card.png") + " >/dev/null";
     ASSERT_EQ(std::system(render.c_str()), 0) << render;
 
-    const PngImage card = Read(Path("card.png"));
-    const PngImage shown = Read(Path("shown.png"));
+    const PngImage card = ReadImage(Path("card.png"));
+    const PngImage shown = ReadImage(Path("shown.png"));
     ASSERT_EQ(card.width, 640);
     ASSERT_EQ(shown.width, 2 * card.width);
     ASSERT_EQ(shown.height, 2 * card.height);
