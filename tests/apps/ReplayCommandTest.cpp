@@ -54,23 +54,14 @@ auto Fields(const HostEvent& e) {
     return std::make_tuple(static_cast<int>(e.kind), e.time, e.x, e.y, e.mods, e.button, e.clicks, e.key, e.ch);
 }
 
-HostEvent Event(HostEventKind kind, uint32_t time, int32_t x, int32_t y, uint32_t mods, int32_t button,
-                int32_t clicks, uint16_t key, uint8_t ch) {
-    HostEvent e;
-    std::tie(e.kind, e.time, e.x, e.y, e.mods, e.button, e.clicks, e.key, e.ch) =
-        std::make_tuple(kind, time, x, y, mods, button, clicks, key, ch);
-    return e;
-}
-
 TEST(EventScript, WhatIsWrittenReadsBackAsTheSameEvents) {
     using K = HostEventKind;
-    // Kind, time, x, y, mods, button, clicks, key, character.
     const std::vector<HostEvent> events = {
-        Event(K::MouseDown, 0, -3, 479, kModShift | kModAlt, 1, 1, 0, 0),
-        Event(K::MouseDown, 40, 0, 0, 0, 2, 2, 0, 0),  // a double click's second press, right button
-        Event(K::MouseMove, 41, 7, 0, 0, 0, 1, 0, 0),  // no button held
-        Event(K::KeyDown, 100, 0, 0, kModCtrl, 1, 1, 0x27, 0),  // Right
-        Event(K::Char, 150, 0, 0, 0, 1, 1, 0, 0x80),            // €
+        {.kind = K::MouseDown, .x = -3, .y = 479, .mods = kModShift | kModAlt},
+        {.kind = K::MouseDown, .time = 40, .button = 2, .clicks = 2},  // a double click's second press, right button
+        {.kind = K::MouseMove, .time = 41, .x = 7, .button = 0},        // no button held
+        {.kind = K::KeyDown, .time = 100, .mods = kModCtrl, .key = 0x27},  // Right
+        {.kind = K::Char, .time = 150, .ch = 0x80},                        // €
     };
     std::vector<HostEvent> back;
     std::string error;

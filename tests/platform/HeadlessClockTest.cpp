@@ -26,11 +26,9 @@ TEST_F(HeadlessClock, WallClockFollowsTheVirtualClock) {
         AdvanceHeadlessClock(12345);  // a date set later shows as set, whatever the clock says
         SetHeadlessWallClock(c.set);
         AdvanceHeadlessClock(c.advanceMs);
-        const HostDateTime t = GetHost().WallClock();
-        const HostDateTime& e = c.expected;
+        const HostDateTime t = GetHost().WallClock(), e = c.expected;
         EXPECT_EQ((std::vector<int32_t>{t.year, t.month, t.day, t.hour, t.minute, t.second, t.weekday}),
-            (std::vector<int32_t>{e.year, e.month, e.day, e.hour, e.minute, e.second, e.weekday}))
-            << c.set.year << "-" << c.set.month << "-" << c.set.day << " +" << c.advanceMs << " ms";
+                  (std::vector<int32_t>{e.year, e.month, e.day, e.hour, e.minute, e.second, e.weekday})) << c.set.year;
     }
 }
 

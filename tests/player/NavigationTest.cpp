@@ -10,13 +10,9 @@
 
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
-#include "host/Application.h"
-#include "messages/Alert.h"
-#include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
 #include "player/StackFlows.h"
-#include "stack/Blob.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
