@@ -117,34 +117,12 @@ TEST_F(BuildPicture, BackgroundsKeepEveryPixelAtTheirDepth) {
         EXPECT_EQ(Background(c.depth), c.pixels) << c.depth;
         if (c.depth == 8) {
             const PaletteRef colours = GetCardPalette(GetCardByPosition(1));
-            ASSERT_TRUE(colours);
-            EXPECT_EQ(colours->count, 256u);
+            ASSERT_TRUE(colours && colours->count == 256u);
             for (size_t i = 0; i < palette.size(); ++i) EXPECT_EQ(RgbOf(colours->entries[i]), palette[i]) << i;
             EXPECT_EQ(RgbOf(colours->entries[5]), (Rgb{0, 0, 0})) << "entries the file lacks are black";
         }
         CloseStack();
     }
-}
-
-TEST_F(BuildPicture, OtherPngsAreMatchedToTheDefaultPaletteAtEightBits) {
-    struct Case { Rgb colour; uint32_t index; };
-    const Case cases[] = {
-        {{255, 255, 255}, 0},  // white at 0 and at 236: the lower
-        {{0, 0, 0}, 255},      // the system's black, before almost-black at 15
-        {{1, 1, 1}, 15},
-        {{192, 220, 192}, 247},  // money green, a system colour
-    };
-    std::vector<Rgb> colours(kWidth * kHeight, Rgb{255, 255, 255});
-    for (size_t i = 0; i < std::size(cases); ++i) colours[i * 5] = cases[i].colour;
-    ASSERT_TRUE(WritePng(Path("rgb.png"), kWidth, kHeight, Rgba(colours)));
-    ASSERT_EQ(BuildAndOpen(PictureCard(R"({"png": "rgb.png"})")), "");
-    const std::vector<uint32_t> back = Background(8);
-    ASSERT_EQ(back.size(), colours.size());
-    for (size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(back[i * 5], cases[i].index) << "row " << i;
-    // The card carries the default palette as its table.
-    const PaletteRef table = GetCardPalette(GetCardByPosition(1));
-    ASSERT_TRUE(table);
-    EXPECT_EQ(RgbOf(table->entries[247]), (Rgb{192, 220, 192}));
 }
 
 TEST_F(BuildPicture, GraphicsArePackedByRowsOrRunsAtTheStacksDepth) {

@@ -75,6 +75,7 @@ protected:
         ASSERT_EQ(OpenStack(false), kResultOk);
     }
     static int16_t Current() { return GetDocument().currentCardId; }
+    static std::string Where() { return GetDocument().stackName + " " + std::to_string(Current()); }
     static std::vector<int> Alerts() {
         std::vector<int> ids;
         for (const HeadlessAlert& a : GetHeadlessState().alertsShown) ids.push_back(a.stringId);
@@ -100,22 +101,11 @@ TEST_F(NavigationTest, LeaveAndArriveRunTheirStepsInOrder) {
                                                "11/2030/0 order.stk - Card 1"}));
 }
 
-// The wrap at both ends is pressed through the keys in WindowProcStackTest; here the one card.
-TEST_F(NavigationTest, MovesOnASingleCardArriveAgain) {
-    Open(WriteStack("single.stk", {{4, "", 5}}));
-    Ran();
-    GoNext(kPlainEffect, kPlainSpeed);
-    GoPrevious(kPlainEffect, kPlainSpeed);
-    EXPECT_EQ(Current(), 4);
-    EXPECT_EQ(Ran(), (std::vector<std::string>{"5/2030/0 single.stk", "5/2030/0 single.stk"}));
-}
-
 TEST_F(NavigationTest, BackKeepsSixteenRecordsAndNeverDropsTheLast) {
     Open(WriteStack("back.stk", Numbered(18)));
     for (int i = 0; i < 17; ++i) GoNext(kPlainEffect, kPlainSpeed);
-    EXPECT_EQ(BackDepth(), kBackLimit);
-    EXPECT_EQ(BackCardId(0), 17);
-    EXPECT_EQ(BackCardId(15), 2);  // card 1, the oldest move, was dropped
+    // Card 1, the oldest move, was dropped.
+    EXPECT_EQ((std::vector<int>{BackDepth(), BackCardId(0), BackCardId(15)}), (std::vector<int>{kBackLimit, 17, 2}));
     std::vector<int16_t> visited;
     for (int i = 0; i < 17; ++i) {
         GoBack(kPlainEffect, kPlainSpeed);
@@ -129,8 +119,7 @@ TEST_F(NavigationTest, BackKeepsSixteenRecordsAndNeverDropsTheLast) {
     GoToCard(5, kPlainEffect, kPlainSpeed);
     EXPECT_EQ(BackDepth(), 1);
     GoNext(kPlainEffect, kPlainSpeed);
-    EXPECT_EQ(BackDepth(), 2);
-    EXPECT_EQ(BackCardId(0), 5);
+    EXPECT_EQ((std::vector<int>{BackDepth(), BackCardId(0)}), (std::vector<int>{2, 5}));
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }
 
@@ -221,8 +210,7 @@ TEST_F(NavigationTest, MovesBetweenStacksComeBackThroughBackMarkedAndHome) {
     SetSlotPath(kSlotOtherStack, DosPathFromHost(other));
     Ran();
     EXPECT_EQ(GoToStack(kSlotOtherStack, 8, kPlainEffect, kPlainSpeed, true, false), kResultOk);
-    EXPECT_EQ(GetDocument().stackName, "other.stk");
-    EXPECT_EQ(Current(), 8);
+    EXPECT_EQ(Where(), "other.stk 8");
     EXPECT_EQ(Ran(), std::vector<std::string>{"9/2033/0 other.stk"});
     EXPECT_EQ(GoToStack(kSlotOtherStack, 55, kPlainEffect, kPlainSpeed, true, false), kResultOk);
     EXPECT_EQ(Current(), 7);  // an unknown card: the first
@@ -230,8 +218,7 @@ TEST_F(NavigationTest, MovesBetweenStacksComeBackThroughBackMarkedAndHome) {
     GoBack(kPlainEffect, kPlainSpeed);  // the same stack
     EXPECT_EQ(Current(), 8);
     GoBack(kPlainEffect, kPlainSpeed);  // into Home again
-    EXPECT_EQ(GetDocument().stackName, "Home.stk");
-    EXPECT_EQ(Current(), 2);
+    EXPECT_EQ(Where(), "Home.stk 2");
 
     SetSlotPath(kSlotOtherStack, "C:\\no\\such\\folder\\gone.stk");
     EXPECT_EQ(GoToStack(kSlotOtherStack, 1, kPlainEffect, kPlainSpeed, true, false), kStackMoveStopped);
@@ -240,13 +227,11 @@ TEST_F(NavigationTest, MovesBetweenStacksComeBackThroughBackMarkedAndHome) {
     SetSlotPath(kSlotOtherStack, DosPathFromHost(other));
     GoToStack(kSlotOtherStack, 7, kPlainEffect, kPlainSpeed, true, false);
     GoMarked(kPlainEffect, kPlainSpeed);  // the marked card is in the stack we left
-    EXPECT_EQ(GetDocument().stackName, "Home.stk");
-    EXPECT_EQ(Current(), 2);
+    EXPECT_EQ(Where(), "Home.stk 2");
     GoNext(kPlainEffect, kPlainSpeed);
     GoToStack(kSlotOtherStack, 7, kPlainEffect, kPlainSpeed, true, false);
     GoHome(kPlainEffect, kPlainSpeed);  // to the card Home was left on
-    EXPECT_EQ(GetDocument().stackName, "Home.stk");
-    EXPECT_EQ(Current(), 3);
+    EXPECT_EQ(Where(), "Home.stk 3");
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }
 

@@ -153,14 +153,6 @@ TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {
         EXPECT_EQ(AlertsShown(), c.alerts) << c.name;
         ExpectBlankStack();
     }
-    // The blank stack can take a record and be saved.
-    MemRef data = NewMemRef(5);
-    uint16_t id = 0;
-    EXPECT_EQ(AddBlob(data, 0, FourCC("Snd "), &id, nullptr), 0);
-    EXPECT_EQ(id, 1);
-    const std::string out = TempPath("blank.stk");
-    ASSERT_EQ(SaveAs(out), kResultOk);
-    EXPECT_EQ(ReadWholeFile(out).size(), 128u + 100u + 68u + 8u);
 }
 
 TEST_F(StackFlowsTest, TheCardSizeQuestion) {
