@@ -59,7 +59,7 @@ protected:
     }
 };
 
-TEST_F(Export, FixtureBackgroundKeepsItsColoursAndGroupCardsDoNotRepeatIt) {
+TEST_F(Export, FixtureBackgroundKeepsItsColoursGroupCardsDoNotRepeatItAndOtherFilesAreRefused) {
     const Outcome run = ExportTo(std::string(QB_FIXTURES_DIR) + "/sample-cards.stk", dir_);
     ASSERT_EQ(run.code, 0) << run.err;
     // Card 2 (the first) owns the picture; card 3 (the second) shows it; the last two are blank.
@@ -70,9 +70,8 @@ TEST_F(Export, FixtureBackgroundKeepsItsColoursAndGroupCardsDoNotRepeatIt) {
     for (const Case& c : {Case{5, 5, {77, 51, 117}}, Case{10, 70, {88, 168, 24}}, Case{30, 70, {228, 28, 4}},
                           Case{5, 470, {34, 222, 178}}})
         EXPECT_EQ(png.At(c.x, c.y), c.rgb) << c.x << "," << c.y;
-}
-
-TEST_F(Export, StacksThatDoNotOpenGiveTheAlertAndExitOne) {
+    // A stack that does not open gives the alert and exit code 1, and no pictures.
+    fs::remove_all(dir_);
     const std::string notAStack = WriteTempFile("not-a-stack.stk", Bytes(300, 0x41));
     const Outcome bad = ExportTo(notAStack, dir_);
     EXPECT_EQ(bad.code, 1);
@@ -86,14 +85,8 @@ constexpr int32_t kWidth = 64, kHeight = 48;
 
 // A ColorTable of 256 entries: index i is (i, 255 - i, 3 * i mod 256).
 Bytes ColorTableBytes() {
-    Bytes t(8 + 256 * 8, 0);
-    PutBE16(t, 6, 255);
-    for (uint16_t i = 0; i < 256; ++i) {
-        PutBE16(t, 8 + 8 * i, i);
-        t[8 + 8 * i + 2] = static_cast<uint8_t>(i);
-        t[8 + 8 * i + 4] = static_cast<uint8_t>(255 - i);
-        t[8 + 8 * i + 6] = static_cast<uint8_t>(3 * i);
-    }
+    Bytes t = {0, 0, 0, 0, 0, 0, 0, 255};  // the last index, 255
+    for (int i = 0; i < 256; ++i) Append(t, {0, uint8_t(i), uint8_t(i), 0, uint8_t(255 - i), 0, uint8_t(3 * i), 0});
     return t;
 }
 

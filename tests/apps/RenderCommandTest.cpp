@@ -25,7 +25,6 @@ protected:
         options.output = Path(output);
         return options;
     }
-    static std::vector<uint8_t> Pixels(const std::string& path) { return ReadImage(path).rgba; }
 };
 
 TEST_F(RenderCommandTest, EveryCardByPositionAndNameAndASheetOfThemAll) {
@@ -37,7 +36,7 @@ TEST_F(RenderCommandTest, EveryCardByPositionAndNameAndASheetOfThemAll) {
         EXPECT_TRUE(fs::exists(dir_ / name)) << name;
     // A card rendered alone is the same picture as in the set.
     ASSERT_EQ(RunQuietly(Card(2, "two.png")), 0);
-    EXPECT_EQ(Pixels(Path("two.png")), Pixels(Path("002-Shared.png")));
+    EXPECT_EQ(ReadImage(Path("two.png")).rgba, ReadImage(Path("002-Shared.png")).rgba);
 }
 
 TEST_F(RenderCommandTest, ACardChangeWritesItsFramesAndEndsOnTheNewCard) {
@@ -49,7 +48,7 @@ TEST_F(RenderCommandTest, ACardChangeWritesItsFramesAndEndsOnTheNewCard) {
     ASSERT_EQ(RunQuietly(change), 0);
     EXPECT_TRUE(fs::exists(fs::path(change.framesDir) / "frame-0002.png"));
     ASSERT_EQ(RunQuietly(Card(3, "three.png")), 0);
-    EXPECT_EQ(Pixels(change.output), Pixels(Path("three.png")));
+    EXPECT_EQ(ReadImage(change.output).rgba, ReadImage(Path("three.png")).rgba);
 }
 
 TEST_F(RenderCommandTest, ACardThatIsNotThereIsRefused) {

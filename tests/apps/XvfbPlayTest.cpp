@@ -14,15 +14,11 @@
 
 namespace {
 
-bool OnPath(const std::string& program) {
-    return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
-}
-
 class XvfbPlay : public CommandFixture {
 protected:
     void SetUp() override {
         CommandFixture::SetUp();
-        if (!OnPath("xvfb-run") || !OnPath("Xvfb"))
+        if (std::system("command -v xvfb-run >/dev/null 2>&1 && command -v Xvfb >/dev/null 2>&1") != 0)
             GTEST_SKIP() << "xvfb-run or Xvfb is not installed (Debian: apt-get install xvfb xauth)";
     }
 };
