@@ -1,5 +1,5 @@
 // Moving between cards and stacks on hand-built stacks opened with the headless host: the order of
-// the leave and arrive steps, the wrap of the moves, the Back history, jumps, titles and new cards.
+// the leave and arrive steps, the Back history, jumps, titles, new cards and other stacks.
 #include "player/Navigation.h"
 
 #include <gtest/gtest.h>
