@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,71 +18,49 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kStack = std::string(QB_FIXTURES_DIR) + "/sample-cards.stk";
-
 class RenderCommandTest : public CommandFixture {
 protected:
-    static PngImage Read(const std::string& path) {
-        PngImage image;
-        std::string error;
-        EXPECT_TRUE(ReadPng(path, &image, &error)) << path << ": " << error;
-        return image;
+    // One card of the fixture stack into `output`.
+    RenderOptions Card(int card, const std::string& output) const {
+        RenderOptions options;
+        options.path = std::string(QB_FIXTURES_DIR) + "/sample-cards.stk";
+        options.card = card;
+        options.output = Path(output);
+        return options;
     }
 };
 
 TEST_F(RenderCommandTest, EveryCardByPositionAndNameAndASheetOfThemAll) {
-    RenderOptions options;
-    options.path = kStack;
-    options.output = dir_.string();
-    options.all = true;
-    options.contactSheet = true;
-    ASSERT_EQ(RunQuietly(options), 0);
-    for (const char* name : {"001-Cover.png", "002-Shared.png", "003-Blank.png", "004-Last.png", "contact-sheet.png"}) {
+    RenderOptions all = Card(0, "");
+    all.all = true;
+    all.contactSheet = true;
+    ASSERT_EQ(RunQuietly(all), 0);
+    for (const char* name : {"001-Cover.png", "002-Shared.png", "003-Blank.png", "004-Last.png", "contact-sheet.png"})
         EXPECT_TRUE(fs::exists(dir_ / name)) << name;
-    }
     // A card rendered alone is the same picture as in the set.
-    options.all = false;
-    options.card = 2;
-    options.output = Path("two.png");
-    ASSERT_EQ(RunQuietly(options), 0);
-    const PngImage alone = Read(options.output), inSet = Read(Path("002-Shared.png"));
-    EXPECT_EQ(alone.width, inSet.width);
-    EXPECT_EQ(alone.rgba, inSet.rgba);
+    ASSERT_EQ(RunQuietly(Card(2, "two.png")), 0);
+    EXPECT_EQ(ReadImage(Path("two.png")).rgba, ReadImage(Path("002-Shared.png")).rgba);
 }
 
 TEST_F(RenderCommandTest, ACardChangeWritesItsFramesAndEndsOnTheNewCard) {
-    RenderOptions options;
-    options.path = kStack;
-    options.card = 1;
-    options.toCard = 3;
-    options.transition = 7;  // Blocks: 41 steps
-    options.speed = 8;
-    options.framesDir = Path("frames");
-    options.output = Path("last.png");
-    ASSERT_EQ(RunQuietly(options), 0);
-    EXPECT_TRUE(fs::exists(fs::path(options.framesDir) / "frame-0002.png"));
-
-    RenderOptions plain;
-    plain.path = kStack;
-    plain.card = 3;
-    plain.output = Path("three.png");
-    ASSERT_EQ(RunQuietly(plain), 0);
-    EXPECT_EQ(Read(options.output).rgba, Read(plain.output).rgba);
+    RenderOptions change = Card(1, "last.png");
+    change.toCard = 3;
+    change.transition = 7;  // Blocks: 41 steps
+    change.speed = 8;
+    change.framesDir = Path("frames");
+    ASSERT_EQ(RunQuietly(change), 0);
+    EXPECT_TRUE(fs::exists(fs::path(change.framesDir) / "frame-0002.png"));
+    ASSERT_EQ(RunQuietly(Card(3, "three.png")), 0);
+    EXPECT_EQ(ReadImage(change.output).rgba, ReadImage(Path("three.png")).rgba);
 }
 
 TEST_F(RenderCommandTest, ACardThatIsNotThereIsRefused) {
-    RenderOptions options;
-    options.path = kStack;
-    options.output = Path("none.png");
-    for (int card : {0, 5}) {
-        options.card = card;
-        EXPECT_EQ(RunQuietly(options), 2) << card;
-    }
-    options.card = 1;
-    options.toCard = 9;
-    options.framesDir = dir_.string();
-    EXPECT_EQ(RunQuietly(options), 2);
-    EXPECT_FALSE(fs::exists(options.output));
+    for (int card : {0, 5}) EXPECT_EQ(RunQuietly(Card(card, "none.png")), 2) << card;
+    RenderOptions change = Card(1, "none.png");
+    change.toCard = 9;
+    change.framesDir = dir_.string();
+    EXPECT_EQ(RunQuietly(change), 2);
+    EXPECT_FALSE(fs::exists(Path("none.png")));
 }
 
 #ifdef QB_QUILLBROOK
@@ -101,7 +78,7 @@ TEST_F(RenderCommandTest, NoScratchFileOutlivesTheProgram) {
     } cases[] = {
         {"a failed open", "resave '" + damaged + "' -o '" + Path("out.stk") + "'"},
         {"a render of a damaged stack", "render '" + damaged + "' -o '" + Path("out.png") + "'"},
-        {"a normal play", "play '" + kStack + "' --exit-after 300"},
+        {"a normal play", "play '" + Card(1, "").path + "' --exit-after 300"},
     };
     for (const auto& c : cases) {
         const auto before = files();

@@ -28,9 +28,7 @@ inline void Record(const std::string& call) { Recorder().calls.push_back(call); 
 inline void StartRecordingActions() {
     Recorder() = ActionRecorder{};
     Subsystems& hooks = GetSubsystems();
-    hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t {
-        return Record("item " + std::to_string(id)), 0;
-    };
+    hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t { return Record("item " + std::to_string(id)), 0; };
     hooks.RunActionById = [](uint16_t id, uint32_t, uint32_t, const std::string& name) -> int32_t {
         return Record("byId " + std::to_string(id) + " " + name), 1;
     };
@@ -48,8 +46,7 @@ inline std::string RecordedCalls() {
 }
 
 // A live record with a rectangular region, as the card's drawing would make it, on top.
-inline DisplayItem* AddTestItem(int16_t type, int16_t id, const Rect& rect, int16_t actionId = 0,
-                                uint16_t flags = 0, int16_t shape = 2) {
+inline DisplayItem* AddTestItem(int16_t type, int16_t id, const Rect& rect, int16_t actionId = 0, uint16_t flags = 0, int16_t shape = 2) {
     auto item = std::make_unique<DisplayItem>();
     item->type = type;
     item->id = id;

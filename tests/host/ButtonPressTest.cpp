@@ -3,11 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/StateRegistry.h"
 #include "host/ActionRecorder.h"
-#include "host/MainLoop.h"
-#include "host/WindowProc.h"
-#include "platform/headless/HeadlessHost.h"
 
 namespace {
 
@@ -18,9 +14,7 @@ class ButtonPressTest : public testing::Test {
 protected:
     void SetUp() override { StartPlayerWithRecorders(); }
     void TearDown() override { ResetAllState(); }
-    static void Send(HostEventKind kind, int32_t x, int32_t y) {
-        HandleWindowMessage(nullptr, MouseEvent(kind, x, y));
-    }
+    static void Send(HostEventKind kind, int32_t x, int32_t y) { HandleWindowMessage(nullptr, MouseEvent(kind, x, y)); }
     // What has reached the screen inside the button: the hilite is white turned black.
     static bool ShownInverted() { return GetHeadlessState().screen.Row(30)[30] == kBlack; }
 };
@@ -61,8 +55,7 @@ TEST_F(ButtonPressTest, ARunsOnlyWhenReleasedInside) {
 
 TEST_F(ButtonPressTest, HoverButtonFiresOncePerEntry) {
     AddTestItem(kItemKindButton, 9, kHoverButton, 0, kItemFlagHover);
-    const std::pair<int32_t, int32_t> moves[] = {{110, 110}, {120, 130}, {200, 200}, {115, 115},
-                                                 {139, 139}, {10, 10},   {101, 101}};
+    const std::pair<int32_t, int32_t> moves[] = {{110, 110}, {120, 130}, {200, 200}, {139, 139}, {10, 10}, {101, 101}};
     for (const auto& [x, y] : moves) Send(HostEventKind::MouseMove, x, y);
     EXPECT_EQ(RecordedCalls(), "item 9; item 9; item 9");
 }

