@@ -1,34 +1,19 @@
-// The DisplayList: order of the live records, the hit test by kind, the items' clip and mask, and
-// the masks made from a picture's shape.
+// The DisplayList: order of the live records, the hit test by kind, the items' clip and mask.
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "card/DisplayList.h"
 #include "card/OffscreenCard.h"
 #include "stack/CardRecord.h"
-#include "support/PictureMaker.h"
 
 namespace {
 
-std::unique_ptr<DisplayItem> Item(int16_t type, int16_t id, const Rect& r, int16_t shape = 2,
-                                  uint16_t flags = 0) {
-    auto item = std::make_unique<DisplayItem>();
-    item->type = type;
-    item->id = id;
-    item->rect = r;
-    item->shape = shape;
-    item->flags = flags;
-    item->region = Region(r);
-    item->hasRegion = true;
-    return item;
-}
-
 // A mask from rows of '#' and '.'.
 BitMask MaskOf(std::initializer_list<const char*> rows) {
-    BitMask mask(static_cast<int32_t>(std::string(*rows.begin()).size()),
-                 static_cast<int32_t>(rows.size()));
+    BitMask mask(static_cast<int32_t>(std::string(*rows.begin()).size()), static_cast<int32_t>(rows.size()));
     int32_t y = 0;
     for (const char* row : rows) {
         for (int32_t x = 0; row[x]; ++x) mask.Set(x, y, row[x] == '#');
@@ -37,19 +22,20 @@ BitMask MaskOf(std::initializer_list<const char*> rows) {
     return mask;
 }
 
-std::string MaskArt(const BitMask& mask) {
-    std::string text;
-    for (int32_t y = 0; y < mask.height; ++y) {
-        for (int32_t x = 0; x < mask.width; ++x) text += mask.Get(x, y) ? '#' : '.';
-        text += '\n';
-    }
-    return text;
+// A record hit by its rectangle, or by `mask` at its corner when one is given.
+void Insert(int16_t type, int16_t id, const Rect& r, int16_t shape = 2, uint16_t flags = 0,
+            std::initializer_list<const char*> mask = {}, int32_t position = -1) {
+    auto item = std::make_unique<DisplayItem>();
+    std::tie(item->type, item->id, item->rect, item->shape, item->flags) = std::make_tuple(type, id, r, shape, flags);
+    item->region = Region(r);
+    item->hasRegion = true;
+    if (mask.size()) std::tie(item->mask, item->hasMask) = std::make_tuple(MaskOf(mask), true);
+    InsertDisplayItem(std::move(item), position);
 }
 
 std::vector<int16_t> Ids() {
     std::vector<int16_t> ids;
-    for (const DisplayItem* item = DisplayListHead(); item; item = item->next.get())
-        ids.push_back(item->id);
+    for (const DisplayItem* item = DisplayListHead(); item; item = item->next.get()) ids.push_back(item->id);
     return ids;
 }
 
@@ -63,31 +49,19 @@ protected:
 };
 
 TEST_F(DisplayListTest, HitTestTakesTheTopmostRecordByItsKind) {
-    // Bottom to top: a text field, two overlapping buttons, a rectangle button, a picture button
-    // and a transparent graphic with masks at their corners, a hover button.
-    InsertDisplayItem(Item(kItemKindText, 1, {0, 0, 64, 48}), -1);
-    InsertDisplayItem(Item(kItemKindButton, 2, {10, 10, 30, 30}), -1);
-    InsertDisplayItem(Item(kItemKindButton, 3, {20, 20, 40, 40}), -1);
-    auto plain = Item(kItemKindButton, 4, {40, 0, 50, 10}, 4);
-    plain->region = Region();  // a rectangle button is hit by its rectangle alone
-    plain->hasRegion = false;
-    InsertDisplayItem(std::move(plain), -1);
-    auto picture = Item(kItemKindButton, 5, {50, 0, 53, 2}, 6);
-    picture->mask = MaskOf({"#..", ".#."});
-    picture->hasMask = true;
-    InsertDisplayItem(std::move(picture), -1);
-    auto graphic = Item(kItemKindGraphic, 6, {50, 10, 53, 12});
-    graphic->mask = MaskOf({"..#", "###"});
-    graphic->hasMask = true;
-    InsertDisplayItem(std::move(graphic), -1);
-    InsertDisplayItem(Item(kItemKindButton, 7, {0, 40, 10, 48}, 2, kItemFlagHover), -1);
+    // Bottom to top: a text field, two overlapping buttons, a rectangle button (hit by its
+    // rectangle alone), a picture button and a transparent graphic with masks at their corners, a
+    // hover button.
+    Insert(kItemKindText, 1, {0, 0, 64, 48});
+    Insert(kItemKindButton, 2, {10, 10, 30, 30});
+    Insert(kItemKindButton, 3, {20, 20, 40, 40});
+    Insert(kItemKindButton, 4, {40, 0, 50, 10}, 4);
+    FindDisplayItem(kItemKindButton, 4)->hasRegion = false;
+    Insert(kItemKindButton, 5, {50, 0, 53, 2}, 6, 0, {"#..", ".#."});
+    Insert(kItemKindGraphic, 6, {50, 10, 53, 12}, 2, 0, {"..#", "###"});
+    Insert(kItemKindButton, 7, {0, 40, 10, 48}, 2, kItemFlagHover);
 
-    struct Case {
-        int32_t x, y;
-        bool buttonsOnly;
-        int16_t ignoreId;
-        int16_t expected;  // 0: nothing
-    };
+    struct Case { int32_t x, y; bool buttonsOnly; int16_t ignoreId, expected; };  // expected 0: nothing
     const Case cases[] = {
         {25, 25, false, 0, 3}, {15, 15, false, 0, 2}, {25, 25, false, 3, 2}, {5, 5, false, 0, 1},
         {45, 5, false, 0, 4},  {50, 0, false, 0, 5},  {51, 0, false, 0, 1},  {51, 1, false, 0, 5},
@@ -95,30 +69,22 @@ TEST_F(DisplayListTest, HitTestTakesTheTopmostRecordByItsKind) {
         {5, 45, true, 0, 7},   {25, 25, true, 0, 0},  {5, 45, true, 7, 0},   {70, 70, false, 0, 0},
     };
     for (const Case& c : cases) {
-        const DisplayItem* ignore =
-            c.ignoreId ? FindDisplayItem(kItemKindButton, c.ignoreId) : nullptr;
+        const DisplayItem* ignore = c.ignoreId ? FindDisplayItem(kItemKindButton, c.ignoreId) : nullptr;
         const DisplayItem* hit = FindItemAt(c.x, c.y, c.buttonsOnly, ignore);
         EXPECT_EQ(hit ? hit->id : 0, c.expected)
-            << "at " << c.x << "," << c.y << (c.buttonsOnly ? " hover only" : "") << " ignoring "
-            << c.ignoreId;
+            << "at " << c.x << "," << c.y << (c.buttonsOnly ? " hover only" : "") << " ignoring " << c.ignoreId;
     }
 }
 
 TEST_F(DisplayListTest, RecordsAreLinkedMovedAndRemovedByPosition) {
-    for (int16_t id = 1; id <= 3; ++id)
-        InsertDisplayItem(Item(kItemKindButton, id, {0, 0, 1, 1}), -1);
-    InsertDisplayItem(Item(kItemKindButton, 4, {0, 0, 1, 1}), 1);      // at the bottom
-    InsertDisplayItem(Item(kItemKindButton, 5, {0, 0, 1, 1}), 3);      // after two records
-    InsertDisplayItem(Item(kItemKindButton, 6, {0, 0, 1, 1}), 40000);  // past the end: the top
+    for (int16_t id = 1; id <= 3; ++id) Insert(kItemKindButton, id, {0, 0, 1, 1});
+    Insert(kItemKindButton, 4, {0, 0, 1, 1}, 2, 0, {}, 1);      // at the bottom
+    Insert(kItemKindButton, 5, {0, 0, 1, 1}, 2, 0, {}, 3);      // after two records
+    Insert(kItemKindButton, 6, {0, 0, 1, 1}, 2, 0, {}, 40000);  // past the end: the top
     EXPECT_EQ(Ids(), (std::vector<int16_t>{4, 1, 5, 2, 3, 6}));
     EXPECT_EQ(DisplayListLength(), 6);
 
-    struct Move {
-        int16_t id;
-        char direction;
-        bool toEnd;
-        std::vector<int16_t> after;
-    };
+    struct Move { int16_t id; char direction; bool toEnd; std::vector<int16_t> after; };
     const Move moves[] = {
         {5, 'C', false, {4, 5, 1, 2, 3, 6}}, {5, 'C', true, {5, 4, 1, 2, 3, 6}},
         {5, 'C', false, {5, 4, 1, 2, 3, 6}}, {1, 'F', false, {5, 4, 2, 1, 3, 6}},
@@ -126,8 +92,7 @@ TEST_F(DisplayListTest, RecordsAreLinkedMovedAndRemovedByPosition) {
     };
     for (const Move& m : moves) {
         MoveDisplayItem(FindDisplayItem(kItemKindButton, m.id), m.direction, m.toEnd);
-        EXPECT_EQ(Ids(), m.after) << "moving " << m.id << " " << m.direction
-                                  << (m.toEnd ? " to the end" : "");
+        EXPECT_EQ(Ids(), m.after) << "moving " << m.id << " " << m.direction << (m.toEnd ? " to the end" : "");
     }
     RemoveDisplayItem(FindDisplayItem(kItemKindButton, 3));
     EXPECT_EQ(Ids(), (std::vector<int16_t>{5, 2, 1, 6, 4}));
@@ -137,17 +102,11 @@ TEST_F(DisplayListTest, RecordsAreLinkedMovedAndRemovedByPosition) {
 }
 
 TEST_F(DisplayListTest, TheClipAndTheMaskLeaveOutEveryItemShape) {
-    InsertDisplayItem(Item(kItemKindButton, 1, {0, 0, 10, 10}), -1);
-    InsertDisplayItem(Item(kItemKindText, 2, {60, 40, 70, 50}), -1);  // partly off the display
+    Insert(kItemKindButton, 1, {0, 0, 10, 10});
+    Insert(kItemKindText, 2, {60, 40, 70, 50});  // partly off the display
     // Two graphics whose masks overlap: the overlap is taken out again by the exclusive-or.
-    auto a = Item(kItemKindGraphic, 3, {20, 0, 23, 1});
-    a->mask = MaskOf({"##."});
-    a->hasMask = true;
-    auto b = Item(kItemKindGraphic, 4, {21, 0, 24, 1});
-    b->mask = MaskOf({"#.#"});
-    b->hasMask = true;
-    InsertDisplayItem(std::move(a), -1);
-    InsertDisplayItem(std::move(b), -1);
+    Insert(kItemKindGraphic, 3, {20, 0, 23, 1}, 2, 0, {"##."});
+    Insert(kItemKindGraphic, 4, {21, 0, 24, 1}, 2, 0, {"#.#"});
 
     // Graphics leave the clip by their rectangles; nothing outside the display is in it.
     const Region& clip = GetItemsClip();
@@ -156,8 +115,7 @@ TEST_F(DisplayListTest, TheClipAndTheMaskLeaveOutEveryItemShape) {
               (std::vector<bool>{false, false, false, true, true, false}));
 
     const BitMask items = MakeItemsMask();
-    ASSERT_EQ(items.width, 64);
-    ASSERT_EQ(items.height, 48);
+    ASSERT_EQ((std::vector<int32_t>{items.width, items.height}), (std::vector<int32_t>{64, 48}));
     std::string row0;
     for (int32_t x = 18; x < 26; ++x) row0 += items.Get(x, 0) ? '#' : '.';
     EXPECT_EQ(row0, "..#..#..");
@@ -166,41 +124,6 @@ TEST_F(DisplayListTest, TheClipAndTheMaskLeaveOutEveryItemShape) {
 
     FreeDisplayList();
     EXPECT_EQ(GetItemsClip(), Region(Rect{0, 0, 64, 48}));
-}
-
-TEST_F(DisplayListTest, OutlineMasksFollowTheInnerRimOfTheShape) {
-    // The shape's pixels are those that aren't zero, at every depth; a run that reaches the right
-    // edge is closed there.
-    const char* shape[] = {".......", "####.##", "####.##", "####...", "......."};
-    struct Case {
-        int32_t depth;
-        uint32_t value;
-        int32_t width;
-        std::string rim;
-    };
-    const std::string oneDeep = ".......\n####.##\n#..#.##\n####...\n.......\n";
-    const std::string shapeArt = ".......\n####.##\n####.##\n####...\n.......\n";
-    const Case cases[] = {
-        {8, 1, 1, oneDeep},       {8, 255, 0, oneDeep}, {32, 0x000001, 1, oneDeep},
-        {16, 0x8000, 1, oneDeep}, {8, 7, 2, shapeArt},
-    };
-    for (const Case& c : cases) {
-        const MemRef dib = NewDibImage(7, 5, c.depth);
-        {
-            MemRefLock lock(dib);
-            for (int32_t y = 0; y < 5; ++y) {
-                for (int32_t x = 0; x < 7; ++x) {
-                    // Display rows run bottom-up; 16-bit 0x8000 holds no colour but isn't zero.
-                    if (shape[y][x] == '#') SetPixel(lock.data(), x, 4 - y, c.value);
-                }
-            }
-        }
-        EXPECT_EQ(MaskArt(MakeOutlineMask(dib, c.width)), c.rim)
-            << c.depth << " bits, width " << c.width;
-        EXPECT_EQ(MaskArt(MakeShapeMask(dib)), shapeArt) << c.depth << " bits";
-        FreeMemRef(dib);
-    }
-    EXPECT_EQ(MakeOutlineMask(0, 1).width, 0) << "no picture, no mask";
 }
 
 }  // namespace

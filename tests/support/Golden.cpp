@@ -8,58 +8,38 @@
 
 namespace {
 
-std::string GoldenPath(const std::string& name, const char* suffix) {
-    return std::string(QB_GOLDEN_DIR) + "/" + name + suffix + ".png";
-}
-
 bool WriteSurface(const std::string& path, const Surface& s) {
-    std::vector<uint8_t> rgba(s.pixels.size() * 4);
-    for (size_t i = 0; i < s.pixels.size(); ++i) {
-        rgba[4 * i] = RedOf(s.pixels[i]);
-        rgba[4 * i + 1] = GreenOf(s.pixels[i]);
-        rgba[4 * i + 2] = BlueOf(s.pixels[i]);
-        rgba[4 * i + 3] = 255;
-    }
+    std::vector<uint8_t> rgba;
+    for (uint32_t p : s.pixels) rgba.insert(rgba.end(), {RedOf(p), GreenOf(p), BlueOf(p), 255});
     return WritePng(path, s.width, s.height, rgba);
-}
-
-bool ReadSurface(const std::string& path, Surface* s, std::string* error) {
-    PngImage image;
-    if (!ReadPng(path, &image, error)) return false;
-    *s = Surface(image.width, image.height);
-    for (size_t i = 0; i < s->pixels.size(); ++i) {
-        s->pixels[i] = Rgb(image.rgba[4 * i], image.rgba[4 * i + 1], image.rgba[4 * i + 2]);
-    }
-    return true;
 }
 
 }  // namespace
 
 testing::AssertionResult MatchesGolden(const Surface& surface, const std::string& name) {
-    const std::string expectedPath = GoldenPath(name, "");
-    const std::string actualPath = GoldenPath(name, "-actual");
+    const std::string expectedPath = std::string(QB_GOLDEN_DIR) + "/" + name + ".png";
+    const std::string actualPath = std::string(QB_GOLDEN_DIR) + "/" + name + "-actual.png";
     if (!std::filesystem::exists(expectedPath)) {
         const bool written = WriteSurface(expectedPath, surface);
         return testing::AssertionFailure()
                << "no reference " << expectedPath << "; "
-               << (written ? "written from this run: look at it, then commit it"
-                           : "and it could not be written");
+               << (written ? "written from this run: look at it, then commit it" : "and it could not be written");
     }
-    Surface expected;
+    PngImage expected;
     std::string error;
-    if (!ReadSurface(expectedPath, &expected, &error)) {
-        return testing::AssertionFailure()
-               << "cannot read the reference " << expectedPath << ": " << error;
+    if (!ReadPng(expectedPath, &expected, &error)) {
+        return testing::AssertionFailure() << "cannot read the reference " << expectedPath << ": " << error;
     }
     if (expected.width != surface.width || expected.height != surface.height) {
         WriteSurface(actualPath, surface);
-        return testing::AssertionFailure()
-               << name << ": " << surface.width << "x" << surface.height << ", the reference is "
-               << expected.width << "x" << expected.height << "; wrote " << actualPath;
+        return testing::AssertionFailure() << name << ": " << surface.width << "x" << surface.height
+                                           << ", the reference is " << expected.width << "x" << expected.height
+                                           << "; wrote " << actualPath;
     }
     size_t differing = 0, first = 0;
     for (size_t i = surface.pixels.size(); i-- > 0;) {
-        if ((surface.pixels[i] & 0xFFFFFF) != expected.pixels[i]) {
+        const uint8_t* e = &expected.rgba[4 * i];
+        if ((surface.pixels[i] & 0xFFFFFF) != Rgb(e[0], e[1], e[2])) {
             ++differing;
             first = i;
         }
@@ -70,11 +50,11 @@ testing::AssertionResult MatchesGolden(const Surface& surface, const std::string
         return testing::AssertionSuccess();
     }
     WriteSurface(actualPath, surface);
+    const uint8_t* e = &expected.rgba[4 * first];
     char detail[96];
     std::snprintf(detail, sizeof detail, "first at (%zu, %zu): 0x%06X, the reference has 0x%06X",
-                  first % static_cast<size_t>(surface.width),
-                  first / static_cast<size_t>(surface.width), surface.pixels[first] & 0xFFFFFF,
-                  expected.pixels[first]);
+                  first % static_cast<size_t>(surface.width), first / static_cast<size_t>(surface.width),
+                  surface.pixels[first] & 0xFFFFFF, Rgb(e[0], e[1], e[2]));
     return testing::AssertionFailure()
            << name << ": " << differing << " pixels differ, " << detail << "; wrote " << actualPath;
 }

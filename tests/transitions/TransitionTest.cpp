@@ -2,6 +2,7 @@
 // the ids and speeds that fall back, the colour fades at 8 bits, and Escape in the display fade.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "gfx/Palette.h"
@@ -38,61 +39,39 @@ uint32_t StepsEnd(uint32_t startTick, int32_t speed, int32_t n, int32_t taken) {
     return (startTick + (budget * static_cast<uint32_t>(taken) + 3) / 4) * kStepTickMs;
 }
 
-enum class Timing { Steps, Fastest, Instant, Zoom, DisplayFade };
+enum Timing { kSteps, kFastest, kInstant, kZoom, kDisplayFade };
 
-struct TimingCase {
-    int16_t id;
-    Timing timing;
-    int32_t steps;  // steps counted by BeginSteps
-    int32_t taken;  // steps taken, when one more than counted
-};
+// The steps BeginSteps counts, and those taken (one more for some).
+struct TimingCase { int16_t id; Timing timing; int32_t steps, taken; };
 
 // Over a 301 x 203 rectangle at depth 32, every id at every speed.
 TEST_F(TransitionTest, EachEffectTakesTheTimeOfItsSteps) {
     const TimingCase cases[] = {
-        {0, Timing::Fastest, 4, 4},  {1, Timing::Steps, 64, 64},        {2, Timing::Steps, 64, 64},
-        {3, Timing::Fastest, 4, 4},  {4, Timing::Steps, 64, 64},        {5, Timing::Instant, 4, 4},
-        {6, Timing::Instant, 4, 4},  {7, Timing::Steps, 41, 41},        {8, Timing::Steps, 64, 64},
-        {9, Timing::Steps, 64, 64},  {10, Timing::Steps, 207, 207},     {11, Timing::Steps, 64, 64},
-        {12, Timing::Steps, 32, 32}, {13, Timing::Steps, 8, 8},         {14, Timing::Steps, 16, 16},
-        {15, Timing::Steps, 64, 64}, {16, Timing::Steps, 64, 65},       {17, Timing::Steps, 64, 64},
-        {18, Timing::Steps, 64, 64}, {19, Timing::Steps, 32, 32},       {20, Timing::Steps, 32, 32},
-        {21, Timing::Zoom, 4, 4},    {22, Timing::Zoom, 4, 4},          {23, Timing::Steps, 8, 8},
-        {24, Timing::Steps, 8, 8},   {25, Timing::Steps, 8, 8},         {26, Timing::Steps, 8, 8},
-        {27, Timing::Instant, 4, 4}, {28, Timing::DisplayFade, 16, 16}, {29, Timing::Fastest, 4, 4},
-        {-1, Timing::Fastest, 4, 4},
+        {0, kFastest, 4, 4}, {1, kSteps, 64, 64}, {2, kSteps, 64, 64}, {3, kFastest, 4, 4}, {4, kSteps, 64, 64},
+        {5, kInstant, 4, 4}, {6, kInstant, 4, 4}, {7, kSteps, 41, 41}, {8, kSteps, 64, 64}, {9, kSteps, 64, 64},
+        {10, kSteps, 207, 207}, {11, kSteps, 64, 64}, {12, kSteps, 32, 32}, {13, kSteps, 8, 8}, {14, kSteps, 16, 16},
+        {15, kSteps, 64, 64}, {16, kSteps, 64, 65}, {17, kSteps, 64, 64}, {18, kSteps, 64, 64}, {19, kSteps, 32, 32},
+        {20, kSteps, 32, 32}, {21, kZoom, 4, 4}, {22, kZoom, 4, 4}, {23, kSteps, 8, 8}, {24, kSteps, 8, 8},
+        {25, kSteps, 8, 8}, {26, kSteps, 8, 8}, {27, kInstant, 4, 4}, {28, kDisplayFade, 16, 16}, {29, kFastest, 4, 4},
+        {-1, kFastest, 4, 4},
     };
     for (const TimingCase& c : cases) {
         for (const int32_t speed : {8, 16, 32}) {
             SCOPED_TRACE(testing::Message() << "id " << c.id << " speed " << speed);
             const Surface picture = Scene(320, 240);
             RunTransition(c.id, static_cast<int16_t>(speed), {3, 5, 304, 208}, picture, false);
-            uint32_t end = 0;
-            switch (c.timing) {
-                case Timing::Steps:
-                    end = StepsEnd(kStartTick, speed, c.steps, c.taken);
-                    break;
-                // Twice as fast, and at 8 no wait at all.
-                case Timing::Fastest:
-                    end = speed == 8 ? kStartMs : StepsEnd(kStartTick, speed / 2, c.steps, c.taken);
-                    break;
-                case Timing::Instant:
-                    end = kStartMs;
-                    break;
-                // Eighteen rounds of speed + 1 ticks, then Fastest at 8.
-                case Timing::Zoom:
-                    end = (kStartTick + 18 * static_cast<uint32_t>(speed + 1)) * kStepTickMs;
-                    break;
-                // Two dissolves of the window with a second between them.
-                case Timing::DisplayFade: {
-                    const uint32_t pauseEnd = StepsEnd(kStartTick, speed, 16, 16) + 1000;
-                    end = StepsEnd(pauseEnd / kStepTickMs, speed, 16, 16);
-                    break;
-                }
-            }
-            EXPECT_EQ(GetHeadlessState().clockMs, end);
-            EXPECT_EQ(GetTransitionState().stepCount, c.steps);
-            EXPECT_EQ(GetTransitionState().stepIndex, c.taken);
+            // Fastest: twice as fast, and at 8 no wait at all. Zoom: eighteen rounds of speed + 1
+            // ticks, then Fastest at 8. The display fade: two dissolves with a second between them.
+            const uint32_t end =
+                c.timing == kSteps     ? StepsEnd(kStartTick, speed, c.steps, c.taken)
+                : c.timing == kFastest ? (speed == 8 ? kStartMs : StepsEnd(kStartTick, speed / 2, c.steps, c.taken))
+                : c.timing == kZoom    ? (kStartTick + 18 * static_cast<uint32_t>(speed + 1)) * kStepTickMs
+                : c.timing == kDisplayFade
+                    ? StepsEnd((StepsEnd(kStartTick, speed, 16, 16) + 1000) / kStepTickMs, speed, 16, 16)
+                    : kStartMs;
+            const TransitionState& state = GetTransitionState();
+            EXPECT_EQ((std::vector<int64_t>{GetHeadlessState().clockMs, state.stepCount, state.stepIndex}),
+                      (std::vector<int64_t>{end, c.steps, c.taken}));
         }
     }
 }
@@ -106,14 +85,8 @@ TEST_F(TransitionTest, OddSpeedsRunAtTheFastest) {
 }
 
 TEST_F(TransitionTest, BlindsStepOncePerRowOfEachPass) {
-    const struct {
-        int32_t height;
-        int16_t speed;
-        int16_t steps;
-        uint32_t end;
-    } cases[] = {
+    const struct { int32_t height; int16_t speed, steps; uint32_t end; } cases[] = {
         {19, 8, 27, StepsEnd(kStartTick, 8, 27, 27)},  // three rows a pass, some below the rectangle
-        {19, 32, 27, StepsEnd(kStartTick, 32, 27, 27)},
         {300, 8, 306, kStartMs},  // a tall card at the fastest speed has no time to give a step
     };
     for (const auto& c : cases) {
@@ -137,15 +110,15 @@ TEST_F(TransitionTest, NothingRunsWithoutAPictureOrAnArea) {
     EXPECT_EQ(GetHeadlessState().window.pixels, Surface(64, 64, kOld).pixels);
 }
 
-std::vector<std::vector<PaletteEntry>>* gAnimated = nullptr;
+std::vector<std::vector<PaletteEntry>> gAnimated;
 void RecordAnimated(const Palette*, uint32_t first, uint32_t count, const PaletteEntry* entries) {
     EXPECT_EQ(first, 0u);
     ASSERT_EQ(count, kPaletteSize);
-    gAnimated->emplace_back(entries, entries + count);
+    gAnimated.emplace_back(entries, entries + count);
 }
-std::vector<uint32_t>* gPausedOn = nullptr;  // the first pixel on screen at each wait
+std::vector<uint32_t> gPausedOn;  // the first pixel on screen at each wait
 void WaitAndLook(uint32_t deadline) {
-    gPausedOn->push_back(GetHeadlessState().screen.pixels[0]);
+    gPausedOn.push_back(GetHeadlessState().screen.pixels[0]);
     HeadlessHost().WaitUntil(deadline);
 }
 
@@ -157,10 +130,6 @@ bool SameColor(const PaletteEntry& a, const PaletteEntry& b) {
 // to the new colours, and the new colours.
 TEST_F(TransitionTest, ColourFadesRampThroughTheirTargetAt8Bits) {
     ForceDisplayDepth(8);
-    std::vector<std::vector<PaletteEntry>> animated;
-    std::vector<uint32_t> pausedOn;
-    gAnimated = &animated;
-    gPausedOn = &pausedOn;
     GetPaletteState().animate = RecordAnimated;
     Host host = HeadlessHost();
     host.WaitUntil = WaitAndLook;
@@ -172,39 +141,34 @@ TEST_F(TransitionTest, ColourFadesRampThroughTheirTargetAt8Bits) {
     }
     NoteColors(oldColors);
     NoteColors(newColors);
-    const struct {
-        int16_t id;
-        bool setColor;
-        PaletteEntry target;
-    } cases[] = {
+    const struct { int16_t id; bool setColor; PaletteEntry target; } cases[] = {
         {5, true, {0, 0, 0, 0}},  // the button colour plays no part
-        {6, false, {255, 255, 255, 0}}, {27, true, {10, 20, 30, 0}},
+        {6, false, {255, 255, 255, 0}},
+        {27, true, {10, 20, 30, 0}},
         {27, false, {0, 0, 0, 0}},  // cleared by the last transition
         {28, true, {0, 0, 0, 0}},   // the whole display, through black
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "id " << c.id);
-        animated.clear();
-        pausedOn.clear();
+        gAnimated.clear();
+        gPausedOn.clear();
         const Surface picture = Scene(64, 48);
         if (c.setColor) SetTransitionFadeColor(10, 20, 30);
         RunTransition(c.id, 16, {0, 0, 64, 48}, picture, false);
-        ASSERT_EQ(animated.size(), 64u);
-        const auto firstStep = [](int32_t from, int32_t to) {
-            return static_cast<uint8_t>((31 * from + to) / 32);
-        };
-        EXPECT_TRUE(SameColor(animated[0][7], {firstStep(7, c.target.red), firstStep(100, c.target.green),
+        ASSERT_EQ(gAnimated.size(), 64u);
+        const auto firstStep = [](int32_t from, int32_t to) { return static_cast<uint8_t>((31 * from + to) / 32); };
+        EXPECT_TRUE(SameColor(gAnimated[0][7], {firstStep(7, c.target.red), firstStep(100, c.target.green),
                                                firstStep(0, c.target.blue), 0}));
-        EXPECT_EQ(animated[0][7].flags, kPaletteReserved);
+        EXPECT_EQ(gAnimated[0][7].flags, kPaletteReserved);
         for (uint32_t i = 0; i < kPaletteSize; ++i) {
-            ASSERT_TRUE(SameColor(animated[31][i], c.target)) << i;
-            ASSERT_TRUE(SameColor(animated[63][i], newColors[i])) << i;
+            ASSERT_TRUE(SameColor(gAnimated[31][i], c.target)) << i;
+            ASSERT_TRUE(SameColor(gAnimated[63][i], newColors[i])) << i;
         }
         // (16 + 2) * 32 quarter ticks, then (16 + 2) * 31 from the tick the second ramp began.
         const uint32_t middle = kStartTick + 18 * 32 / 4;
         EXPECT_EQ(GetHeadlessState().clockMs, (middle + (18 * 31 + 3) / 4) * kStepTickMs);
-        ASSERT_EQ(pausedOn.size(), 63u);
-        EXPECT_EQ((std::vector<uint32_t>{pausedOn[31], pausedOn[32]}), (std::vector<uint32_t>{kOld, kNew}));
+        ASSERT_EQ(gPausedOn.size(), 63u);
+        EXPECT_EQ((std::vector<uint32_t>{gPausedOn[31], gPausedOn[32]}), (std::vector<uint32_t>{kOld, kNew}));
         EXPECT_EQ(GetHeadlessState().screen.pixels, picture.pixels);
     }
 }
@@ -214,17 +178,10 @@ TEST_F(TransitionTest, ColourFadesRampThroughTheirTargetAt8Bits) {
 TEST_F(TransitionTest, EscapeEndsThePauseOfTheDisplayFade) {
     const Surface picture = Scene(64, 48);
     const uint32_t pauseStart = StepsEnd(kStartTick, 8, 16, 16);
-    const auto queue = [](HostEventKind kind, uint32_t time, uint16_t key) {
-        HostEvent event;
-        event.kind = kind;
-        event.time = time;
-        event.key = key;
-        QueueHeadlessEvent(event);
-    };
-    queue(HostEventKind::KeyDown, pauseStart + 100, 0x0D);
-    queue(HostEventKind::MouseMove, pauseStart + 200, 0);
-    queue(HostEventKind::KeyUp, pauseStart + 300, 0x1B);
-    queue(HostEventKind::KeyDown, pauseStart + 400, 0x1B);
+    using K = HostEventKind;
+    for (const auto& [kind, at, key] : {std::tuple{K::KeyDown, 100u, 0x0D}, {K::MouseMove, 200u, 0},
+                                        {K::KeyUp, 300u, 0x1B}, {K::KeyDown, 400u, 0x1B}})
+        QueueHeadlessEvent({.kind = kind, .time = pauseStart + at, .key = static_cast<uint16_t>(key)});
     RunTransition(28, 8, {0, 0, 64, 48}, picture, false);
     EXPECT_EQ(GetHeadlessState().clockMs, StepsEnd((pauseStart + 400) / kStepTickMs, 8, 16, 16));
     EXPECT_EQ(GetHeadlessState().events.size(), 4u);
@@ -232,8 +189,7 @@ TEST_F(TransitionTest, EscapeEndsThePauseOfTheDisplayFade) {
 
 // Each step hands the blend so far to the fade hook, reaching the new colours on the last.
 TEST_F(TransitionTest, AFadingPaletteBlendsAtEveryStep) {
-    std::vector<std::vector<PaletteEntry>> animated;
-    gAnimated = &animated;
+    gAnimated.clear();
     GetPaletteState().animate = RecordAnimated;
     PaletteEntry black[kPaletteSize] = {}, white[kPaletteSize];
     for (PaletteEntry& e : white) e = {255, 255, 255, 0};
@@ -241,18 +197,17 @@ TEST_F(TransitionTest, AFadingPaletteBlendsAtEveryStep) {
     NoteColors(white);
     const Surface picture = Scene(64, 64);
     RunTransition(11, 8, {0, 0, 64, 40}, picture, true);
-    ASSERT_EQ(animated.size(), 40u);
-    EXPECT_EQ(animated[0][0].red, 5);  // 255 * (256 / 40) / 256
-    EXPECT_EQ(animated[19][0].red, 127);
-    EXPECT_EQ(animated[39][0].red, 255);
+    ASSERT_EQ(gAnimated.size(), 40u);
+    // 255 * (256 / 40) / 256 first.
+    EXPECT_EQ((std::vector<int>{gAnimated[0][0].red, gAnimated[19][0].red, gAnimated[39][0].red}),
+              (std::vector<int>{5, 127, 255}));
 }
 
 TEST_F(TransitionTest, PrepareFadeMovesPixelsOffColoursOnlyReservedEntriesHave) {
     ForceDisplayDepth(8);
     PaletteRef palette = NewPalette(kPaletteSize);
-    for (uint32_t i = 0; i < kPaletteSize; ++i) palette->entries[i] = {200, 200, 200, 0};
-    for (uint32_t i = 10; i < 246; ++i) {
-        const auto grey = static_cast<uint8_t>(i - 10);
+    for (uint32_t i = 0; i < kPaletteSize; ++i) {
+        const auto grey = static_cast<uint8_t>(i >= 10 && i < 246 ? i - 10 : 200);
         palette->entries[i] = {grey, grey, grey, 0};
     }
     palette->entries[0] = {0x12, 0x34, 0x56, 0};    // in no other entry
@@ -261,8 +216,7 @@ TEST_F(TransitionTest, PrepareFadeMovesPixelsOffColoursOnlyReservedEntriesHave) 
     const uint32_t lone = 0x123456, shared = 0x808080, unlisted = 0xFF00FF;
     const auto run = [&](int16_t id) {
         Scene(3, 1);
-        Surface& window = GetHeadlessState().window;
-        window = Surface(3, 1);
+        Surface& window = GetHeadlessState().window = Surface(3, 1);  // below the window's least size
         window.pixels = {lone, shared, unlisted};
         PrepareFade(id);
         return window.pixels;

@@ -11,10 +11,11 @@ namespace {
 
 HostEvent Type(char c) { return {.kind = HostEventKind::Char, .ch = static_cast<uint8_t>(c)}; }
 HostEvent Key(uint16_t key) { return {.kind = HostEventKind::KeyDown, .key = key}; }
-HostEvent Mouse(HostEventKind kind, int32_t x, int32_t y) { return {.kind = kind, .x = x, .y = y}; }
 
 // The buttons' middles on a 640 by 480 window, where the 260 by 104 box stands at (190, 188).
 constexpr int32_t kOkX = 190 + 123, kCancelX = 190 + 208, kButtonsY = 188 + 80;
+HostEvent Down(int32_t x) { return {.kind = HostEventKind::MouseDown, .x = x, .y = kButtonsY}; }
+HostEvent Up(int32_t x, int32_t y = kButtonsY) { return {.kind = HostEventKind::MouseUp, .x = x, .y = y}; }
 
 TEST(JumpDialog, TypingAndAnswers) {
     struct Case { const char* name; std::vector<HostEvent> script; bool ok; const char* text; };
@@ -25,13 +26,10 @@ TEST(JumpDialog, TypingAndAnswers) {
         {"Return", {Type('1'), Type('2'), Key(kVkBack), Type('3'), Key(kVkReturn)}, true, "13"},
         {"15 characters at most", tooLong, true, "Sixteen letters"},
         {"Escape", {Type('4'), Key(kVkEscape)}, false, ""},
-        {"OK clicked", {Type('x'), Mouse(HostEventKind::MouseDown, kOkX, kButtonsY),
-                        Mouse(HostEventKind::MouseUp, kOkX, kButtonsY)}, true, "x"},
-        {"Cancel clicked", {Type('x'), Mouse(HostEventKind::MouseDown, kCancelX, kButtonsY),
-                            Mouse(HostEventKind::MouseUp, kCancelX, kButtonsY)}, false, ""},
-        {"OK pressed, released off it", {Mouse(HostEventKind::MouseDown, kOkX, kButtonsY),
-                                         Mouse(HostEventKind::MouseUp, kOkX, kButtonsY + 40)}, false, ""},
-                                     };
+        {"OK clicked", {Type('x'), Down(kOkX), Up(kOkX)}, true, "x"},
+        {"Cancel clicked", {Type('x'), Down(kCancelX), Up(kCancelX)}, false, ""},
+        {"OK pressed, released off it", {Down(kOkX), Up(kOkX, kButtonsY + 40)}, false, ""},
+    };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ResetHeadlessState();
