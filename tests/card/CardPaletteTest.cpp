@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "card/CardPalette.h"
+#include "card/GraphicPicture.h"
 #include "gfx/ColorTable.h"
 #include "pictures/Background.h"
 #include "pictures/PackedPixels.h"
@@ -47,10 +48,12 @@ Bytes ButtonRest(uint16_t actionFlags, uint16_t textColor, uint16_t fillColor) {
     return rest;
 }
 
-// A 4 by 2 graphic of 8-bit pixels, run-packed: rows 0 1 2 3 and 3 2 1 0 on 16-byte stored rows.
+// A 4 by 2 graphic of 8-bit pixels, run-packed: rows 0 1 2 3 and 3 2 1 0 on 16-byte stored rows;
+// its frame in blue (index 2, stored + 1).
 Bytes GraphicRest() {
     const Bytes runs = {3, 0, 1, 2, 3, 0xF5, 0, 3, 3, 2, 1, 0, 0xF5, 0};
     Bytes rest(kGraphicHeadSize - 16, 0);
+    PutBE16(rest, kGraphicFrameColor - 16, 3);
     PutBE32(rest, kGraphicPictureSize - 16, static_cast<uint32_t>(8 + runs.size()));
     Append(rest, {0, 4, 0, 2, 0, 0, 0, 0});
     Append(rest, runs);
@@ -219,6 +222,7 @@ TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPictu
 
     // The graphic's pixels are re-indexed (white 3, red 2, blue 1, green 4) and packed by rows.
     EXPECT_TRUE(items[1].flags & kGraphicFlagRowPacked);
+    EXPECT_EQ(Field(owner, items[1].at + kGraphicFrameColor), 2) << "the frame follows its colour";
     EXPECT_FALSE(items[1].flags & kItemFlagOddPad);
     const Bytes record = BlockBytes(owner);
     const uint8_t* g = record.data() + items[1].at;
