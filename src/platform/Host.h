@@ -33,6 +33,7 @@ enum class HostEventKind : uint8_t {
     Char,
     Paint,  // `area` must be repainted
     Close,
+    FocusLost,  // the window no longer gets the keys: keys held now are let go unseen
 };
 inline constexpr uint32_t kModShift = 1;
 inline constexpr uint32_t kModCtrl = 2;

@@ -111,10 +111,11 @@ std::vector<uint32_t> ReadPixels(const std::string& path) {
     return pixels;
 }
 
-// Right arrow, then End: from the picture card "Cover" to the last card, blank.
+// A click on "Forward" moves on from the picture card "Cover"; End, on cards without the menu,
+// does nothing.
 constexpr const char* kKeysScript = R"([
-  {"at": 100, "event": "keydown", "key": "Right", "mods": []},
-  {"at": 160, "event": "keyup", "key": "Right", "mods": []},
+  {"at": 100, "event": "mousedown", "x": 120, "y": 440, "mods": []},
+  {"at": 160, "event": "mouseup", "x": 120, "y": 440, "mods": []},
   {"at": 400, "event": "mousemove", "x": 320, "y": 200, "button": 0, "mods": []},
   {"at": 500, "event": "keydown", "key": "End", "mods": []},
   {"at": 540, "event": "keyup", "key": "End", "mods": []}
@@ -155,7 +156,7 @@ TEST_F(Replay, GivesTheSameFrameEveryTimeAndTheLastFrameIsTheOneWritten) {
     for (const auto& entry : fs::directory_iterator(first.framesDir))
         frames.push_back(entry.path().string());
     std::sort(frames.begin(), frames.end());
-    ASSERT_GE(frames.size(), 3u) << "the first card, and one card change per key at least";
+    ASSERT_GE(frames.size(), 3u) << "the first card, and the card change";
     EXPECT_EQ(fs::path(frames.front()).filename(), "frame-0000.png");
     EXPECT_TRUE(ReadPixels(frames.back()) == a);
 }

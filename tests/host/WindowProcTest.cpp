@@ -144,6 +144,10 @@ TEST_F(WindowProcTest, ShiftAndCtrlTogetherShowTheItemBorders) {
     EXPECT_TRUE(key(HostEventKind::KeyDown, 'A', kModShift | kModCtrl));
     EXPECT_FALSE(key(HostEventKind::KeyUp, kVkShift, kModCtrl));
     EXPECT_FALSE(key(HostEventKind::KeyUp, kVkLeftControl, 0));
+    // The keys let go in another window send no key-up here: losing the focus lets them go.
+    EXPECT_TRUE(key(HostEventKind::KeyDown, kVkControl, kModShift | kModCtrl));
+    EXPECT_FALSE(key(HostEventKind::FocusLost, 0, 0));
+    EXPECT_FALSE(GetWindowProcState().shiftDown || GetWindowProcState().ctrlDown);
 }
 
 TEST(KeyToCommand, CtrlKeysWithTheirExceptions) {
@@ -170,7 +174,13 @@ TEST(MenuTable, ItemsFoundByTheirText) {
     EXPECT_EQ(FindMenuItemByName(LockedMenu(), "File", "Save Stack"), 0);
 }
 
-// A stack of three cards opened from a file, for the keys that move through it and the loop.
+Bytes WithMenu(Bytes card) {
+    PutBE16(card, kCardMenuShown, 1);
+    return card;
+}
+
+// A stack of three cards that show the menu, opened from a file, for the keys that move through it
+// and the loop.
 class WindowProcStackTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -179,7 +189,8 @@ protected:
         InitApplication(nullptr);
         const std::string path = WriteTempFile(
             "keys.stk",
-            StoredStack({.cardCount = 3}, {StoredCard(11, "one"), StoredCard(12, "two"), StoredCard(13, "three")}, {}));
+            StoredStack({.cardCount = 3}, {WithMenu(StoredCard(11, "one")), WithMenu(StoredCard(12, "two")),
+                                           WithMenu(StoredCard(13, "three"))}, {}));
         SetSlotPath(kSlotStack, DosPathFromHost(path));
         ASSERT_EQ(OpenStack(false), kResultOk);
         ASSERT_EQ(GetDocument().currentCardId, 11);
@@ -204,6 +215,13 @@ TEST_F(WindowProcStackTest, KeysMoveThroughTheCards) {
     }
     EXPECT_EQ(DoMenuItemByName("Go", "Last Card"), kCmdLastCard);
     EXPECT_EQ(GetDocument().currentCardId, 13);
+    // Without the menu the keys are no menu commands, and a kiosk's cards stay where they are;
+    // an action still reaches the menu's items.
+    GetDocument().menuShown = 0;
+    for (const Step& s : steps) Press(s.key, s.mods);
+    EXPECT_EQ(GetDocument().currentCardId, 13);
+    EXPECT_EQ(DoMenuItemByName("Go", "First Card"), kCmdFirstCard);
+    EXPECT_EQ(GetDocument().currentCardId, 11);
 }
 
 TEST_F(WindowProcStackTest, LoopServesTicksAndEndsOnClose) {
