@@ -85,6 +85,7 @@ TEST(EventScript, WhatIsWrittenReadsBackAsTheSameEvents) {
         Event(K::Char, 150, 0, 0, 0, 1, 1, 0, 0xE9),            // é
         Event(K::Char, 150, 0, 0, 0, 1, 1, 0, '\r'),
         Event(K::Char, 150, 0, 0, 0, 1, 1, 0, 0x80),            // €
+        Event(K::FocusLost, 160, 0, 0, 0, 1, 1, 0, 0),          // no key: Shift and Ctrl let go
     };
     std::vector<HostEvent> back;
     std::string error;
