@@ -20,6 +20,7 @@ bool IsInput(HostEventKind kind) {
         case HostEventKind::KeyDown:
         case HostEventKind::KeyUp:
         case HostEventKind::Char:
+        case HostEventKind::FocusLost:
             return true;
         default:
             return false;

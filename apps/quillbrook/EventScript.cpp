@@ -22,6 +22,7 @@ inline constexpr KindName kKindNames[] = {
     {HostEventKind::MouseDown, "mousedown"}, {HostEventKind::MouseUp, "mouseup"},
     {HostEventKind::MouseMove, "mousemove"}, {HostEventKind::KeyDown, "keydown"},
     {HostEventKind::KeyUp, "keyup"},         {HostEventKind::Char, "char"},
+    {HostEventKind::FocusLost, "focuslost"},
 };
 
 struct ModName {
@@ -111,7 +112,7 @@ bool ReadEvent(const Json& object, HostEvent* event, std::string* error) {
             event->mods |= bit;
         }
     }
-    if (IsMouse(event->kind)) return true;
+    if (IsMouse(event->kind) || event->kind == HostEventKind::FocusLost) return true;
     const auto key = object.find("key");
     if (key == object.end() || !key->is_string()) {
         *error = "no \"key\"";
@@ -196,7 +197,7 @@ std::string EventScriptText(const std::vector<HostEvent>& events) {
             if (e.clicks == 2 && e.kind == HostEventKind::MouseDown) object["clicks"] = 2;
         } else if (e.kind == HostEventKind::Char) {
             object["key"] = Utf8FromWindows1252(std::string(1, static_cast<char>(e.ch)));
-        } else {
+        } else if (e.kind != HostEventKind::FocusLost) {
             object["key"] = std::string(NameOfVirtualKey(e.key));
         }
         object["mods"] = ModsJson(e.mods);

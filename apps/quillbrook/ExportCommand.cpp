@@ -4,7 +4,6 @@
 // written once, under the owner's position. Format 3 pictures are decoded at 32 bits, so that the
 // export does not lose colours to a palette. Pictures that do not decode are reported and skipped.
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -15,6 +14,7 @@
 #include "Commands.h"
 #include "OpenForCommand.h"
 #include "PngFile.h"
+#include "Progress.h"
 #include "base/ByteOrder.h"
 #include "card/GraphicPicture.h"
 #include "gfx/DibImage.h"
@@ -165,28 +165,6 @@ std::vector<uint8_t> GraphicRgba(MemRef card, uint32_t itemOffset, int32_t* widt
     return {};
 }
 
-// Progress on a terminal: one line redrawn in place.
-class Progress {
-public:
-    explicit Progress(size_t total) : total_(total), terminal_(GetHost().IsTerminal(STDERR_FILENO)) {}
-    bool terminal() const { return terminal_; }
-    void Show(size_t done, const std::string& name) const {
-        if (!terminal_) return;
-        constexpr size_t kBarWidth = 30;
-        const size_t filled = total_ ? done * kBarWidth / total_ : kBarWidth;
-        fmt::print(stderr, "\r[{}{}] {}/{} {:<32.32}", std::string(filled, '#'), std::string(kBarWidth - filled, '.'), done,
-                   total_, name);
-        std::fflush(stderr);
-    }
-    void Clear() const {
-        if (terminal_) fmt::print(stderr, "\r{:80}\r", "");
-    }
-
-private:
-    size_t total_;
-    bool terminal_;
-};
-
 }  // namespace
 
 int RunExport(const std::string& path, const std::string& outDir) {
@@ -234,7 +212,7 @@ int RunExport(const std::string& path, const std::string& outDir) {
         const std::string file = (fs::path(outDir) / job.fileName).string();
         if (!WritePng(file, width, height, rgba)) {
             progress.Clear();
-            fmt::print(stderr, "{}: cannot write it\n", file);
+            fmt::print(stderr, "{}: {}: cannot write {}\n", path, what, file);
             failed = true;
             break;
         }

@@ -22,6 +22,7 @@
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "ui/AlertBox.h"
+#include "ui/FileChooser.h"
 
 namespace {
 
@@ -95,9 +96,10 @@ int Play(const PlayOptions& options) {
     if (!OpenInWindow(options.path)) return 1;
     FitWindowToCard();
     ShowSdlWindow();
-    // Alerts from now on are drawn in the window; while it was hidden SDL's message box showed
-    // them.
+    // Alerts and the file chooser from now on are drawn in the window; while it was hidden SDL's
+    // message box showed the alerts.
     GetHost().ShowAlert = ShowModalAlert;
+    GetHost().ChooseFile = RunFileChooser;
     const uint32_t start = GetHost().GetTickCount();
     if (!options.record.empty()) StartRecording(start);
     const int code = RunUntilQuiet(

@@ -1,4 +1,5 @@
-// `quillbrook render`: cards drawn headless, exactly as the player's window shows them, as PNG.
+// `quillbrook render`: cards drawn headless, exactly as the player's window shows them, as PNG;
+// `--all` shows its progress on a terminal.
 //
 // Each card is drawn by the same card change the player makes (composed offscreen, then put on the
 // window by its transition) and the window's presented pixels are written. A card is drawn as
@@ -15,6 +16,7 @@
 #include "CardWindow.h"
 #include "Commands.h"
 #include "OpenForCommand.h"
+#include "Progress.h"
 #include "base/ByteOrder.h"
 #include "base/Windows1252.h"
 #include "card/OffscreenCard.h"
@@ -99,6 +101,14 @@ Surface ContactSheet(const std::vector<Surface>& cards, const std::vector<std::s
     return sheet;
 }
 
+// The card on the screen into `file`; a failure names the stack and the card.
+bool WriteCard(const RenderOptions& options, int32_t position, const std::string& file) {
+    if (WriteSurfacePng(file, Screen())) return true;
+    fmt::print(stderr, "{}: card {} \"{}\" was not rendered\n", options.path, position,
+               Utf8FromWindows1252(CardName(GetCardByPosition(position))));
+    return false;
+}
+
 int RenderAll(const RenderOptions& options) {
     std::error_code error;
     fs::create_directories(options.output, error);
@@ -108,16 +118,22 @@ int RenderAll(const RenderOptions& options) {
     }
     std::vector<Surface> cards;
     std::vector<std::string> names;
+    const Progress progress(static_cast<size_t>(CardCount()));
     for (int32_t position = 1; position <= CardCount(); ++position) {
-        ShowCard(position, kTransitionFastest, 8);
         const std::string name = CardName(GetCardByPosition(position));
+        progress.Show(static_cast<size_t>(position - 1), Utf8FromWindows1252(name));
+        ShowCard(position, kTransitionFastest, 8);
         const std::string part = FileNamePart(Utf8FromWindows1252(name));
         const std::string file =
             (fs::path(options.output) / fmt::format("{:03}{}{}.png", position, part.empty() ? "" : "-", part)).string();
-        if (!WriteSurfacePng(file, Screen())) return 1;
+        if (!WriteCard(options, position, file)) {
+            progress.Clear();
+            return 1;
+        }
         cards.push_back(Screen());
         names.push_back(name);
     }
+    progress.Clear();
     if (options.contactSheet && !cards.empty() &&
         !WriteSurfacePng((fs::path(options.output) / "contact-sheet.png").string(), ContactSheet(cards, names))) {
         return 1;
@@ -182,5 +198,5 @@ int RunRender(const RenderOptions& options) {
     }
     if (options.toCard) return RenderTransition(options);
     ShowCard(options.card, kTransitionFastest, 8);
-    return WriteSurfacePng(options.output, Screen()) ? 0 : 1;
+    return WriteCard(options, options.card, options.output) ? 0 : 1;
 }

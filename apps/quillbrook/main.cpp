@@ -9,6 +9,7 @@
 int main(int argc, char** argv) {
     CLI::App app{"Quillbrook: a player for multimedia stacks (.stk)"};
     app.require_subcommand(1);
+    app.set_version_flag("--version", "quillbrook " QB_VERSION, "show the version and exit");
 
     std::string path;
     std::string output;

@@ -464,15 +464,15 @@ void GoToCardCode(int16_t destination, int16_t effect, int16_t speed) {
 }
 
 // The system's loop spins; ours sleeps on the host until the next step is due or input comes.
+// It only peeks and serves its own steps: the tick's work (the action step, automatic timers,
+// the extensions' message) waits for the main loop, so none of it runs, or steps twice, inside an
+// action's wait. The sound library is updated every round, so sound plays on.
 void WaitForActionMedia(bool animationStarted, bool movieStarted, bool nbaCalled, uint16_t itemId) {
     Subsystems& s = GetSubsystems();
     if (animationStarted || movieStarted || nbaCalled) {
         Host& host = GetHost();
         for (bool first = true;; first = false) {
-            if (!first) {
-                host.WaitUntil(host.GetTickCount() + kActionPollMs);
-                s.PumpOneMessage();
-            }
+            if (!first) host.WaitUntil(host.GetTickCount() + kActionPollMs);
             // Each round serves the media in their fixed order; a press or key that no movie
             // controller takes ends the wait.
             s.UpdateSounds();

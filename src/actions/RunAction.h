@@ -32,7 +32,8 @@ void GoToCardCode(int16_t destination, int16_t effect, int16_t speed);
 
 // Waits until the movie, animation, sprite film or NBA of `itemId` that the action started is done,
 // or until a click or key is waiting (it stays queued); then stops every animation, sprite and
-// movie, also when there was nothing to wait for. The wait sleeps on the host between rounds.
+// movie, also when there was nothing to wait for. The wait sleeps on the host between rounds and
+// only peeks at the input: the tick is not served under it.
 void WaitForActionMedia(bool animationStarted, bool movieStarted, bool nbaCalled, uint16_t itemId);
 // The step of what actions left running, served by every timer tick in the browse tool.
 void ServeActionStep(void* window);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/ByteOrder.h"
+#include "card/GraphicPicture.h"
 #include "gfx/ColorTable.h"
 #include "gfx/DibImage.h"
 #include "gfx/PaletteRemap.h"
@@ -108,7 +109,10 @@ int32_t ReindexItems(MemRef card, const Palette& from, const Palette& to) {
             if (size - at < kItemCommonHeadSize) return -1;
             const uint32_t length = Read32(item + kItemLength);
             if (length < kItemCommonHeadSize || length > size - at) return -1;
-            if (kind == kItemKindGraphic && length < kGraphicHeadSize) return -1;
+            if (kind == kItemKindGraphic) {
+                if (length < kGraphicHeadSize) return -1;
+                ReindexColor(item + kGraphicFrameColor, from, to);
+            }
             if (kind == kItemKindButton) {
                 if (length < kButtonHeadSize) return -1;
                 ReindexColor(item + kButtonTextColor, from, to);

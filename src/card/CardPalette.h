@@ -12,8 +12,8 @@
 PaletteRef GetCardPalette(MemRef card);
 
 // Re-indexes everything of the card that names a colour by index into `palette`: the two colours
-// of each button, each graphic's pixels (re-packed by rows), and through the sprite engine the
-// sprite of a button's action. A picture card does the cards that share its picture first. The
+// of each button, each graphic's frame colour and pixels (re-packed by rows), and through the
+// sprite engine the sprite of a button's action. A picture card does the cards that share its picture first. The
 // old colours are the card's palette, or CurrentPalette for a card without one. The card's own
 // ColorTable is left to the caller. 0, or -1 with the card as far as it got.
 int32_t ReplaceCardPalette(MemRef card, const Palette& palette);

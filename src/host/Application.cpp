@@ -6,6 +6,7 @@
 #include "host/MainLoop.h"
 #include "player/Navigation.h"
 #include "subsystems/Subsystems.h"
+#include "ui/EndSplash.h"
 
 #include <cctype>
 #include <string>
@@ -91,6 +92,7 @@ Subsystems ApplicationSubsystems() {
     s.ActionDoesSomething = ActionDoesSomething;
     s.StopActionPlayout = StopActionPlayout;
     s.StackClosing = StackClosing;
+    s.ShowEndSplash = ShowEndSplash;
     return s;
 }
 

@@ -192,6 +192,9 @@ int32_t OnKey(void* window, const HostEvent& event) {
         return 1;
     }
     if (!down) return 1;
+    // The moving keys and the Ctrl shortcuts stand for menu commands: a card without the menu
+    // (a kiosk, a quiz) cannot be skipped through from the keyboard.
+    if (!GetDocument().menuShown) return 1;
     int32_t command = 0;
     if (gState.ctrlDown) {
         command = KeyToCommand(event.key, gState.shiftDown, StackLocked());
@@ -205,6 +208,13 @@ int32_t OnKey(void* window, const HostEvent& event) {
 int32_t OnChar(void* window, const HostEvent& event) {
     if (event.ch == '\r' && RunDefaultButton(window)) return 1;
     // The language's keyboard input and the active text field take the other characters.
+    return 1;
+}
+
+// Keys let go while another window had the focus never come back as key-up messages.
+int32_t OnFocusLost() {
+    gState.shiftDown = gState.ctrlDown = false;
+    SetItemBorders(false);
     return 1;
 }
 
@@ -262,6 +272,8 @@ int32_t HandleWindowMessage(void* window, const HostEvent& event) {
             return 1;
         case HostEventKind::Close:
             return OnClose();
+        case HostEventKind::FocusLost:
+            return OnFocusLost();
         case HostEventKind::MouseMove:
             return TrackMouse(window, event);
         case HostEventKind::MouseDown:

@@ -33,6 +33,7 @@ enum class HostEventKind : uint8_t {
     Char,
     Paint,  // `area` must be repainted
     Close,
+    FocusLost,  // the window no longer gets the keys: keys held now are let go unseen
 };
 inline constexpr uint32_t kModShift = 1;
 inline constexpr uint32_t kModCtrl = 2;
@@ -113,7 +114,11 @@ struct Host {
     HostDateTime (*WallClock)() = MachineWallClock;
     // True when file descriptor `fd` is a terminal (progress is drawn only there).
     bool (*IsTerminal)(int fd) = MachineIsTerminal;
+    // How long closing the player shows the end splash: kEndSplashMs on the desktop, 0 (close at
+    // once) for the command line and the web.
+    uint32_t endSplashMs = 0;
 };
+inline constexpr uint32_t kEndSplashMs = 3000;
 
 Host& GetHost();
 // Installs a backend; its empty slots take the null host's.

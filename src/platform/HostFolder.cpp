@@ -1,6 +1,8 @@
 // POSIX folders; emscripten provides the same calls over its file system.
 #include "platform/HostFolder.h"
 
+#include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -26,4 +28,27 @@ std::string HostConfigFolder() {
     const char* home = std::getenv("HOME");
     if (home && *home == '/') return std::string(home) + "/.config/quillbrook";
     return "";
+}
+
+bool ListHostFolder(const std::string& hostPath, std::vector<HostFolderEntry>* entries) {
+    entries->clear();
+    DIR* dir = ::opendir(hostPath.c_str());
+    if (!dir) return false;
+    while (const dirent* entry = ::readdir(dir)) {
+        const std::string name = entry->d_name;
+        if (name == "." || name == "..") continue;
+        struct stat info {};
+        const std::string path = hostPath == "/" ? "/" + name : hostPath + "/" + name;
+        // A link counts as what it points at; one that points nowhere is left out.
+        if (::stat(path.c_str(), &info) != 0) continue;
+        entries->push_back({name, S_ISDIR(info.st_mode)});
+    }
+    ::closedir(dir);
+    return true;
+}
+
+std::string HostCurrentFolder() {
+    std::vector<char> buffer(4096);
+    if (!::getcwd(buffer.data(), buffer.size())) return "/";
+    return buffer.data();
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 // Makes a new folder inside `parent`, named `prefix` and a unique tail, that only this user can
 // enter; returns its host path, or "" when it can't be made. Honours the file layer's locked folder.
@@ -14,3 +15,12 @@ int32_t RemoveHostFolder(const std::string& hostPath);
 // $XDG_CONFIG_HOME/quillbrook, else ~/.config/quillbrook; "" when neither is known. It may not
 // exist yet.
 std::string HostConfigFolder();
+
+struct HostFolderEntry {
+    std::string name;  // as the host spells it (UTF-8)
+    bool folder = false;
+};
+// What a folder holds, in no order, without "." and ".."; false when it cannot be read.
+bool ListHostFolder(const std::string& hostPath, std::vector<HostFolderEntry>* entries);
+// The folder the program was started in.
+std::string HostCurrentFolder();

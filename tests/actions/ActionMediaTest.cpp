@@ -33,6 +33,20 @@ TEST_F(ActionMediaTest, RoundsSleepOnTheHostUntilTheMediaAreDone) {
     EXPECT_EQ(GetHeadlessState().clockMs, 34u);
 }
 
+// Eight rounds take 119 ms, two ticks' time: the tick's work still waits for the main loop, and
+// each round steps the animations once.
+TEST_F(ActionMediaTest, TheWaitServesOnlyItsOwnStepsNeverTheTick) {
+    Subsystems& s = GetSubsystems();
+    s.ServeAutoTimers = [](void*) { Log("auto timers"); };
+    s.SendExtensionMessage = [](int32_t message) { Log("extensions " + N(message)); };
+    s.StepAnimations = [](void*) { Log("step"); };
+    gRoundsToGo = 8;
+    WaitForActionMedia(false, true, false, 5);
+    std::string rounds;
+    for (int i = 0; i < 8; ++i) rounds += "round; step; ";
+    EXPECT_EQ(Logged(), rounds + "stop animations; stop sprites; stop movies");
+}
+
 HostEvent Input(HostEventKind kind, uint32_t time) { return {.kind = kind, .time = time}; }
 
 std::vector<HostEventKind> QueuedKinds() {

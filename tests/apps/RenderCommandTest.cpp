@@ -90,6 +90,34 @@ TEST_F(RenderCommandTest, NoScratchFileOutlivesTheProgram) {
 }
 #endif
 
+// --all draws its progress on a terminal only; a card that cannot be written is named by the
+// stack and the card.
+TEST_F(RenderCommandTest, ProgressOnATerminalAndFailuresNameTheCard) {
+    struct Case { bool all; int card; bool terminal; const char* inTheWay; int code; const char* err; };
+    const Case cases[] = {
+        {true, 1, true, nullptr, 0, "] 3/4 Last"},
+        {true, 1, false, nullptr, 0, ""},
+        {true, 1, true, "002-Shared.png", 1, "sample-cards.stk: card 2 \"Shared\" was not rendered"},
+        {false, 3, false, "three.png", 1, "sample-cards.stk: card 3 \"Blank\" was not rendered"},
+    };
+    int run = 0;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(run);
+        const fs::path out = dir_ / std::to_string(run++);
+        fs::create_directories(c.inTheWay ? out / c.inTheWay : out);
+        RenderOptions options = Card(c.card, "");
+        options.all = c.all;
+        options.output = c.all ? out.string() : (out / "three.png").string();
+        GetHeadlessState().terminalFds = c.terminal ? 1u << 2 : 0;
+        EXPECT_EQ(RunQuietly(options), c.code);
+        if (*c.err) {
+            EXPECT_NE(err_.find(c.err), std::string::npos) << err_;
+        } else {
+            EXPECT_EQ(err_, "");
+        }
+    }
+}
+
 }  // namespace
 
 #endif  // QB_WITH_CLI

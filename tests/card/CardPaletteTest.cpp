@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "card/CardPalette.h"
+#include "card/GraphicPicture.h"
 #include "gfx/ColorTable.h"
 #include "pictures/Background.h"
 #include "pictures/PackedPixels.h"
@@ -117,9 +118,10 @@ TEST_F(PaletteCards, APaletteComesFromThePictureOwnersColorTable) {
 
 TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPicture) {
     // Card 5: a button, a graphic, a button; card 6 shares card 5's picture and has a button. The
-    // graphic: 4 by 2 pixels of 8 bits, run-packed, rows 0 1 2 3 and 3 2 1 0 on 16-byte stored rows.
-    const Bytes graphic =
-        StoredGraphic(11, {10, 10, 14, 12}, {0, 4, 0, 2, 0, 0, 0, 0, 3, 0, 1, 2, 3, 0xF5, 0, 3, 3, 2, 1, 0, 0xF5, 0});
+    // graphic: 4 by 2 pixels of 8 bits, run-packed, rows 0 1 2 3 and 3 2 1 0 on 16-byte stored rows,
+    // framed in blue (index 2, stored + 1).
+    const Bytes graphic = StoredGraphic(
+        11, {10, 10, 14, 12}, {0, 4, 0, 2, 0, 0, 0, 0, 3, 0, 1, 2, 3, 0xF5, 0, 3, 3, 2, 1, 0, 0xF5, 0}, 0, 3);
     const Bytes first = StoredItem(kItemKindButton, 10, 0, 0, 40, 20, ButtonRest(0, 2, 0));
     const Bytes last = StoredItem(kItemKindButton, 12, 0, 30, 40, 50, ButtonRest(0x80, 3, 300));
     const Bytes memberButton = StoredItem(kItemKindButton, 13, 0, 0, 40, 20, ButtonRest(0, 2, 1));
@@ -164,6 +166,7 @@ TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPictu
 
     // The graphic's pixels are re-indexed (white 3, red 2, blue 1, green 4) and packed by rows.
     EXPECT_EQ(items[1].flags & (kGraphicFlagRowPacked | kItemFlagOddPad), kGraphicFlagRowPacked);
+    EXPECT_EQ(Field(owner, items[1].at + kGraphicFrameColor), 2) << "the frame follows its colour";
     const Bytes record = BlockBytes(owner);
     const uint8_t* g = record.data() + items[1].at;
     const uint32_t pictureSize = Read32(g + kGraphicPictureSize);

@@ -228,7 +228,7 @@ TEST_F(OffscreenCardTest, CardsMatchTheirGoldenPictures) {
 
 // A click on a graphic or a text field runs its action under the item's name.
 TEST_F(OffscreenCardTest, GraphicsAndTextFieldsKeepTheirStoredNames) {
-    Bytes graphic = StoredGraphic(1, {10, 10, 50, 50}, RunPackedPicture({"12", "21"}));
+    Bytes graphic = StoredGraphic(1, {10, 10, 50, 50}, RunPackedPicture(2, 2, [](int32_t x, int32_t y) { return 1u + (x + y) % 2; }));
     graphic[kGraphicName] = 5;
     std::memcpy(&graphic[kGraphicName + 1], "Apple", 5);
     Bytes textRest(kTextHeadSize - 16, 0);

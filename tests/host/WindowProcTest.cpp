@@ -122,6 +122,11 @@ TEST_F(WindowProcTest, ShiftAndCtrlTogetherShowTheItemBorders) {
                                  key(HostEventKind::KeyDown, kVkLeftControl, kModShift | kModCtrl),
                                  key(HostEventKind::KeyDown, 'A', kModShift | kModCtrl), key(HostEventKind::KeyUp, kVkShift, kModCtrl)}),
               (std::vector<bool>{false, true, true, false}));
+    EXPECT_FALSE(key(HostEventKind::KeyUp, kVkLeftControl, 0));
+    // The keys let go in another window send no key-up here: losing the focus lets them go.
+    EXPECT_TRUE(key(HostEventKind::KeyDown, kVkControl, kModShift | kModCtrl));
+    EXPECT_FALSE(key(HostEventKind::FocusLost, 0, 0));
+    EXPECT_FALSE(GetWindowProcState().shiftDown || GetWindowProcState().ctrlDown);
 }
 
 TEST(KeyToCommand, CtrlKeysWithTheirExceptions) {
@@ -134,12 +139,18 @@ TEST(KeyToCommand, CtrlKeysWithTheirExceptions) {
         EXPECT_EQ(KeyToCommand(c.key, c.shift, c.locked), c.command) << c.key << " " << c.shift << c.locked;
 }
 
-// A stack of three cards opened from a file, for the keys that move through it and the loop.
+Bytes WithMenu(Bytes card) {
+    PutBE16(card, kCardMenuShown, 1);
+    return card;
+}
+
+// A stack of three cards that show the menu, opened from a file, for the keys that move through it and the loop.
 class WindowProcStackTest : public testing::Test {
 protected:
     void SetUp() override {
         StartProgramAfresh();
-        const Bytes stack = StoredStack({.cardCount = 3}, {StoredCard(11, "1"), StoredCard(12, "2"), StoredCard(13, "3")}, {});
+        const Bytes stack = StoredStack(
+            {.cardCount = 3}, {WithMenu(StoredCard(11, "1")), WithMenu(StoredCard(12, "2")), WithMenu(StoredCard(13, "3"))}, {});
         SetSlotPath(kSlotStack, DosPathFromHost(WriteTempFile("keys.stk", stack)));
         ASSERT_EQ(OpenStack(false), kResultOk);
     }
@@ -162,6 +173,13 @@ TEST_F(WindowProcStackTest, KeysMoveThroughTheCards) {
     // A menu item is found by its text in any case, without the accelerator mark and the ellipsis.
     EXPECT_EQ(DoMenuItemByName(" &go ", "LAST CARD..."), kCmdLastCard);
     EXPECT_EQ(GetDocument().currentCardId, 13);
+    // Without the menu the keys are no menu commands, and a kiosk's cards stay where they are;
+    // an action still reaches the menu's items.
+    GetDocument().menuShown = 0;
+    for (const Step& s : steps) Press(s.key, s.mods);
+    EXPECT_EQ(GetDocument().currentCardId, 13);
+    EXPECT_EQ(DoMenuItemByName("Go", "First Card"), kCmdFirstCard);
+    EXPECT_EQ(GetDocument().currentCardId, 11);
 }
 
 TEST_F(WindowProcStackTest, LoopServesTicksAndEndsOnClose) {

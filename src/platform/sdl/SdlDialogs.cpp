@@ -1,6 +1,7 @@
 // Dialogs the backend shows itself. The player puts its own alert box, drawn in the window, in
 // place of SdlShowAlert; SDL's message box serves before a window exists and for plain messages.
-// There is no file chooser yet: every open or save dialog is cancelled.
+// The file chooser is the player's own too, drawn in the window (ui/FileChooser.h); before the
+// window shows, an open or save dialog is cancelled.
 #include <string>
 #include <vector>
 

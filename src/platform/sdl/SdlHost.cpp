@@ -225,6 +225,7 @@ Host SdlHost() {
     host.InputExhausted = [] { return false; };
     host.WallClock = MachineWallClock;
     host.IsTerminal = MachineIsTerminal;
+    host.endSplashMs = kEndSplashMs;
     host.window = gState.window;
     return host;
 }

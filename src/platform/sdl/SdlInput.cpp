@@ -162,6 +162,13 @@ void TakeWindowEvent(const SDL_WindowEvent& w) {
         case SDL_WINDOWEVENT_EXPOSED:
             RedrawSdlWindow();
             break;
+        case SDL_WINDOWEVENT_FOCUS_LOST: {
+            HostEvent lost;
+            lost.kind = HostEventKind::FocusLost;
+            lost.time = w.timestamp;
+            Queue(lost);
+            break;
+        }
         default:
             break;
     }
