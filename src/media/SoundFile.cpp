@@ -26,7 +26,12 @@ int32_t CopyBehindHeader(const uint8_t* bytes, const SoundInfo& info, MemRef* bl
 }
 
 // The samples at 44 in `block` become the image; `block` goes if the image is a new one.
+// A file without a single frame is no sound: silence alone isn't played.
 int32_t FinishImage(MemRef block, SoundInfo* info, MemRef* wave) {
+    if (info->dataBytes == 0) {
+        FreeMemRef(block);
+        return kAlertBadSound;
+    }
     const int32_t result = MakeWaveImage(block, kWaveHeaderBytes, info, true, wave);
     if (*wave != block) FreeMemRef(block);
     return result;

@@ -40,8 +40,9 @@ uint32_t ParseSoundRecord(MemRef record, SoundInfo* info);
 // A WAVE image of the record, or 0. It is `record` itself when the record is in one of this
 // system's own forms: WaveToSoundRecord must then put it back.
 MemRef SoundRecordToWave(MemRef record, SoundInfo* info);
-// The standard record of the `info->dataBytes` of native samples at `dataOffset` in `block`;
-// in place when the block has room. 0 with alert 2391 without memory.
+// The standard record of the `info.dataBytes` of samples at `dataOffset` in `block`, already in
+// the record's order (16-bit big-endian); in place when the block has room. 0 with alert 2391
+// without memory, or 2390 when the samples aren't inside `block`.
 MemRef BuildSoundRecord(MemRef block, uint32_t dataOffset, const SoundInfo& info);
 // A WAVE image (PCM) back to the standard record, 16-bit samples turned to the record's order.
 MemRef WaveToSoundRecord(MemRef wave);

@@ -35,7 +35,11 @@ int32_t ReadFormat(const uint8_t* p, uint32_t size, WaveFormat* f) {
             f->coefficients[i][0] = ReadS16(p + 22 + 4 * i);
             f->coefficients[i][1] = ReadS16(p + 24 + 4 * i);
         }
-        return IsValidAdpcmFormat(*f) ? 0 : kAlertSoundFormat;
+        if (!IsValidAdpcmFormat(*f)) return kAlertSoundFormat;
+        // Every block holds its head and the codes of its samples.
+        const uint32_t head = kAdpcmBlockHeadPerChannel * f->channels;
+        if (f->blockAlign < head || f->samplesPerBlock < 2) return kAlertBadSound;
+        return (f->samplesPerBlock - 2u) * f->channels <= (f->blockAlign - head) * 2u ? 0 : kAlertBadSound;
     }
     return IsValidPcmFormat(*f) ? 0 : kAlertSoundFormat;
 }

@@ -1,29 +1,196 @@
-// Sound files made by sox and ffmpeg at test time, decoded by us and by the tool that made them
-// (or by sox, which decodes MS-ADPCM with the format's arithmetic shift where ffmpeg divides):
-// the samples must agree bit for bit. And our MS-ADPCM encoder, judged by ffmpeg's decoder.
-#if QB_WITH_SOUND_TOOLS
+// Sound files: damaged ones built by hand, refused with the right alert or cut to what they hold;
+// and files made by sox and ffmpeg at test time, decoded by us and by the tool that made them (or
+// by sox, which decodes MS-ADPCM with the format's arithmetic shift where ffmpeg divides): the
+// samples must agree bit for bit. And our MS-ADPCM encoder, judged by ffmpeg's decoder.
+#include "media/SoundFile.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "base/ByteOrder.h"
+#include "media/Extended80.h"
 #include "media/MsAdpcm.h"
-#include "media/SoundFile.h"
 #include "media/SoundWave.h"
 #include "memory/MemRef.h"
+#include "support/StackBytes.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+// Our decoded samples, without the header.
+Bytes DecodeOurs(const Bytes& file, int32_t type, SoundInfo* info, int32_t result = 0) {
+    MemRef wave = 0;
+    EXPECT_EQ(DecodeSoundBytes(file.data(), static_cast<uint32_t>(file.size()), type, &wave, info), result);
+    if (!wave) return {};
+    MemRefLock lock(wave);
+    Bytes samples(lock.data() + kWaveHeaderBytes, lock.data() + kWaveHeaderBytes + info->dataBytes);
+    FreeMemRef(wave);
+    return samples;
+}
+
+void AppendLE16(Bytes& b, uint16_t v) { b.insert(b.end(), {static_cast<uint8_t>(v), static_cast<uint8_t>(v >> 8)}); }
+void AppendLE32(Bytes& b, uint32_t v) {
+    AppendLE16(b, static_cast<uint16_t>(v));
+    AppendLE16(b, static_cast<uint16_t>(v >> 16));
+}
+
+// A WAV file: the "fmt " chunk of `format` (extra bytes after its 16), a 3-byte chunk with its pad
+// byte, then `dataBytes` of samples whose "data" size says `dataSays`.
+Bytes Wav(uint16_t tag, uint16_t channels, uint16_t bits, const Bytes& extra, uint32_t dataBytes, uint32_t dataSays) {
+    Bytes b = Of("RIFF");
+    AppendLE32(b, 0);  // streamed: the file's end counts
+    Append(b, Of("WAVEfmt "));
+    AppendLE32(b, static_cast<uint32_t>(16 + extra.size()));
+    AppendLE16(b, tag);
+    AppendLE16(b, channels);
+    AppendLE32(b, 11025);
+    AppendLE32(b, 0);
+    AppendLE16(b, static_cast<uint16_t>(tag == kWaveFormatAdpcm ? 256 : channels * bits / 8));
+    AppendLE16(b, bits);
+    Append(b, extra);
+    Append(b, Of("odd "));
+    Append(b, {3, 0, 0, 0, 'x', 'y', 'z', 0});
+    Append(b, Of("data"));
+    AppendLE32(b, dataSays);
+    b.resize(b.size() + dataBytes, 0x40);
+    return b;
+}
+
+Bytes AdpcmExtra(uint16_t predictorPairFix) {
+    Bytes e;
+    AppendLE16(e, 32);
+    AppendLE16(e, 500);
+    AppendLE16(e, kAdpcmPredictors);
+    for (int i = 0; i < kAdpcmPredictors; ++i) {
+        AppendLE16(e, static_cast<uint16_t>(kAdpcmCoefficient1[i]));
+        AppendLE16(e, static_cast<uint16_t>(kAdpcmCoefficient2[i] + (i == 6 ? predictorPairFix : 0)));
+    }
+    return e;
+}
+
+Bytes Extensible(uint16_t subTag) {
+    Bytes e;
+    AppendLE16(e, 22);
+    AppendLE16(e, 16);
+    AppendLE32(e, 4);
+    AppendLE16(e, subTag);
+    e.resize(e.size() + 14, 0);
+    return e;
+}
+
+// An AIFF (or AIFC with `compression`) file: COMM then SSND with `frames` of 16-bit mono.
+Bytes Aiff(const char* compression, uint16_t bits, double rate, uint32_t frames) {
+    Bytes b = Of("FORM");
+    AppendBE32(b, 0);
+    Append(b, Of(compression ? "AIFCCOMM" : "AIFFCOMM"));
+    AppendBE32(b, compression ? 22 : 18);
+    AppendBE16(b, 1);
+    AppendBE32(b, frames);
+    AppendBE16(b, bits);
+    b.resize(b.size() + kExtendedBytes);
+    DoubleToExtended(rate, &b[b.size() - kExtendedBytes]);
+    if (compression) Append(b, Of(compression));
+    Append(b, Of("SSND"));
+    AppendBE32(b, 8 + frames * 2);
+    AppendBE32(b, 0);
+    AppendBE32(b, 0);
+    b.resize(b.size() + frames * 2, 0x11);
+    return b;
+}
+
+Bytes Au(uint32_t headerBytes, uint32_t encoding, uint32_t channels, uint32_t dataBytes) {
+    Bytes b = Of(".snd");
+    AppendBE32(b, headerBytes);
+    AppendBE32(b, 0xFFFFFFFF);
+    AppendBE32(b, encoding);
+    AppendBE32(b, 8000);
+    AppendBE32(b, channels);
+    b.resize(std::max<size_t>(headerBytes, 24) + dataBytes, 0xFF);
+    return b;
+}
+
+Bytes Changed(Bytes b, const std::function<void(Bytes&)>& change) {
+    change(b);
+    return b;
+}
+
+TEST(SoundFile, RefusesOrCutsDamagedFiles) {
+    const Bytes adpcmBlock = Changed(Bytes(256, 0), [](Bytes& b) { b[1] = 16; });
+    Bytes adpcm = Wav(kWaveFormatAdpcm, 1, 4, AdpcmExtra(0), 0, 512);
+    Append(adpcm, adpcmBlock);
+    Append(adpcm, Changed(adpcmBlock, [](Bytes& b) { b[0] = 9; }));
+    const struct {
+        const char* name;
+        Bytes file;
+        int32_t type, result;
+        uint32_t frames;
+    } kCases[] = {
+        {"wav", Wav(1, 2, 16, {}, 4000 * 4, 4000 * 4), kFileTypeWave, 0, 4000},
+        {"data size past the end", Wav(1, 2, 16, {}, 4001 * 4 + 3, 99999), kFileTypeWave, 0, 4001},
+        {"extensible PCM", Wav(0xFFFE, 1, 8, Extensible(1), 3000, 3000), kFileTypeWave, 0, 3000},
+        {"extensible float", Wav(0xFFFE, 1, 32, Extensible(3), 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
+        {"float", Wav(3, 1, 32, {}, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
+        {"24 bits", Wav(1, 1, 24, {}, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
+        {"3 channels", Wav(1, 3, 8, {}, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
+        {"short fmt", Changed(Wav(1, 1, 8, {}, 3000, 3000), [](Bytes& b) { b[16] = 14; }), kFileTypeWave, kAlertBadSound, 0},
+        {"no data", Changed(Wav(1, 1, 8, {}, 0, 0), [](Bytes& b) { b[b.size() - 8] = 'D'; }), kFileTypeWave, kAlertBadSound, 0},
+        {"rate 0", Changed(Wav(1, 1, 8, {}, 3000, 3000), [](Bytes& b) { b[25] = b[24] = 0; }), kFileTypeWave, kAlertBadSound, 0},
+        {"not RIFF", Changed(Wav(1, 1, 8, {}, 3000, 3000), [](Bytes& b) { b[0] = 'X'; }), kFileTypeWave, kAlertBadSound, 0},
+        {"adpcm, bad predictor", adpcm, kFileTypeWave, kAlertBadSound, 0},
+        {"adpcm, block of 0", Changed(adpcm, [](Bytes& b) { b[32] = 0, b[33] = 0; }), kFileTypeWave, kAlertBadSound, 0},
+        {"adpcm, block too small", Changed(adpcm, [](Bytes& b) { b[38] = 0xF5; }), kFileTypeWave, kAlertBadSound, 0},
+        {"adpcm, one good block", Changed(adpcm, [](Bytes& b) { b.resize(b.size() - 256); }), kFileTypeWave, 0, 500 + kDefaultMinSoundFrames},
+        {"adpcm, odd pair", Wav(kWaveFormatAdpcm, 1, 4, AdpcmExtra(1), 256, 256), kFileTypeWave, kAlertSoundFormat, 0},
+        {"aiff", Aiff(nullptr, 16, 22050, 3000), kFileTypeAiff, 0, 3000},
+        {"aifc", Aiff("NONE", 16, 22050, 3000), kFileTypeAiff, 0, 3000},
+        {"aifc sowt", Aiff("sowt", 16, 22050, 3000), kFileTypeAiff, kAlertSoundType, 0},
+        {"aiff 12 bits", Aiff(nullptr, 12, 22050, 3000), kFileTypeAiff, kAlertSoundType, 0},
+        {"aiff rate infinite", Aiff(nullptr, 16, HUGE_VAL, 3000), kFileTypeAiff, kAlertBadSound, 0},
+        {"aiff rate below 1", Aiff(nullptr, 16, 0.5, 3000), kFileTypeAiff, kAlertBadSound, 0},
+        {"aiff frames past the samples", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b[23] = 0xFF; }), kFileTypeAiff, 0, 3000},
+        {"aiff cut in COMM", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b.resize(30); }), kFileTypeAiff, kAlertBadSound, 0},
+        {"aiff no FORM", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b[3] = 'N'; }), kFileTypeAiff, kAlertBadSound, 0},
+        {"au", Au(32, 1, 2, 5001 * 2 + 1), kFileTypeAu, 0, 5001},
+        {"au linear 16", Au(24, 3, 1, 3000 * 2), kFileTypeAu, 0, 3000},
+        {"au encoding 23", Au(32, 23, 1, 3000), kFileTypeAu, kAlertSoundType, 0},
+        {"au 3 channels", Au(32, 1, 3, 3000), kFileTypeAu, kAlertSoundType, 0},
+        {"au header of 8", Au(8, 1, 1, 3000), kFileTypeAu, kAlertBadSound, 0},
+        {"au without samples", Au(24, 3, 1, 1), kFileTypeAu, kAlertBadSound, 0},
+        {"au header past the end", Changed(Au(24, 1, 1, 0), [](Bytes& b) { b[7] = 40; }), kFileTypeAu, kAlertBadSound, 0},
+        {"unknown type", Au(32, 1, 1, 3000), -1, kAlertBadSound, 0},
+    };
+    for (const auto& c : kCases) {
+        SoundInfo info;
+        DecodeOurs(c.file, c.type, &info, c.result);
+        EXPECT_EQ(info.frames, c.frames) << c.name;
+    }
+}
+
+TEST(SoundFile, TypesByExtension) {
+    const struct {
+        const char* path;
+        int32_t type;
+    } kCases[] = {{"a.WAV", kFileTypeWave}, {"C:\\x.y\\b.Aif", kFileTypeAiff}, {"c.aifc", kFileTypeAiff},
+                  {"/d/e.au", kFileTypeAu}, {"f.mp3", -1}, {"/g.wav/h", -1}, {"wav", -1}};
+    for (const auto& c : kCases) EXPECT_EQ(SoundFileType(c.path), c.type) << c.path;
+}
+
+}  // namespace
+
+#if QB_WITH_SOUND_TOOLS
+
+#include <unistd.h>
+
+namespace {
+
 
 // A folder of its own for the files of one test, gone afterwards.
 class ToolFolder {
@@ -55,17 +222,6 @@ Bytes ReadAll(const std::string& path) {
 
 void WriteAll(const std::string& path, const Bytes& bytes) {
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
-
-// Our decoded samples, without the header.
-Bytes DecodeOurs(const Bytes& file, int32_t type, SoundInfo* info) {
-    MemRef wave = 0;
-    EXPECT_EQ(DecodeSoundBytes(file.data(), static_cast<uint32_t>(file.size()), type, &wave, info), 0);
-    if (!wave) return {};
-    MemRefLock lock(wave);
-    Bytes samples(lock.data() + kWaveHeaderBytes, lock.data() + kWaveHeaderBytes + info->dataBytes);
-    FreeMemRef(wave);
-    return samples;
 }
 
 constexpr const char* kSox16 = "sox %F -t raw -e signed -b 16 -L %R";
