@@ -1,6 +1,7 @@
 #include "media/MsAdpcm.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 #include <new>
 
@@ -176,6 +177,7 @@ int SuggestAdpcmFormat(const WaveFormat& source, WaveFormat* destination) {
         f.bitsPerSample = 4;
         uint32_t blockAlign = 256u * source.channels;
         if (source.samplesPerSec > 11025) blockAlign *= source.samplesPerSec / 11000;
+        if (blockAlign > UINT16_MAX) return 0;  // no block of a rate this high fits the field
         f.blockAlign = static_cast<uint16_t>(blockAlign);
         const uint32_t head = kAdpcmBlockHeadPerChannel * source.channels;
         f.samplesPerBlock = static_cast<uint16_t>((f.blockAlign - head) * 8 / (4u * source.channels) + 2);

@@ -37,7 +37,8 @@ int IsValidAdpcmFormat(const WaveFormat& format);
 // 1 if `format` is PCM of 8 or 16 bits in one or two channels.
 int IsValidPcmFormat(const WaveFormat& format);
 // From PCM the ADPCM format that codes it, from ADPCM the PCM format it decodes to (16 bits unless
-// `destination` already asks for 8); 1, or 0 for any other source.
+// `destination` already asks for 8); 1, or 0 for any other source and for rates whose block would
+// not fit its 16-bit field.
 int SuggestAdpcmFormat(const WaveFormat& source, WaveFormat* destination);
 
 // Bytes of PCM that AdpcmDecode makes of `sourceBytes` in `pcm`: the room its destination needs.

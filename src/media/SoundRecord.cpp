@@ -117,6 +117,11 @@ MemRef BuildSoundRecord(MemRef block, uint32_t dataOffset, const SoundInfo& info
         std::memmove(in.data() + start, in.data() + dataOffset, info.dataBytes);
     }
     MemRefLock out(record);
+    if (!out) {
+        if (record != block) FreeMemRef(record);
+        Alert(kAlertSoundNoMemory);
+        return 0;
+    }
     uint8_t* r = out.data();
     std::memset(r, 0, start);
     WriteBE16(r, 1);

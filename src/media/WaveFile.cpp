@@ -9,7 +9,7 @@ namespace {
 constexpr uint16_t kWaveFormatExtensible = 0xFFFE;
 constexpr uint32_t kFormatBytes = 16;           // the fields every "fmt " chunk has
 constexpr uint32_t kExtensibleBytes = 40;       // ... with the extensible form's, to the sub-format
-constexpr uint32_t kAdpcmFormatBytes = 20 + 4 * kAdpcmPredictors;
+constexpr uint32_t kAdpcmFormatBytes = 22 + 4 * kAdpcmPredictors;  // to the last coefficient pair
 
 int32_t ReadFormat(const uint8_t* p, uint32_t size, WaveFormat* f) {
     if (size < kFormatBytes) return kAlertBadSound;

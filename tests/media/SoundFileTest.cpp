@@ -42,38 +42,56 @@ void AppendLE32(Bytes& b, uint32_t v) {
     AppendLE16(b, static_cast<uint16_t>(v >> 16));
 }
 
-// A WAV file: the "fmt " chunk of `format` (extra bytes after its 16), a 3-byte chunk with its pad
-// byte, then `dataBytes` of samples whose "data" size says `dataSays`.
-Bytes Wav(uint16_t tag, uint16_t channels, uint16_t bits, const Bytes& extra, uint32_t dataBytes, uint32_t dataSays) {
+WaveFormat Fmt(uint16_t tag, uint16_t channels, uint16_t bits, uint32_t rate = 11025) {
+    WaveFormat f;
+    f.formatTag = tag == kWaveFormatAdpcm ? kWaveFormatPcm : tag;
+    f.channels = channels;
+    f.samplesPerSec = rate;
+    f.bitsPerSample = tag == kWaveFormatAdpcm ? 16 : bits;
+    f.blockAlign = static_cast<uint16_t>(channels * bits / 8);
+    if (tag == kWaveFormatAdpcm) {
+        EXPECT_EQ(SuggestAdpcmFormat(WaveFormat(f), &f), 1);
+    }
+    return f;
+}
+
+// The ADPCM part of a "fmt " chunk; `fix` changes the last coefficient.
+Bytes AdpcmExtra(const WaveFormat& f, int16_t fix = 0) {
+    Bytes e;
+    AppendLE16(e, kAdpcmExtraSize);
+    AppendLE16(e, f.samplesPerBlock);
+    AppendLE16(e, kAdpcmPredictors);
+    for (int i = 0; i < kAdpcmPredictors; ++i) {
+        AppendLE16(e, static_cast<uint16_t>(kAdpcmCoefficient1[i]));
+        AppendLE16(e, static_cast<uint16_t>(kAdpcmCoefficient2[i] + (i == 6 ? fix : 0)));
+    }
+    return e;
+}
+
+// A WAV file: the "fmt " chunk of `f` with `extra` behind its 16 bytes, a 3-byte chunk with its pad
+// byte, then `data` in a "data" chunk whose size says `dataSays`.
+Bytes Wav(const WaveFormat& f, const Bytes& extra, const Bytes& data, uint32_t dataSays) {
     Bytes b = Of("RIFF");
     AppendLE32(b, 0);  // streamed: the file's end counts
     Append(b, Of("WAVEfmt "));
     AppendLE32(b, static_cast<uint32_t>(16 + extra.size()));
-    AppendLE16(b, tag);
-    AppendLE16(b, channels);
-    AppendLE32(b, 11025);
-    AppendLE32(b, 0);
-    AppendLE16(b, static_cast<uint16_t>(tag == kWaveFormatAdpcm ? 256 : channels * bits / 8));
-    AppendLE16(b, bits);
+    AppendLE16(b, f.formatTag);
+    AppendLE16(b, f.channels);
+    AppendLE32(b, f.samplesPerSec);
+    AppendLE32(b, f.avgBytesPerSec);
+    AppendLE16(b, f.blockAlign);
+    AppendLE16(b, f.bitsPerSample);
     Append(b, extra);
     Append(b, Of("odd "));
     Append(b, {3, 0, 0, 0, 'x', 'y', 'z', 0});
     Append(b, Of("data"));
     AppendLE32(b, dataSays);
-    b.resize(b.size() + dataBytes, 0x40);
+    Append(b, data);
     return b;
 }
 
-Bytes AdpcmExtra(uint16_t predictorPairFix) {
-    Bytes e;
-    AppendLE16(e, 32);
-    AppendLE16(e, 500);
-    AppendLE16(e, kAdpcmPredictors);
-    for (int i = 0; i < kAdpcmPredictors; ++i) {
-        AppendLE16(e, static_cast<uint16_t>(kAdpcmCoefficient1[i]));
-        AppendLE16(e, static_cast<uint16_t>(kAdpcmCoefficient2[i] + (i == 6 ? predictorPairFix : 0)));
-    }
-    return e;
+Bytes Pcm(uint16_t tag, uint16_t channels, uint16_t bits, uint32_t dataBytes, uint32_t dataSays, const Bytes& extra = {}) {
+    return Wav(Fmt(tag, channels, bits), extra, Bytes(dataBytes, 0x40), dataSays);
 }
 
 Bytes Extensible(uint16_t subTag) {
@@ -124,42 +142,38 @@ Bytes Changed(Bytes b, const std::function<void(Bytes&)>& change) {
 
 TEST(SoundFile, RefusesOrCutsDamagedFiles) {
     const Bytes adpcmBlock = Changed(Bytes(256, 0), [](Bytes& b) { b[1] = 16; });
-    Bytes adpcm = Wav(kWaveFormatAdpcm, 1, 4, AdpcmExtra(0), 0, 512);
-    Append(adpcm, adpcmBlock);
-    Append(adpcm, Changed(adpcmBlock, [](Bytes& b) { b[0] = 9; }));
+    const WaveFormat adpcmFormat = Fmt(kWaveFormatAdpcm, 1, 4);
+    Bytes blocks = adpcmBlock;
+    Append(blocks, Changed(adpcmBlock, [](Bytes& b) { b[0] = 9; }));
+    const Bytes adpcm = Wav(adpcmFormat, AdpcmExtra(adpcmFormat), blocks, 512);
     const struct {
         const char* name;
         Bytes file;
         int32_t type, result;
         uint32_t frames;
     } kCases[] = {
-        {"wav", Wav(1, 2, 16, {}, 4000 * 4, 4000 * 4), kFileTypeWave, 0, 4000},
-        {"data size past the end", Wav(1, 2, 16, {}, 4001 * 4 + 3, 99999), kFileTypeWave, 0, 4001},
-        {"extensible PCM", Wav(0xFFFE, 1, 8, Extensible(1), 3000, 3000), kFileTypeWave, 0, 3000},
-        {"extensible float", Wav(0xFFFE, 1, 32, Extensible(3), 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
-        {"float", Wav(3, 1, 32, {}, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
-        {"24 bits", Wav(1, 1, 24, {}, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
-        {"3 channels", Wav(1, 3, 8, {}, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
-        {"short fmt", Changed(Wav(1, 1, 8, {}, 3000, 3000), [](Bytes& b) { b[16] = 14; }), kFileTypeWave, kAlertBadSound, 0},
-        {"no data", Changed(Wav(1, 1, 8, {}, 0, 0), [](Bytes& b) { b[b.size() - 8] = 'D'; }), kFileTypeWave, kAlertBadSound, 0},
-        {"rate 0", Changed(Wav(1, 1, 8, {}, 3000, 3000), [](Bytes& b) { b[25] = b[24] = 0; }), kFileTypeWave, kAlertBadSound, 0},
-        {"not RIFF", Changed(Wav(1, 1, 8, {}, 3000, 3000), [](Bytes& b) { b[0] = 'X'; }), kFileTypeWave, kAlertBadSound, 0},
+        {"wav", Pcm(1, 2, 16, 4000 * 4, 4000 * 4), kFileTypeWave, 0, 4000},
+        {"data size past the end", Pcm(1, 2, 16, 4001 * 4 + 3, 99999), kFileTypeWave, 0, 4001},
+        {"extensible PCM", Pcm(0xFFFE, 1, 8, 3000, 3000, Extensible(1)), kFileTypeWave, 0, 3000},
+        {"extensible float", Pcm(0xFFFE, 1, 32, 3000, 3000, Extensible(3)), kFileTypeWave, kAlertSoundFormat, 0},
+        {"float", Pcm(3, 1, 32, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
+        {"short fmt", Changed(Pcm(1, 1, 8, 3000, 3000), [](Bytes& b) { b[16] = 14; }), kFileTypeWave, kAlertBadSound, 0},
+        {"no data", Changed(Pcm(1, 1, 8, 0, 0), [](Bytes& b) { b[b.size() - 8] = 'D'; }), kFileTypeWave, kAlertBadSound, 0},
+        {"rate 0", Changed(Pcm(1, 1, 8, 3000, 3000), [](Bytes& b) { b[25] = b[24] = 0; }), kFileTypeWave, kAlertBadSound, 0},
+        {"not RIFF", Changed(Pcm(1, 1, 8, 3000, 3000), [](Bytes& b) { b[0] = 'X'; }), kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, bad predictor", adpcm, kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, block of 0", Changed(adpcm, [](Bytes& b) { b[32] = 0, b[33] = 0; }), kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, block too small", Changed(adpcm, [](Bytes& b) { b[38] = 0xF5; }), kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, one good block", Changed(adpcm, [](Bytes& b) { b.resize(b.size() - 256); }), kFileTypeWave, 0, 500 + kDefaultMinSoundFrames},
-        {"adpcm, odd pair", Wav(kWaveFormatAdpcm, 1, 4, AdpcmExtra(1), 256, 256), kFileTypeWave, kAlertSoundFormat, 0},
+        {"adpcm, odd pair", Wav(adpcmFormat, AdpcmExtra(adpcmFormat, 1), adpcmBlock, 256), kFileTypeWave, kAlertSoundFormat, 0},
         {"aiff", Aiff(nullptr, 16, 22050, 3000), kFileTypeAiff, 0, 3000},
         {"aifc", Aiff("NONE", 16, 22050, 3000), kFileTypeAiff, 0, 3000},
         {"aifc sowt", Aiff("sowt", 16, 22050, 3000), kFileTypeAiff, kAlertSoundType, 0},
         {"aiff 12 bits", Aiff(nullptr, 12, 22050, 3000), kFileTypeAiff, kAlertSoundType, 0},
         {"aiff rate infinite", Aiff(nullptr, 16, HUGE_VAL, 3000), kFileTypeAiff, kAlertBadSound, 0},
-        {"aiff rate below 1", Aiff(nullptr, 16, 0.5, 3000), kFileTypeAiff, kAlertBadSound, 0},
         {"aiff frames past the samples", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b[23] = 0xFF; }), kFileTypeAiff, 0, 3000},
         {"aiff cut in COMM", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b.resize(30); }), kFileTypeAiff, kAlertBadSound, 0},
-        {"aiff no FORM", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b[3] = 'N'; }), kFileTypeAiff, kAlertBadSound, 0},
         {"au", Au(32, 1, 2, 5001 * 2 + 1), kFileTypeAu, 0, 5001},
-        {"au linear 16", Au(24, 3, 1, 3000 * 2), kFileTypeAu, 0, 3000},
         {"au encoding 23", Au(32, 23, 1, 3000), kFileTypeAu, kAlertSoundType, 0},
         {"au 3 channels", Au(32, 1, 3, 3000), kFileTypeAu, kAlertSoundType, 0},
         {"au header of 8", Au(8, 1, 1, 3000), kFileTypeAu, kAlertBadSound, 0},
@@ -172,15 +186,6 @@ TEST(SoundFile, RefusesOrCutsDamagedFiles) {
         DecodeOurs(c.file, c.type, &info, c.result);
         EXPECT_EQ(info.frames, c.frames) << c.name;
     }
-}
-
-TEST(SoundFile, TypesByExtension) {
-    const struct {
-        const char* path;
-        int32_t type;
-    } kCases[] = {{"a.WAV", kFileTypeWave}, {"C:\\x.y\\b.Aif", kFileTypeAiff}, {"c.aifc", kFileTypeAiff},
-                  {"/d/e.au", kFileTypeAu}, {"f.mp3", -1}, {"/g.wav/h", -1}, {"wav", -1}};
-    for (const auto& c : kCases) EXPECT_EQ(SoundFileType(c.path), c.type) << c.path;
 }
 
 }  // namespace
@@ -312,37 +317,6 @@ std::vector<int16_t> SpeechLike(uint32_t rate, uint32_t frames, uint16_t channel
     return out;
 }
 
-// An MS-ADPCM WAV file around `data`, with the format description of `f`.
-Bytes AdpcmWaveFile(const WaveFormat& f, const Bytes& data, uint32_t frames) {
-    Bytes out(12 + 8 + 50 + 12 + 8);
-    const auto code = [&out](size_t at, const char* c) { std::copy(c, c + 4, out.begin() + static_cast<std::ptrdiff_t>(at)); };
-    code(0, "RIFF");
-    Write32(&out[4], static_cast<uint32_t>(out.size() + data.size() - 8));
-    code(8, "WAVE");
-    code(12, "fmt ");
-    Write32(&out[16], 50);
-    Write16(&out[20], f.formatTag);
-    Write16(&out[22], f.channels);
-    Write32(&out[24], f.samplesPerSec);
-    Write32(&out[28], f.avgBytesPerSec);
-    Write16(&out[32], f.blockAlign);
-    Write16(&out[34], f.bitsPerSample);
-    Write16(&out[36], f.extraSize);
-    Write16(&out[38], f.samplesPerBlock);
-    Write16(&out[40], f.numCoefficients);
-    for (int i = 0; i < kAdpcmPredictors; ++i) {
-        Write16(&out[42 + 4 * i], static_cast<uint16_t>(f.coefficients[i][0]));
-        Write16(&out[44 + 4 * i], static_cast<uint16_t>(f.coefficients[i][1]));
-    }
-    code(70, "fact");
-    Write32(&out[74], 4);
-    Write32(&out[78], frames);
-    code(82, "data");
-    Write32(&out[86], static_cast<uint32_t>(data.size()));
-    out.insert(out.end(), data.begin(), data.end());
-    return out;
-}
-
 double SnrDb(const std::vector<int16_t>& source, const Bytes& decoded) {
     double signal = 0, error = 0;
     for (size_t i = 0; i < source.size() && 2 * i + 1 < decoded.size(); ++i) {
@@ -375,7 +349,7 @@ TEST(SoundFile, OurAdpcmDecodesInFfmpeg) {
         ASSERT_EQ(AdpcmEncode(pcm, reinterpret_cast<const uint8_t*>(source.data()), adpcm, coded.data(), sourceBytes), coded.size());
         ToolFolder folder;
         const std::string file = folder / "ours.wav";
-        WriteAll(file, AdpcmWaveFile(adpcm, coded, v.rate * 3));
+        WriteAll(file, Wav(adpcm, AdpcmExtra(adpcm), coded, static_cast<uint32_t>(coded.size())));
         ASSERT_TRUE(RunTool(kFfmpeg16, file, folder / "ffmpeg.raw"));
         ASSERT_TRUE(RunTool(kSox16, file, folder / "sox.raw"));
         const double snr = SnrDb(source, ReadAll(folder / "ffmpeg.raw"));
