@@ -1,5 +1,6 @@
 #include "media/CompressedSound.h"
 
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
