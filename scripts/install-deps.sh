@@ -13,6 +13,7 @@ packages=(
   libfreetype-dev fonts-liberation2 fonts-dejavu-core
   libsdl2-dev
   xvfb xauth xdotool
+  sox ffmpeg libavcodec-dev libavutil-dev
 )
 if [[ "${1:-}" == "--web" ]]; then
   # dpkg-dev: apt-get source, which scripts/build-web-deps.sh uses for the web's own libraries.

@@ -38,6 +38,14 @@ Bytes TakeBytes(MemRef ref) {
     FreeMemRef(ref);
     return bytes;
 }
+void AppendBE16(Bytes& b, uint16_t v) {
+    b.resize(b.size() + 2);
+    PutBE16(b, b.size() - 2, v);
+}
+void AppendBE32(Bytes& b, uint32_t v) {
+    b.resize(b.size() + 4);
+    PutBE32(b, b.size() - 4, v);
+}
 void Append(Bytes& b, const Bytes& more) { b.insert(b.end(), more.begin(), more.end()); }
 
 Bytes StoredHeader(const HeaderSpec& spec) {

@@ -13,6 +13,8 @@ using Bytes = std::vector<uint8_t>;
 
 void PutBE16(Bytes& b, size_t at, uint16_t v);
 void PutBE32(Bytes& b, size_t at, uint32_t v);
+void AppendBE16(Bytes& b, uint16_t v);
+void AppendBE32(Bytes& b, uint32_t v);
 void Append(Bytes& b, const Bytes& more);
 inline Bytes Of(const std::string& s) { return Bytes(s.begin(), s.end()); }
 
