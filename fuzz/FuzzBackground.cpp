@@ -1,9 +1,6 @@
-// Card pictures: a one-card picture owner made from the input, read by GetCardBackground and, for
-// format 3, by the JPEG reader. The input's first six bytes choose the read: the depth, flip and
-// palette flags, and the card's width and height (up to 640 by 480); the rest is the chunk as it
-// stands in memory behind the card head (native head, big-endian ColorTable, image data). With bit
-// 2 of the flags the harness writes the chunk's true size into its size field, so that most inputs
-// reach the decoders. Every handle must be freed again.
+// Card pictures: a one-card picture owner read by GetCardBackground and, for format 3, the JPEG
+// reader. Six bytes choose the depth, the flip, palette and true-size flags, and the card's size;
+// the rest is the chunk as memory holds it behind the card head. Every handle must be freed again.
 #include <cstdint>
 #include <cstring>
 
@@ -13,13 +10,8 @@
 #include "pictures/JpegBackground.h"
 #include "stack/CardRecord.h"
 
-namespace {
-
-constexpr uint32_t kControlBytes = 6;
-
-[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_background", what); }
-
-}  // namespace
+static constexpr uint32_t kControlBytes = 6;
+[[noreturn]] static void Broken(const char* what) { FuzzBroken("fuzz_background", what); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const bool ready = InitMemRefs();

@@ -1,8 +1,7 @@
 // What the fuzz targets share: the stop on a broken promise, a read of every byte a handle claims,
-// and the picture a pixel decoder decodes into, taken from the input's first four bytes: width 1 to
-// 512, height 1 to 128, and a depth of 1, 4, 8, 16, 24 or 32. The rest of the input is the packed
-// data. The image's slack bytes behind the pixels are set to a mark that a decoder must leave
-// alone: they are inside the block, where AddressSanitizer cannot see them.
+// and the picture a pixel decoder fills, shaped by the input's first four bytes (width 1 to 512,
+// height 1 to 128, depth 1 to 32). Its slack bytes carry a mark a decoder must leave alone: they
+// are inside the block, where AddressSanitizer cannot see them.
 #pragma once
 
 #include <cstdint>
@@ -13,11 +12,7 @@
 #include "gfx/DibImage.h"
 #include "memory/MemRef.h"
 
-struct FuzzImage {
-    MemRef image = 0;
-    const uint8_t* data = nullptr;
-    uint32_t length = 0;
-};
+struct FuzzImage { MemRef image = 0; const uint8_t* data = nullptr; uint32_t length = 0; };
 
 inline constexpr uint8_t kSlackMark = 0xA5;
 

@@ -1,7 +1,5 @@
-// LZRW1-A: arbitrary bytes as a block for the decompressor, into an output buffer of exactly the
-// size the input's first two bytes name, so a write past the caller's room is a sanitizer finding.
-// The same bytes then go through the compressor and back, which must give them again and must keep
-// within the room the compressor promises.
+// LZRW1-A: arbitrary bytes decompressed into a buffer of exactly the size the first two bytes name,
+// then compressed and back, which must give them again within the room the compressor promises.
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -9,11 +7,7 @@
 #include "FuzzImage.h"
 #include "pictures/Lzrw.h"
 
-namespace {
-
-[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_lzrw", what); }
-
-}  // namespace
+[[noreturn]] static void Broken(const char* what) { FuzzBroken("fuzz_lzrw", what); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 2 || size > (1u << 20)) return 0;

@@ -1,6 +1,5 @@
-// PixPak records: arbitrary bytes as a sprite frame's record. The record's size field is set to the
-// input's length first, since a record of another size is refused before anything is read. Every
-// handle the decode makes must be freed with the image.
+// PixPak records: arbitrary bytes as a frame's record, its size field set to the input's length (any
+// other size is refused unread). Every handle the decode makes must be freed with the image.
 #include <cstdint>
 #include <vector>
 
@@ -8,11 +7,7 @@
 #include "base/ByteOrder.h"
 #include "pictures/PixPak.h"
 
-namespace {
-
-[[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_pixpak", what); }
-
-}  // namespace
+[[noreturn]] static void Broken(const char* what) { FuzzBroken("fuzz_pixpak", what); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const bool ready = InitMemRefs();

@@ -1,6 +1,4 @@
-// RunPackedPixels: arbitrary bytes as the run stream of a picture of the shape FuzzImage.h takes
-// from the input, packed again wherever the stored rows hold the display rows (all but narrow
-// 1-bit ones).
+// Run-packed pixels of the picture FuzzImage.h shapes, packed again where stored rows hold display rows.
 #include "FuzzImage.h"
 #include "pictures/PackedPixels.h"
 

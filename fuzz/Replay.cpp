@@ -1,7 +1,5 @@
-// Replays inputs through a fuzz target without libFuzzer, so every build checks the corpus and the
-// malformed inputs kept from fuzzing. Arguments are files or folders (walked recursively, in name
-// order); notes beside the inputs (*.md) are skipped. Fails if an argument is missing or nothing
-// was replayed, so a wrong path cannot pass.
+// Replays files and folders of inputs (notes, *.md, skipped) through a fuzz target without libFuzzer;
+// a missing argument or nothing replayed fails, so a wrong path cannot pass.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -40,8 +38,7 @@ int main(int argc, char** argv) {
     }
     for (const fs::path& path : inputs) {
         std::ifstream in(path, std::ios::binary);
-        const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in),
-                                         std::istreambuf_iterator<char>()};
+        const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
         if (!in.good() && !in.eof()) {
             std::fprintf(stderr, "replay: cannot read %s\n", path.c_str());
             return 2;

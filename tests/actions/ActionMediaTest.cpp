@@ -1,7 +1,5 @@
-// The wait for what an action started: it sleeps on the host between rounds, ends when the media
-// are done or a press or key is waiting (which stays queued), and always stops what is left; the
-// extra clicks an action may throw away; and the launch, which waits first and may close the
-// window.
+// The wait for what an action started, the extra clicks an action may throw away, and the launch,
+// which waits first and may close the window.
 #include <utility>
 #include <vector>
 

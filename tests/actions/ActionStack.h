@@ -1,6 +1,5 @@
-// Action records written byte by byte in their stored (big-endian) form, stacks that hold them,
-// and a fixture that opens such stacks headless with recorders in place of the subsystems, so a
-// test reads what an action asked for, in order, as one line of text.
+// Stored action records, stacks that hold them, and a fixture that opens such stacks headless with
+// recorders for the subsystems, so a test reads what an action asked for as one line of text.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -41,20 +40,12 @@ struct ActionSpec {
 // The head and its sub-records, as a button chunk or the data of an 'Actn' record.
 inline Bytes StoredAction(uint16_t id, const ActionSpec& a) {
     Bytes b(136, 0);
-    PutBE16(b, 0, 48);
-    PutBE16(b, 2, id);
-    PutBE16(b, 4, static_cast<uint16_t>(a.rect[1]));
-    PutBE16(b, 6, static_cast<uint16_t>(a.rect[0]));
-    PutBE16(b, 8, static_cast<uint16_t>(a.rect[3]));
-    PutBE16(b, 10, static_cast<uint16_t>(a.rect[2]));
-    PutBE16(b, 16, static_cast<uint16_t>(a.destination));
-    PutBE16(b, 18, a.transition);
-    PutBE16(b, 20, a.flags);
+    const int32_t words[][2] = {{0, 48}, {2, id}, {4, a.rect[1]}, {6, a.rect[0]}, {8, a.rect[3]}, {10, a.rect[2]},
+                                {16, a.destination}, {18, a.transition}, {20, a.flags}, {62, a.testCode},
+                                {68, a.transitionColor}, {76, a.transitionSpeed}};
+    for (const auto& [at, v] : words) PutBE16(b, static_cast<size_t>(at), static_cast<uint16_t>(v));
     b[28] = static_cast<uint8_t>(a.name.size());
     std::copy(a.name.begin(), a.name.end(), b.begin() + 29);
-    PutBE16(b, 62, static_cast<uint16_t>(a.testCode));
-    PutBE16(b, 68, a.transitionColor);
-    PutBE16(b, 76, a.transitionSpeed);
     for (const Bytes& sub : a.subs) Append(b, sub);
     PutBE32(b, 12, static_cast<uint32_t>(b.size()));
     return b;
@@ -85,8 +76,7 @@ inline Bytes StoredRef(const std::string& hostPath) {
 
 // A launch: the document's reference, its length at 18, then the program's.
 inline Bytes LaunchSub(const std::string& document, const std::string& program, uint16_t flags) {
-    const Bytes doc = StoredRef(document);
-    Bytes payload = doc;
+    Bytes doc = StoredRef(document), payload = doc;
     Append(payload, StoredRef(program));
     Bytes s = StoredSub(59, payload, {{16, flags}});
     PutBE32(s, 18, static_cast<uint32_t>(doc.size()));
@@ -151,9 +141,7 @@ protected:
         InstallRecorders();
         ActionLog().clear();
     }
-    void TearDown() override {
-        ResetAllState();
-    }
+    void TearDown() override { ResetAllState(); }
 
     static void Open(const std::string& path) {
         SetSlotPath(kSlotStack, DosPathFromHost(path));

@@ -1,5 +1,4 @@
-// Where an action goes: the destination codes inside the stack, and another stack through its
-// file reference.
+// Where an action goes: the destination codes, and another stack through its file reference.
 #include "actions/ActionStack.h"
 
 namespace {
@@ -26,8 +25,7 @@ TEST_F(GoToCardCodeTest, CodesMoveToTheirCards) {
 TEST_F(GoToCardCodeTest, AnotherStackThroughItsReference) {
     const std::string other = WriteActionStack("other.stk", {{5, {}, 55}, {6, {}, 66}});
     const auto to = [&](const std::string& path, int16_t destination) {
-        const ActionSpec go{.flags = 0x0020, .destination = destination, .subs = {StoredSub(60, StoredRef(path))}};
-        return StoredAction(40, go);
+        return StoredAction(40, {.flags = 0x0020, .destination = destination, .subs = {StoredSub(60, StoredRef(path))}});
     };
     const std::string home = WriteActionStack(
         "start.stk", {{1, {to(other, 6)}}, {2, {to(other, -6)}}, {4, {to(other + ".gone", 6)}}});

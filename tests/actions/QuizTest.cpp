@@ -1,5 +1,4 @@
-// A stack as a quiz: the answers buttons leave on their cards, the name prompt, and the report
-// appended to "QBTest.txt" beside the stack.
+// A stack as a quiz: the answers, the name prompt, the report appended to "QBTest.txt" beside it.
 #include "actions/Quiz.h"
 
 #include <filesystem>

@@ -1,5 +1,4 @@
-// The interpreter's fixed order over the head's flag bits and sub-records, the checks after an NBA
-// and a script, and the ways in: by button, by 'Actn' id, by label.
+// The interpreter's fixed step order, its checks after an NBA and a script, and the ways in.
 #include "actions/RunAction.h"
 
 #include "actions/ActionQuery.h"
@@ -141,8 +140,7 @@ TEST_F(RunActionTest, ButtonsByIdAndNameAndActionsById) {
              {StoredAction(40, {.flags = 0x0020, .destination = 2, .name = "Onward"})});
     EXPECT_EQ(RunItemAction(nullptr, 40, 0), 1);
     EXPECT_EQ(Current(), 2);
-    EXPECT_EQ(GetActionState().currentItemName[0], 6);
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(GetActionState().currentItemName + 1), 6), "Onward");
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(GetActionState().currentItemName), 7), "\x06Onward");
     EXPECT_EQ(RunItemAction(nullptr, 49, 0), 0);  // no such button
 
     EXPECT_EQ(RunActionById(0, 0, 0, ""), 0);

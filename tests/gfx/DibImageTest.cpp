@@ -6,10 +6,7 @@
 namespace {
 
 TEST(DibImage, RowBytesOfBothLayouts) {
-    struct Case {
-        int32_t depth, width;
-        uint32_t dib, stored;
-    };
+    struct Case { int32_t depth, width; uint32_t dib, stored; };
     const Case cases[] = {{8, 17, 20, 32}, {8, 16, 16, 16}, {1, 16, 4, 2},     {1, 17, 4, 4},   {1, 33, 8, 6},
                           {4, 16, 8, 8},   {16, 15, 32, 32}, {16, 17, 36, 64}, {24, 5, 16, 48}, {32, 511, 2044, 2048}};
     for (const Case& c : cases) {

@@ -21,12 +21,8 @@ TEST(PaletteRemap, IndicesTakeTheNearestColourOfTheNewPalette) {
     palette->entries[3] = {0, 0, 255, 0};      // blue
     palette->entries[5] = {0, 200, 0, 0};
     palette->entries[17] = {0, 255, 0, 0};     // green: out of a 4-bit image's reach
-    struct Case {
-        const char* name;
-        int32_t width, depth;
-        std::vector<Bytes> rows;  // whole display rows, pad bytes included
-        Bytes expected;
-    };
+    // rows: whole display rows, pad bytes included
+    struct Case { const char* name; int32_t width, depth; std::vector<Bytes> rows; Bytes expected; };
     const Case cases[] = {
         // 0 white -> 1, 1 near-black -> 2 (the first of the blacks), 2 dark red -> 0, 7 dark blue
         // -> 3, 5 black -> 2. The pad bytes behind the five pixels are no pixels and stay 0.

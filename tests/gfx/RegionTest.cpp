@@ -1,6 +1,5 @@
-// Regions and 1-bit masks: set algebra checked pixel by pixel against plain booleans, the banded
-// form that makes equal sets compare equal, shapes that match the drawing, and masks read from
-// pictures with the right polarity and row order.
+// Regions and 1-bit masks: set algebra against plain booleans, the banded form, and masks read from
+// pictures with the right polarity and row order. The shapes' regions are the blit and draw goldens'.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,10 +16,7 @@ namespace {
 // Sorted bands sharing top and bottom, apart from each other; spans apart inside a band; and no
 // two touching bands alike (else they would be one).
 ::testing::AssertionResult IsBanded(const Region& region) {
-    struct Band {
-        int32_t top, bottom;
-        std::vector<std::pair<int32_t, int32_t>> spans;
-    };
+    struct Band { int32_t top, bottom; std::vector<std::pair<int32_t, int32_t>> spans; };
     std::vector<Band> bands;
     for (const Rect& r : region.Rects()) {
         if (r.IsEmpty()) return ::testing::AssertionFailure() << "an empty rectangle";
@@ -47,11 +43,7 @@ TEST(Region, AlgebraMatchesPlainSetsPixelByPixel) {
         seed = seed * 1103515245u + 12345u;
         return static_cast<int32_t>((seed >> 16) % static_cast<uint32_t>(n));
     };
-    struct Op {
-        const char* name;
-        Region (*combine)(const Region&, const Region&);
-        bool (*keep)(bool, bool);
-    };
+    struct Op { const char* name; Region (*combine)(const Region&, const Region&); bool (*keep)(bool, bool); };
     const Op ops[] = {
         {"union", UnionRegions, [](bool a, bool b) { return a || b; }},
         {"intersect", IntersectRegions, [](bool a, bool b) { return a && b; }},
@@ -88,29 +80,6 @@ TEST(Region, AlgebraMatchesPlainSetsPixelByPixel) {
         EXPECT_EQ(XorRegions(a, b), SubtractRegion(UnionRegions(a, b), IntersectRegions(a, b))) << trial;
     }
     EXPECT_EQ(UnionRegions(Region({0, 0, 4, 2}), Region({0, 2, 4, 5})), Region({0, 0, 4, 5}));
-}
-
-TEST(Region, PointsOffsetAndBounds) {
-    Region r = SubtractRegion(Region({0, 0, 6, 6}), Region({2, 2, 4, 4}));
-    r.Offset(10, 20);
-    const std::tuple<int32_t, int32_t, bool> cases[] = {
-        {10, 20, true}, {15, 25, true}, {16, 25, false}, {15, 26, false}, {12, 22, false}, {11, 22, true}, {9, 20, false}};
-    for (const auto& [x, y, inside] : cases) EXPECT_EQ(r.Contains(x, y), inside) << x << "," << y;
-    EXPECT_EQ(r.Bounds(), (Rect{10, 20, 16, 26}));
-    EXPECT_TRUE(Region({3, 3, 3, 9}).IsEmpty());
-}
-
-// A region made from a shape holds exactly the pixels the same shape paints.
-TEST(Region, ShapesMatchTheirDrawing) {
-    for (const Rect& r : {Rect{0, 0, 10, 10}, Rect{3, 2, 30, 9}, Rect{1, 1, 2, 17}, Rect{5, 0, 26, 23}}) {
-        Surface painted(32, 24), filled(32, 24), rounded(32, 24), filledRound(32, 24);
-        FillEllipse(painted, painted.Bounds(), r, kBlack);
-        FillRegion(filled, filled.Bounds(), EllipseRegion(r), kBlack);
-        FillRoundRect(rounded, rounded.Bounds(), r, 9, 7, kBlack);
-        FillRegion(filledRound, filledRound.Bounds(), RoundRectRegion(r, 9, 7), kBlack);
-        EXPECT_EQ(Art(filled), Art(painted)) << r.left << "," << r.top;
-        EXPECT_EQ(Art(filledRound), Art(rounded)) << r.left << "," << r.top;
-    }
 }
 
 std::string MaskArt(const BitMask& m) {

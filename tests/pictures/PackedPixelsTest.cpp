@@ -1,5 +1,5 @@
-// Row- and run-packed pixels: run streams worked out by hand from the count rules, the 1-bit rows
-// that run on, and streams that lie. The PixPak frames carry the round trips.
+// Row- and run-packed pixels: hand-worked run streams, 1-bit rows that run on, streams that lie.
+// The PixPak frames carry the round trips.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -20,13 +20,8 @@ TEST(PackedPixels, RunStreamsFollowTheCountRules) {
     for (int i = 0; i < 300; ++i) wide[i] = static_cast<uint8_t>(i < 130 ? 4 : i);
     Bytes rampStream = {15}, wideStream = {0x81, 4, 0xFF, 4, 127, 130};  // 128 fours, 2 fours, 128 literals...
     rampStream.insert(rampStream.end(), ramp.begin(), ramp.end());
-    struct Case {
-        const char* name;
-        int32_t width, depth;
-        std::vector<Bytes> rows;
-        Bytes stream;  // whole, or its first bytes
-        Bytes decoded;
-    };
+    // stream: whole, or its first bytes
+    struct Case { const char* name; int32_t width, depth; std::vector<Bytes> rows; Bytes stream, decoded; };
     const Case cases[] = {
         {"literals then a run", 16, 8, {{1, 2, 3, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9}}, {2, 1, 2, 3, 0xF4, 9}, {}},
         // A run reaching the end counts the 0 read past the image when it equals it; the reader
@@ -73,11 +68,7 @@ TEST(PackedPixels, DamagedStreamsAreRefused) {
     Bytes longer = rows;
     longer[3] = static_cast<uint8_t>(longer[3] + 1);
     longer.resize(longer[3] - 1u);
-    struct Case {
-        const char* name;
-        uint16_t flags;
-        Bytes data;
-    };
+    struct Case { const char* name; uint16_t flags; Bytes data; };
     const Case cases[] = {
         {"run stream cut short", 0, Bytes(runs.begin(), runs.end() - 1)},
         {"run count with no byte", 0, {0xF0}},

@@ -19,12 +19,9 @@ namespace {
 struct ItemSpec { int16_t kind; int16_t id; uint16_t flags = 0; std::string name = ""; };
 
 std::vector<uint8_t> NativeItem(const ItemSpec& s) {
-    const uint32_t head = s.kind == kItemKindGraphic  ? kGraphicHeadSize
-                          : s.kind == kItemKindButton ? kButtonHeadSize
-                                                      : kTextHeadSize;
-    const uint32_t nameAt = s.kind == kItemKindGraphic  ? kGraphicName
-                            : s.kind == kItemKindButton ? kButtonName
-                                                        : kTextName;
+    const bool graphic = s.kind == kItemKindGraphic, button = s.kind == kItemKindButton;
+    const uint32_t head = graphic ? kGraphicHeadSize : button ? kButtonHeadSize : kTextHeadSize;
+    const uint32_t nameAt = graphic ? kGraphicName : button ? kButtonName : kTextName;
     std::vector<uint8_t> b(head, 0);
     Write16(&b[kItemKind], static_cast<uint16_t>(s.kind));
     Write16(&b[kItemId], static_cast<uint16_t>(s.id));
@@ -62,13 +59,6 @@ MemRef MakeCard(int16_t id, int16_t kind, int16_t ownerId, const std::vector<Ite
     return ref;
 }
 
-std::vector<uint8_t> Name(const std::string& text) {
-    std::vector<uint8_t> n(text.size() + 1);
-    n[0] = static_cast<uint8_t>(text.size());
-    std::copy(text.begin(), text.end(), n.begin() + 1);
-    return n;
-}
-
 int16_t ItemIdAt(MemRef card, uint32_t offset) { return ReadS16(MemRefLock(card).data() + offset + kItemId); }
 
 class CardListTest : public testing::Test {
@@ -90,13 +80,9 @@ protected:
         for (int guard = 0; guard < 20; ++guard) {
             MemRef at = 0;
             uint32_t offset = 0;
-            if (NextItem(&walker, &at, &offset, stop)) {
-                seen.emplace_back(GetCardId(at), ItemIdAt(at, offset));
-            } else if (walker.finished) {
-                break;
-            } else {
-                seen.emplace_back(0, 0);
-            }
+            const bool got = NextItem(&walker, &at, &offset, stop);
+            if (!got && walker.finished) break;
+            seen.emplace_back(got ? GetCardId(at) : 0, got ? ItemIdAt(at, offset) : 0);
         }
         EndItemWalk(&walker);
         return seen;
@@ -143,8 +129,8 @@ TEST_F(CardListTest, ItemsAreFoundByIdPositionAndName) {
         {kItemKindButton, "again", false, 13}, {kItemKindButton, "Notes", false, 0},
     };
     for (const auto& c : byName) {
-        const std::vector<uint8_t> name = Name(c.name);
-        const bool hit = FindItemByName(c.kind, name.data(), &found, &offset, c.trim);
+        const std::string name = static_cast<char>(std::strlen(c.name)) + std::string(c.name);
+        const bool hit = FindItemByName(c.kind, reinterpret_cast<const uint8_t*>(name.data()), &found, &offset, c.trim);
         EXPECT_EQ(hit ? ItemIdAt(found, offset) : 0, c.id) << c.name;
     }
 }

@@ -1,8 +1,8 @@
-// The independent fixture stacks, written by another tool from the format's tables: every header,
-// card, item and record fact they list must come out of our reader.
+// The fixture stacks, written by another tool: every fact they list must come out of our reader.
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/ByteOrder.h"
@@ -55,9 +55,8 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
     for (int i = 0; i < 4; ++i) {
         MemRefLock lock(GetCardByPosition(i + 1));
         const uint8_t* c = lock.data();
-        EXPECT_EQ(ReadS16(c + kCardId), cards[i].id) << "card " << i + 1;
-        EXPECT_EQ(ReadS16(c + kCardKind), cards[i].kind) << "card " << i + 1;
-        EXPECT_EQ(NameText(c + kCardName, 16), cards[i].name) << "card " << i + 1;
+        EXPECT_EQ((std::tuple{ReadS16(c + kCardId), ReadS16(c + kCardKind), NameText(c + kCardName, 16)}),
+                  (std::tuple{cards[i].id, cards[i].kind, cards[i].name})) << "card " << i + 1;
         EXPECT_EQ(Read32(c + kCardSize), GetMemRefSize(GetCardByPosition(i + 1)));
     }
     EXPECT_EQ(CardField(2, kCardOwnerId), 2);  // card 3 shows card 2's picture
@@ -76,9 +75,8 @@ TEST_F(FixtureStackTest, SampleCardsHeaderCardsItemsAndRecords) {
         before = at;
         MemRefLock cover(GetCardByPosition(1));
         const uint8_t* item = cover.data() + at;
-        EXPECT_EQ(NameText(item + kButtonName, 32), fact.name);
-        EXPECT_EQ(Rect(item), fact.rect);
-        EXPECT_EQ(ReadS16(item + kButtonShape), fact.shape);
+        EXPECT_EQ((std::tuple{NameText(item + kButtonName, 32), Rect(item), ReadS16(item + kButtonShape)}),
+                  (std::tuple{fact.name, fact.rect, fact.shape}));
     }
 
     ASSERT_EQ(CountBlobEntries(GetDocument().storeRef), 1u);

@@ -1,6 +1,5 @@
-// The file locator takes only what the Policy lets the current stack read: a stack in a folder
-// elsewhere is neither found nor taken from the user's choice, and an opened stack becomes the
-// one the Policy judges for.
+// The locator takes only what the Policy lets the stack read, found or chosen; an opened stack
+// becomes the one the Policy judges for.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -200,9 +200,10 @@ TEST_F(NormaliseTest, AppliesTheHeadTablesOfCardsChunksAndItems) {
     }
 }
 
-// The picture's size comes from the rect unless only its height is zero; a reference from the
-// other platform is converted in place and the chunk's length follows.
+// The picture's size comes from the rect unless only its height is zero; a stored reference is
+// converted in place and the chunk's length follows.
 TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
+    const std::string longPath(255, 'f'), longName(255, 'n');
     const Bytes native = Of("C:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);
     const Bytes sun = StoredFileRef("Disk:Pics:Sun", "Sun");
     const Bytes sunNative = Of("D:\\Pics\\Sun\0\0\0\0\0\0\0Sun\0"s);
@@ -217,6 +218,12 @@ TEST_F(NormaliseTest, GraphicPictureSizeAndFileReference) {
         {"native reference left alone, picture behind", native, native, 8, false},
         {"other platform: stack's drive, two bytes shorter", sun, sunNative, 0, false},
         {"empty volume: two bytes longer", StoredFileRef(":Pics:Sun", "Sun"), sunNative, 8, true},
+        {"written here: its own drive", StoredFileRef("C::Art:a", "a"), Of("C:\\Art\\a\0\0\0\0\0\0\0\0a\0"s), 0, false},
+        {"odd path: a pad byte", StoredFileRef("Disk:Pic:Sun", "Sun"), Of("D:\\Pic\\Sun\0\0\0\0\0\0\0\0Sun\0"s), 0, false},
+        {"bare name", StoredFileRef("Sun", "Sun"), Of("D:\\Sun\0\0\0\0\0\0\0\0Sun\0"s), 0, false},
+        {"empty path stays empty", StoredFileRef("", "x"), Of("\0\0\0\0\0\0\0\0x\0"s), 0, false},
+        {"longer than the 500-byte start", StoredFileRef(longPath, longName),
+         Of("D:\\" + longPath + "\0\0"s + std::string(6, '\0') + longName + "\0"s), 0, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

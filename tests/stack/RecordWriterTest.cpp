@@ -78,17 +78,6 @@ Pair Card(const std::vector<Pair>& chunks, uint16_t kind = 0) {
     return c;
 }
 
-// A reference as memory holds it: path, terminator, pad to even, six zero bytes, name, terminator.
-// The stored form is StoredFileRef.
-Bytes NativeRef(const std::string& path, const std::string& name) {
-    Bytes b(path.begin(), path.end());
-    b.push_back(0);
-    b.resize(((b.size() + 1) & ~size_t{1}) + 6, 0);
-    b.insert(b.end(), name.begin(), name.end());
-    b.push_back(0);
-    return b;
-}
-
 class RecordWriterTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -99,8 +88,7 @@ protected:
     void TearDown() override { ResetFileFaults(); }
 
     // What a writer puts in a file through a staging buffer that already holds `prefill` bytes.
-    static Bytes Emit(const std::function<int32_t(StagingBuffer&)>& write, int32_t expected = 0,
-                      uint32_t prefill = 0) {
+    static Bytes Emit(const std::function<int32_t(StagingBuffer&)>& write, int32_t expected = 0, uint32_t prefill = 0) {
         const std::string path = WriteTempFile("writer.out", {});
         HostFile* file = nullptr;
         EXPECT_EQ(OpenHostFile(path, FileMode::Create, &file), 0);
@@ -128,8 +116,7 @@ protected:
         return Write(native, [](StagingBuffer& b, MemRef r) { return WriteCardRecord(b, r); }, expected);
     }
     static Bytes WriteButton(const Bytes& native, uint32_t* written, int32_t expected = 0) {
-        return Write(native, [&](StagingBuffer& b, MemRef r) { return WriteButtonRecord(b, r, 0, written); },
-                     expected);
+        return Write(native, [&](StagingBuffer& b, MemRef r) { return WriteButtonRecord(b, r, 0, written); }, expected);
     }
     static Bytes WriteHlnk(const Bytes& native, uint32_t* written, int32_t expected = 0) {
         return Write(native, [&](StagingBuffer& b, MemRef r) { return WriteHlnkRecord(b, r, written); }, expected);
@@ -186,7 +173,8 @@ TEST_F(RecordWriterTest, SubRecordsFollowTheWritersOwnRules) {
 }
 
 TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
-    Bytes junk = NativeRef("D:\\Pic\\Sun", "Sun");  // 10 + terminator: a pad byte follows
+    // A reference as memory holds it: path, terminator, pad to even, six zero bytes, name, terminator.
+    Bytes junk = Of("D:\\Pic\\Sun\0\0\0\0\0\0\0\0Sun\0"s);  // 10 + terminator: a pad byte follows
     junk[11] = 0x55;
     std::memset(&junk[12], 0xEE, 6);
     Bytes junkStored = StoredFileRef("D::Pic:Sun", "Sun");
@@ -194,11 +182,11 @@ TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
     struct Case { const char* name; Bytes native, stored; };
     const Case cases[] = {
         {"the pad byte stays, the six bytes are cleared", junk, junkStored},
-        {"the name keeps its backslash", NativeRef("C:\\a", "b\\c"), StoredFileRef("C::a", "b\\c")},
+        {"the name keeps its backslash", Of("C:\\a\0\0\0\0\0\0\0\0b\\c\0"s), StoredFileRef("C::a", "b\\c")},
         {"no terminator", Of("C:\\abc"), {}},
         {"no room for the six bytes", Of("C:\\a\0\0\0\0"s), {}},
         {"name without its terminator", Of("C:\\a\0\0\0\0\0\0\0\0xy"s), {}},
-        {"path longer than a length byte holds", NativeRef(std::string(256, 'p'), "x"), {}},
+        {"path longer than a length byte holds", Of(std::string(256, 'p') + std::string(8, '\0') + "x\0"s), {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -209,9 +197,9 @@ TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
 }
 
 TEST_F(RecordWriterTest, PathsInSubRecordsAndTheLaunchCount) {
-    const Bytes nat = NativeRef("C:\\Stacks\\art.bmp", "art.bmp");  // 32 bytes, as stored
+    const Bytes nat = Of("C:\\Stacks\\art.bmp\0\0\0\0\0\0\0art.bmp\0"s);  // 32 bytes, as stored
     const Bytes sto = StoredFileRef("C::Stacks:art.bmp", "art.bmp");
-    const Bytes oddNat = NativeRef("C:\\a", "bc");  // 15 bytes: the reader rounds it up to 16
+    const Bytes oddNat = Of("C:\\a\0\0\0\0\0\0\0\0bc\0"s);  // 15 bytes: the reader rounds it up to 16
     const Bytes oddSto = StoredFileRef("C::a", "bc");
     struct Case { const char* name; uint16_t type, flags; uint32_t documentLength; std::vector<Bytes> native, stored; };
     const Case cases[] = {

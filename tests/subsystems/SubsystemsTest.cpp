@@ -26,7 +26,6 @@ TEST_F(SubsystemsTest, UnavailableEntriesAnswerNothingToDoAndAreCounted) {
     const struct { const char* name; std::function<int64_t()> call; int64_t answer; } cases[] = {
         {"PlaySound", [&] { return s.PlaySound(nullptr, "a.wav", false, 0, 100, 0); }, 0},
         {"IsMovieDone", [&] { return int64_t{s.IsMovieDone(7)}; }, 1},
-        {"IsSpriteFilmRunning", [&] { return int64_t{s.IsSpriteFilmRunning(7)}; }, 0},
         {"AskText", [&] { return int64_t{s.AskText("name?", &text)} + 10 * int64_t(text.size()); }, 1},
         // What is handed over is freed, as the engine does when it fails.
         {"PlaySpriteFilm", [&] { return s.PlaySpriteFilm(NewMemRef(8), 1); }, 0},

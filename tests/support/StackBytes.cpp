@@ -50,15 +50,10 @@ void Append(Bytes& b, const Bytes& more) { b.insert(b.end(), more.begin(), more.
 
 Bytes StoredHeader(const HeaderSpec& spec) {
     Bytes h(128, 0);
-    PutBE16(h, 4, spec.cardCount);
-    PutBE16(h, 8, spec.version);
-    PutBE16(h, 10, 1);
-    PutBE16(h, 12, 1);
-    PutBE16(h, 16, spec.depth);
-    PutBE16(h, 20, 1);
-    PutBE16(h, 50, 1);  // presentationColor: 0 would be raised to 1 at open
-    PutBE16(h, 56, spec.cardWidth);
-    PutBE16(h, 58, spec.cardHeight);
+    // presentationColor at 50: 0 would be raised to 1 at open
+    for (const auto& [at, v] : {std::pair<size_t, uint16_t>{4, spec.cardCount}, {8, spec.version}, {10, 1}, {12, 1},
+                                {16, spec.depth}, {20, 1}, {50, 1}, {56, spec.cardWidth}, {58, spec.cardHeight}})
+        PutBE16(h, at, v);
     PutBE32(h, 64, spec.blobCount);
     PutBE32(h, 68, spec.nextBlobId);
     return h;
@@ -67,14 +62,10 @@ Bytes StoredHeader(const HeaderSpec& spec) {
 Bytes StoredCard(uint16_t id, const std::string& name, const std::vector<Bytes>& items, uint16_t kind,
                  uint16_t ownerId) {
     Bytes c(96, 0);
-    PutBE16(c, 0, id);
-    PutBE16(c, 6, kind);
-    PutBE16(c, 8, ownerId);
-    // A card carries the depth a save stores into the card on show, and the stack's size, which
-    // the open writes over it anyway.
-    PutBE16(c, 18, 8);
-    PutBE16(c, 20, 640);
-    PutBE16(c, 22, 480);
+    // A card carries the depth a save stores into the card on show (at 18), and the stack's size (at
+    // 20), which the open writes over it anyway.
+    for (const auto& [at, v] : {std::pair<size_t, uint16_t>{0, id}, {6, kind}, {8, ownerId}, {18, 8}, {20, 640}, {22, 480}})
+        PutBE16(c, at, v);
     c[32] = static_cast<uint8_t>(name.size());
     std::memcpy(&c[33], name.data(), name.size());
     for (const Bytes& item : items) Append(c, item);
@@ -135,8 +126,7 @@ Bytes StoredFileRef(const std::string& path, const std::string& name) {
     return b;
 }
 
-Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data,
-                   uint32_t flags) {
+Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data, uint32_t flags) {
     Bytes r(68, 0);
     std::memcpy(&r[0], type, 4);
     PutBE16(r, 4, id);

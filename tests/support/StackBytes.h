@@ -52,8 +52,7 @@ Bytes StoredButton(uint16_t id, const Rect& r, int16_t shape, const std::string&
 // odd, six zero bytes, the length-prefixed name.
 Bytes StoredFileRef(const std::string& path, const std::string& name);
 // A typed-record entry: 68-byte head plus data padded to a multiple of 4.
-Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data,
-                   uint32_t flags = 0);
+Bytes StoredRecord(const char (&type)[5], uint16_t id, const std::string& name, const Bytes& data, uint32_t flags = 0);
 // Header, cards and records joined, with blobOffset set to the end of the cards.
 Bytes StoredStack(const HeaderSpec& spec, const std::vector<Bytes>& cards, const std::vector<Bytes>& records);
 
