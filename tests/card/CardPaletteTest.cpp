@@ -56,9 +56,8 @@ std::vector<ItemView> Items(MemRef card) {
     MemRefLock lock(card);
     const uint8_t* c = lock.data();
     std::vector<ItemView> items;
-    for (uint32_t at = ItemChainStart(c); ReadS16(c + at) != 0; at += Read32(c + at + kItemLength)) {
+    for (uint32_t at = ItemChainStart(c); ReadS16(c + at) != 0; at += Read32(c + at + kItemLength))
         items.push_back({at, Read16(c + at + kItemFlags)});
-    }
     return items;
 }
 

@@ -131,12 +131,7 @@ TEST_F(NavigationTest, UnknownCardsAndJumpTexts) {
     EXPECT_EQ(Ran(), std::vector<std::string>{"5/2030/0 jump.stk"});  // arrived again
 
     const struct { const char* text; int16_t id; std::vector<int> alerts; } cases[] = {
-        {"2", 2, {}},
-        {"0", 1, {2223}},
-        {"   ", 1, {2223}},
-        {"", 1, {}},
-        {"BETA", 2, {}},
-    };
+        {"2", 2, {}}, {"0", 1, {2223}}, {"   ", 1, {2223}}, {"", 1, {}}, {"BETA", 2, {}}};
     for (const auto& c : cases) {
         GoToCardNoBack(1, kPlainEffect, kPlainSpeed);
         EXPECT_EQ(JumpToCardByText(c.text), c.alerts.empty() && c.text[0] != '\0') << c.text;

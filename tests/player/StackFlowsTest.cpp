@@ -114,16 +114,13 @@ TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
         } else {
             ASSERT_NE(NewCard(false, false), 0);
         }
-        std::vector<int16_t> ids;
         std::vector<Bytes> cards;
         for (int32_t i = 1; i <= CardCount(); ++i) {
-            ids.push_back(GetCardId(GetCardByPosition(i)));
             // The end mark's word is left out: a card made in memory holds it native until it
             // has been through a file.
             const Bytes card = BlockBytes(GetCardByPosition(i));
             cards.emplace_back(card.begin(), card.end() - 2);
         }
-        EXPECT_EQ(ids, c.ids);
         const std::string out = TempPath("changed-cards.stk");
         ASSERT_EQ(SaveAs(out), kResultOk);
         CloseStack();
@@ -308,12 +305,9 @@ TEST_F(StackFlowsTest, AMissingStackGivesWayToTheHomeStackInTheProgramsFolder) {
 
 TEST_F(StackFlowsTest, ANewStackTakesTheCurrentSettings) {
     Document& doc = GetDocument();
-    const struct {
-        int16_t presentationMode;
-        uint16_t windowFlags;
-        int16_t menuShown;
-        uint16_t reserved22;  // only the first stack of the process
-    } cases[] = {{0, 1, 1, 1}, {2, 0, 0, 0}};
+    // reserved22 is set for the first stack of the process only.
+    const struct { int16_t presentationMode; uint16_t windowFlags; int16_t menuShown; uint16_t reserved22; } cases[] = {
+        {0, 1, 1, 1}, {2, 0, 0, 0}};
     for (const auto& c : cases) {
         doc.presentationMode = c.presentationMode;
         doc.windowFlags = c.windowFlags;
