@@ -157,8 +157,7 @@ TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPictu
               (std::array<uint16_t, 4>{3, 0, 2, 300}));
     const std::vector<ItemView> member = Items(shares);
     ASSERT_EQ(member.size(), 1u);
-    EXPECT_EQ((std::array{Field(shares, member[0].at + kButtonTextColor),
-                          Field(shares, member[0].at + kButtonFillColor)}),
+    EXPECT_EQ((std::array{Field(shares, member[0].at + kButtonTextColor), Field(shares, member[0].at + kButtonFillColor)}),
               (std::array<uint16_t, 2>{3, 4}));
     EXPECT_EQ(BlockBytes(other), otherBefore) << "a card that does not share the picture";
     EXPECT_EQ(gSpriteCalls, (std::vector<uint32_t>{items[2].at})) << "the sprite of the button whose action has one";

@@ -37,8 +37,7 @@
 namespace {
 
 // An 8-bit picture of indices, packed by runs as a graphic stores it.
-template <class IndexAt>
-Bytes RunPackedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
+template <class IndexAt> Bytes RunPackedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
     const MemRef image = NewDibImage(width, height, 8);
     {
         MemRefLock lock(image);

@@ -172,9 +172,8 @@ TEST_F(NavigationTest, NewCardsTakeFreshIdsAndTheTwentiethIsRemarked) {
     EXPECT_EQ(Alerts(), std::vector<int>{});
     // A card takes as owner the group owner of the card it was made from.
     MemRef member = NewCard(false, true);
-    EXPECT_EQ(GetCardKind(member), kCardKindGroupMember);
-    EXPECT_EQ(ReadS16(MemRefLock(member).data() + kCardOwnerId), 20);
-    EXPECT_EQ(CardCount(), 20);
+    EXPECT_EQ((std::vector<int>{GetCardKind(member), ReadS16(MemRefLock(member).data() + kCardOwnerId), CardCount()}),
+              (std::vector<int>{kCardKindGroupMember, 20, 20}));
     EXPECT_EQ(Alerts(), std::vector<int>{2303});
     ASSERT_NE(NewCard(false, false), 0);
     EXPECT_EQ(Current(), 22);
