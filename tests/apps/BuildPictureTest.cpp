@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -35,9 +34,8 @@ constexpr int32_t kHeight = 3;
 // A picture whose every pixel differs from its neighbours in every channel.
 std::vector<Rgb> Colours() {
     std::vector<Rgb> colours;
-    for (int32_t i = 0; i < kWidth * kHeight; ++i) {
+    for (int32_t i = 0; i < kWidth * kHeight; ++i)
         colours.push_back({static_cast<uint8_t>(i * 5 + 3), static_cast<uint8_t>(255 - i * 3), static_cast<uint8_t>(i * 37)});
-    }
     return colours;
 }
 
@@ -86,9 +84,8 @@ protected:
         if (!image) return {};
         const Bytes dib = TakeBytes(image);
         std::vector<uint32_t> values;
-        for (int32_t y = kHeight - 1; y >= 0; --y) {  // display rows run bottom-up
+        for (int32_t y = kHeight - 1; y >= 0; --y)  // display rows run bottom-up
             for (int32_t x = 0; x < kWidth; ++x) values.push_back(GetPixel(dib.data(), x, y));
-        }
         return values;
     }
 };

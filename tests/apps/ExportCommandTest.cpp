@@ -151,8 +151,7 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
     const Bytes stack = StoredStack({.cardCount = 3, .cardWidth = kWidth, .cardHeight = kHeight},
                                     {PictureCard(1, 2, palette, goodRuns,
                                                  {StoredGraphic(10, {5, 5, 11, 9}, sized(runs)), StoredGraphic(11, {20, 5, 26, 9}, sized(rows), 16)}),
-                                     StoredCard(2, "member", {}, 3, 1), PictureCard(3, 2, palette, badRuns)},
-                                    {});
+                                     StoredCard(2, "member", {}, 3, 1), PictureCard(3, 2, palette, badRuns)}, {});
     const Outcome run = ExportTo(WriteTempFile("pictures.stk", stack), dir_);
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(FilesIn(dir_), (std::vector<std::string>{"card-001-background.png", "card-001-graphic-10.png"}));

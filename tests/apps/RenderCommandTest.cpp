@@ -72,10 +72,7 @@ TEST_F(RenderCommandTest, NoScratchFileOutlivesTheProgram) {
     const auto files = [&temp] { return std::distance(fs::directory_iterator(temp), fs::directory_iterator()); };
     const std::string damaged = Path("damaged.stk");
     std::ofstream(damaged) << "shorter than a stack's header";
-    const struct {
-        const char* name;
-        std::string arguments;
-    } cases[] = {
+    const struct { const char* name; std::string arguments; } cases[] = {
         {"a failed open", "resave '" + damaged + "' -o '" + Path("out.stk") + "'"},
         {"a render of a damaged stack", "render '" + damaged + "' -o '" + Path("out.png") + "'"},
         {"a normal play", "play '" + Card(1, "").path + "' --exit-after 300"},
@@ -110,11 +107,7 @@ TEST_F(RenderCommandTest, ProgressOnATerminalAndFailuresNameTheCard) {
         options.output = c.all ? out.string() : (out / "three.png").string();
         GetHeadlessState().terminalFds = c.terminal ? 1u << 2 : 0;
         EXPECT_EQ(RunQuietly(options), c.code);
-        if (*c.err) {
-            EXPECT_NE(err_.find(c.err), std::string::npos) << err_;
-        } else {
-            EXPECT_EQ(err_, "");
-        }
+        EXPECT_TRUE(*c.err ? err_.find(c.err) != std::string::npos : err_.empty()) << err_;
     }
 }
 

@@ -72,11 +72,9 @@ Bytes MaskSource(const std::vector<std::string>& rows, uint16_t pictureWidth = 0
     Bytes b(24 + stride * rows.size(), 0);
     const uint16_t head[] = {static_cast<uint16_t>(w), static_cast<uint16_t>(rows.size()), pictureWidth, pictureHeight};
     for (int i = 0; i < 4; ++i) Write16(&b[2 * i], head[i]);
-    for (size_t y = 0; y < rows.size(); ++y) {
-        for (int32_t x = 0; x < w; ++x) {
+    for (size_t y = 0; y < rows.size(); ++y)
+        for (int32_t x = 0; x < w; ++x)
             if (rows[y][x] == '#') b[24 + y * stride + x / 8] |= static_cast<uint8_t>(0x80 >> (x % 8));
-        }
-    }
     return b;
 }
 
@@ -131,11 +129,9 @@ Surface Checked(int32_t w, int32_t h) {
 
 Region ChangedPixels(const Surface& before, const Surface& after) {
     Region changed;
-    for (int32_t y = 0; y < before.height; ++y) {
-        for (int32_t x = 0; x < before.width; ++x) {
+    for (int32_t y = 0; y < before.height; ++y)
+        for (int32_t x = 0; x < before.width; ++x)
             if (before.Row(y)[x] != after.Row(y)[x]) changed = UnionRegions(changed, Region({x, y, x + 1, y + 1}));
-        }
-    }
     return changed;
 }
 

@@ -56,9 +56,8 @@ std::vector<ItemView> Items(MemRef card) {
     MemRefLock lock(card);
     const uint8_t* c = lock.data();
     std::vector<ItemView> items;
-    for (uint32_t at = ItemChainStart(c); ReadS16(c + at) != 0; at += Read32(c + at + kItemLength)) {
+    for (uint32_t at = ItemChainStart(c); ReadS16(c + at) != 0; at += Read32(c + at + kItemLength))
         items.push_back({at, Read16(c + at + kItemFlags)});
-    }
     return items;
 }
 
@@ -158,8 +157,7 @@ TEST_F(PaletteCards, ReplacingAPaletteReindexesTheCardAndTheCardsSharingItsPictu
               (std::array<uint16_t, 4>{3, 0, 2, 300}));
     const std::vector<ItemView> member = Items(shares);
     ASSERT_EQ(member.size(), 1u);
-    EXPECT_EQ((std::array{Field(shares, member[0].at + kButtonTextColor),
-                          Field(shares, member[0].at + kButtonFillColor)}),
+    EXPECT_EQ((std::array{Field(shares, member[0].at + kButtonTextColor), Field(shares, member[0].at + kButtonFillColor)}),
               (std::array<uint16_t, 2>{3, 4}));
     EXPECT_EQ(BlockBytes(other), otherBefore) << "a card that does not share the picture";
     EXPECT_EQ(gSpriteCalls, (std::vector<uint32_t>{items[2].at})) << "the sprite of the button whose action has one";

@@ -37,14 +37,12 @@
 namespace {
 
 // An 8-bit picture of indices, packed by runs as a graphic stores it.
-template <class IndexAt>
-Bytes RunPackedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
+template <class IndexAt> Bytes RunPackedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
     const MemRef image = NewDibImage(width, height, 8);
     {
         MemRefLock lock(image);
-        for (int32_t y = 0; y < height; ++y) {
+        for (int32_t y = 0; y < height; ++y)
             for (int32_t x = 0; x < width; ++x) SetPixel(lock.data(), x, y, indexAt(x, y));
-        }
     }
     const MemRef packed = EncodeRunPacked(image);
     FreeMemRef(image);
@@ -120,10 +118,8 @@ protected:
         const MemRef picture = NewDibImage(160, 120, 8);
         {
             MemRefLock lock(picture);
-            for (int32_t y = 0; y < 120; ++y) {
-                for (int32_t x = 0; x < 160; ++x)
-                    SetPixel(lock.data(), x, y, 16u + static_cast<uint32_t>((x + y) / 20 % 8));
-            }
+            for (int32_t y = 0; y < 120; ++y)
+                for (int32_t x = 0; x < 160; ++x) SetPixel(lock.data(), x, y, 16u + static_cast<uint32_t>((x + y) / 20 % 8));
         }
         const MemRef data = CompressBackground(picture, false);
         ASSERT_EQ(StoreBackground(GetCardByPosition(1), data, tableRef, 8), 0);
@@ -238,8 +234,7 @@ TEST_F(OffscreenCardTest, GraphicsAndTextFieldsKeepTheirStoredNames) {
     Open(WriteTempFile("named.stk", StoredStack({.cardWidth = 160, .cardHeight = 120},
                                                 {StoredCard(1, "Named", items)}, {})));
     Show(1);
-    ASSERT_NE(FindDisplayItem(kItemKindGraphic, 1), nullptr);
-    ASSERT_NE(FindDisplayItem(kItemKindText, 2), nullptr);
+    ASSERT_TRUE(FindDisplayItem(kItemKindGraphic, 1) && FindDisplayItem(kItemKindText, 2));
     EXPECT_EQ(FindDisplayItem(kItemKindGraphic, 1)->name, "Apple");
     EXPECT_EQ(FindDisplayItem(kItemKindText, 2)->name, "Notes and notes");
 }

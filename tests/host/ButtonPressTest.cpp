@@ -22,10 +22,8 @@ protected:
 struct PressStep { char kind; /* 'D' down, 'M' move, 'U' up */ int32_t x, y; };
 
 TEST_F(ButtonPressTest, ARunsOnlyWhenReleasedInside) {
-    struct Case {
-        const char* name; bool hiliteOnPress; uint16_t flags; std::vector<PressStep> steps;
-        bool invertedBeforeRelease; const char* runs;
-    };
+    struct Case { const char* name; bool hiliteOnPress; uint16_t flags; std::vector<PressStep> steps;
+                  bool invertedBeforeRelease; const char* runs; };
     const Case cases[] = {
         {"press and release", true, 0, {{'D', 30, 30}, {'U', 30, 30}}, true, "item 5"},
         {"drag out", true, 0, {{'D', 30, 30}, {'M', 200, 200}, {'U', 200, 200}}, false, ""},

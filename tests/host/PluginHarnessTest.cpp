@@ -134,11 +134,7 @@ protected:
     }
 
     NPError SetWindow(NPP instance, void* handle) {
-        NPWindow window{};
-        window.window = handle;
-        window.width = 640;
-        window.height = 480;
-        window.type = NPWindowTypeWindow;
+        NPWindow window{handle, 0, 0, 640, 480, {}, NPWindowTypeWindow};
         return plugin_.setwindow(instance, &window);
     }
 
@@ -295,21 +291,18 @@ TEST_F(PluginHarness, StreamedFixtureOpensAtItsFirstCard) {
 
 TEST_F(PluginHarness, DamagedStackGivesTheAlertAndABlankStack) {
     const Bytes fixture = ReadWholeFile(kFixtures + "/sample-cards.stk");
-    struct Case { const char* name; Bytes bytes; NPReason reason; std::vector<int> alerts; };
-    const Case cases[] = {
-        // The read reports, puts a blank stack in place, and the open reports its error again.
-        {"nothing came", Bytes{}, NPRES_DONE, {2235, 2305, 2235}},
-        {"broken off inside the cards", Bytes(fixture.begin(), fixture.begin() + 200), NPRES_NETWORK_ERR,
-         {2235, 2305, 2235}},
-    };
+    // Nothing came; the stream broke off inside the cards.
+    const std::pair<Bytes, NPReason> cases[] = {{Bytes{}, NPRES_DONE},
+                                                {Bytes(fixture.begin(), fixture.begin() + 200), NPRES_NETWORK_ERR}};
     NPP instance = NewInstance();
     ASSERT_EQ(SetWindow(instance, &windowA_), 0);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [bytes, reason] : cases) {
+        SCOPED_TRACE(bytes.size());
         TheModule().clearAlerts();
-        Stream(instance, c.bytes, {4096}, c.reason);
+        Stream(instance, bytes, {4096}, reason);
         QbPluginProbe p = Probe();
-        EXPECT_EQ(Alerts(p), c.alerts);
+        // The read reports, puts a blank stack in place, and the open reports its error again.
+        EXPECT_EQ(Alerts(p), (std::vector<int>{2235, 2305, 2235}));
         EXPECT_EQ((std::vector<int>{p.cardCount, p.currentCardId, p.hasFile}), (std::vector<int>{1, 1, 0}));
         EXPECT_STREQ(p.stackName, "Untitled");
 

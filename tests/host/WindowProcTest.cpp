@@ -45,10 +45,8 @@ protected:
 };
 
 TEST_F(WindowProcTest, ClickGoesToTheItemElseTheCardElseTheStack) {
-    struct Case {
-        const char* name; Point at; uint32_t mods; bool doesSomething; int16_t graphicAction; uint16_t cardAction, stackAction;
-        const char* runs;
-    };
+    struct Case { const char* name; Point at; uint32_t mods; bool doesSomething; int16_t graphicAction;
+                  uint16_t cardAction, stackAction; const char* runs; };
     const Case cases[] = {
         {"graphic", {20, 20}, 0, false, 40, 50, 60, "byId 40 Item7"},
         {"ctrl, graphic's action works", {20, 20}, kModCtrl, true, 40, 50, 60, "byId 40 Item7"},

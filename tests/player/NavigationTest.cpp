@@ -131,12 +131,7 @@ TEST_F(NavigationTest, UnknownCardsAndJumpTexts) {
     EXPECT_EQ(Ran(), std::vector<std::string>{"5/2030/0 jump.stk"});  // arrived again
 
     const struct { const char* text; int16_t id; std::vector<int> alerts; } cases[] = {
-        {"2", 2, {}},
-        {"0", 1, {2223}},
-        {"   ", 1, {2223}},
-        {"", 1, {}},
-        {"BETA", 2, {}},
-    };
+        {"2", 2, {}}, {"0", 1, {2223}}, {"   ", 1, {2223}}, {"", 1, {}}, {"BETA", 2, {}}};
     for (const auto& c : cases) {
         GoToCardNoBack(1, kPlainEffect, kPlainSpeed);
         EXPECT_EQ(JumpToCardByText(c.text), c.alerts.empty() && c.text[0] != '\0') << c.text;
@@ -177,9 +172,8 @@ TEST_F(NavigationTest, NewCardsTakeFreshIdsAndTheTwentiethIsRemarked) {
     EXPECT_EQ(Alerts(), std::vector<int>{});
     // A card takes as owner the group owner of the card it was made from.
     MemRef member = NewCard(false, true);
-    EXPECT_EQ(GetCardKind(member), kCardKindGroupMember);
-    EXPECT_EQ(ReadS16(MemRefLock(member).data() + kCardOwnerId), 20);
-    EXPECT_EQ(CardCount(), 20);
+    EXPECT_EQ((std::vector<int>{GetCardKind(member), ReadS16(MemRefLock(member).data() + kCardOwnerId), CardCount()}),
+              (std::vector<int>{kCardKindGroupMember, 20, 20}));
     EXPECT_EQ(Alerts(), std::vector<int>{2303});
     ASSERT_NE(NewCard(false, false), 0);
     EXPECT_EQ(Current(), 22);

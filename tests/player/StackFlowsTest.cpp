@@ -80,15 +80,13 @@ TEST_F(StackFlowsTest, DefinedChangesOfASave) {
     PutBE32(tenth, 68, 0);
     EXPECT_EQ(ReadWholeFile(out), tenth);
 
-    // A deleted record is compacted away: the file is shorter by exactly its length.
-    const Bytes withDeleted = StoredStack({}, {StoredCard(1, "A")}, {StoredRecord("Snd ", 4, "gone", Bytes(10, 7), 0x80000000u),
-                                                                     StoredRecord("Snd ", 5, "kept", {1, 2, 3, 4})});
-    ASSERT_EQ(Open(WriteTempFile("deleted.stk", withDeleted)), kResultOk);
+    // A deleted record is compacted away: the file is the stack without it.
+    const Bytes kept = StoredRecord("Snd ", 5, "kept", {1, 2, 3, 4});
+    const Bytes gone = StoredRecord("Snd ", 4, "gone", Bytes(10, 7), 0x80000000u);
+    ASSERT_EQ(Open(WriteTempFile("deleted.stk", StoredStack({}, {StoredCard(1, "A")}, {gone, kept}))), kResultOk);
     const std::string compacted = TempPath("compacted.stk");
     ASSERT_EQ(SaveAs(compacted), kResultOk);
-    const Bytes saved = ReadWholeFile(compacted);
-    EXPECT_EQ(saved.size(), withDeleted.size() - (68 + 12));
-    EXPECT_EQ(ReadBE32(&saved[64]), 1u);
+    EXPECT_EQ(ReadWholeFile(compacted), StoredStack({}, {StoredCard(1, "A")}, {kept}));
     EXPECT_EQ(CountBlobEntries(GetDocument().storeRef), 1u);
     EXPECT_NE(GetBlobById(FourCC("Snd "), 5), 0);
 }
@@ -114,16 +112,13 @@ TEST_F(StackFlowsTest, ChangedCardListsComeBackFromTheSavedFile) {
         } else {
             ASSERT_NE(NewCard(false, false), 0);
         }
-        std::vector<int16_t> ids;
         std::vector<Bytes> cards;
         for (int32_t i = 1; i <= CardCount(); ++i) {
-            ids.push_back(GetCardId(GetCardByPosition(i)));
             // The end mark's word is left out: a card made in memory holds it native until it
             // has been through a file.
             const Bytes card = BlockBytes(GetCardByPosition(i));
             cards.emplace_back(card.begin(), card.end() - 2);
         }
-        EXPECT_EQ(ids, c.ids);
         const std::string out = TempPath("changed-cards.stk");
         ASSERT_EQ(SaveAs(out), kResultOk);
         CloseStack();
@@ -174,18 +169,15 @@ TEST_F(StackFlowsTest, SavingInPlaceOrThroughATemporaryFile) {
     const std::string path = WriteTempFile("space.stk", stack);
     ASSERT_EQ(Open(path), kResultOk);
 
-    GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2048;
-    ino_t before = Inode(path);
-    GetDocument().dirty = true;
-    ASSERT_EQ(SaveStack(), kResultOk);
-    EXPECT_EQ(Inode(path), before) << "exactly total + 2048 saves in place";
-    EXPECT_EQ(ReadWholeFile(path), stack);
-
-    GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2049;
-    GetDocument().dirty = true;
-    ASSERT_EQ(SaveStack(), kResultOk);
-    EXPECT_NE(Inode(path), before) << "one byte more goes through the temporary file";
-    EXPECT_EQ(ReadWholeFile(path), stack);
+    const ino_t before = Inode(path);
+    // Exactly total + 2048 free saves in place; one byte more goes through the temporary file.
+    for (const int64_t spare : {2048, 2049}) {
+        GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + spare;
+        GetDocument().dirty = true;
+        ASSERT_EQ(SaveStack(), kResultOk);
+        EXPECT_EQ(Inode(path) == before, spare == 2048) << spare;
+        EXPECT_EQ(ReadWholeFile(path), stack) << spare;
+    }
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(path).parent_path() / "QBTMP000.TMP"));
 
     GetFileFaults().freeSpace = static_cast<int64_t>(stack.size()) + 2047;
@@ -271,10 +263,8 @@ TEST_F(StackFlowsTest, SaveAsNamesTheStackInTheTitleAndMakesTheHomeTest) {
     const std::string dir = std::filesystem::path(TempPath("x")).parent_path().string();
     ASSERT_EQ(SaveAs(dir + "/Home.stk"), kResultOk);
     EXPECT_EQ(AlertsShown(), std::vector<int>{});
-    EXPECT_EQ(GetHeadlessState().title.find("Untitled"), std::string::npos) << GetHeadlessState().title;
-    EXPECT_NE(GetHeadlessState().title.find("Home.stk"), std::string::npos) << GetHeadlessState().title;
-    EXPECT_TRUE(GetDocument().isHomeStack);
-    EXPECT_EQ(GetDocument().homeCardId, 0);
+    EXPECT_EQ(GetHeadlessState().title, "Home.stk");
+    EXPECT_EQ((std::vector<int>{GetDocument().isHomeStack, GetDocument().homeCardId}), (std::vector<int>{1, 0}));
 }
 
 TEST_F(StackFlowsTest, ASaveStoresTheSettingsOfTheCardOnShow) {
@@ -288,8 +278,7 @@ TEST_F(StackFlowsTest, ASaveStoresTheSettingsOfTheCardOnShow) {
 // A stack whose record table is lost reads no cards with no error: the blank stack in its place
 // is arrived at, so its card is on the screen.
 TEST_F(StackFlowsTest, NoReadableCardsWithoutAnErrorArriveAtTheBlankStack) {
-    ASSERT_EQ(Open(WriteTempFile("lost-table.stk", StoredStack({.blobCount = 1}, {StoredCard(1, "A")}, {}))),
-              kResultOk);
+    ASSERT_EQ(Open(WriteTempFile("lost-table.stk", StoredStack({.blobCount = 1}, {StoredCard(1, "A")}, {}))), kResultOk);
     EXPECT_EQ(AlertsShown(), std::vector<int>{2305});
     ExpectBlankStack();
     EXPECT_TRUE(GetOffscreenState().hasScreen);
@@ -308,23 +297,18 @@ TEST_F(StackFlowsTest, AMissingStackGivesWayToTheHomeStackInTheProgramsFolder) {
 
 TEST_F(StackFlowsTest, ANewStackTakesTheCurrentSettings) {
     Document& doc = GetDocument();
-    const struct {
-        int16_t presentationMode;
-        uint16_t windowFlags;
-        int16_t menuShown;
-        uint16_t reserved22;  // only the first stack of the process
-    } cases[] = {{0, 1, 1, 1}, {2, 0, 0, 0}};
+    // reserved22 is set for the first stack of the process only.
+    const struct { int16_t presentationMode; uint16_t windowFlags; int16_t menuShown; uint16_t reserved22; } cases[] = {
+        {0, 1, 1, 1}, {2, 0, 0, 0}};
     for (const auto& c : cases) {
         doc.presentationMode = c.presentationMode;
         doc.windowFlags = c.windowFlags;
         doc.menuShown = c.menuShown;
         ASSERT_EQ(NewStack(false), kResultOk);
-        MemRefLock header(doc.stackHeader);
-        EXPECT_EQ(ReadS16(header.data() + kHdrPresentationMode), c.presentationMode);
-        EXPECT_EQ(Read16(header.data() + kHdrWindowFlags), c.windowFlags);
-        EXPECT_EQ(Read16(header.data() + kHdrReserved22), c.reserved22);
-        MemRefLock card(doc.currentCard);
-        EXPECT_EQ(ReadS16(card.data() + kCardMenuShown), c.menuShown);
+        MemRefLock header(doc.stackHeader), card(doc.currentCard);
+        EXPECT_EQ((std::vector<int>{ReadS16(header.data() + kHdrPresentationMode), Read16(header.data() + kHdrWindowFlags),
+                                    ReadS16(card.data() + kCardMenuShown), Read16(header.data() + kHdrReserved22)}),
+                  (std::vector<int>{c.presentationMode, c.windowFlags, c.menuShown, c.reserved22}));
     }
 }
 

@@ -38,8 +38,7 @@ protected:
     }
     // Opens a one-card stack holding `records` and loads its font list.
     void OpenStackWith(const std::vector<Bytes>& records) {
-        const std::string path =
-            WriteTempFile("fonts.stk", StoredStack({}, {StoredCard(1, "A")}, records));
+        const std::string path = WriteTempFile("fonts.stk", StoredStack({}, {StoredCard(1, "A")}, records));
         ASSERT_NE(OpenBlobStoreAt(path, 228, 64, 68), 0u);
         LoadFontList();
     }
@@ -159,8 +158,7 @@ TEST(MacFontNameTest, NumbersAndWords) {
         {"2", "New York"}, {"23", "Symbol"}, {"8", ""}, {"0", ""}, {"24", ""}, {"21x", "21x"},
         {"A name that is much longer than thirty-one", "A name that is much longer than"},
     };
-    for (const auto& [given, name] : cases)
-        EXPECT_EQ(MacFontName(std::string_view(given)), name) << given;
+    for (const auto& [given, name] : cases) EXPECT_EQ(MacFontName(std::string_view(given)), name) << given;
 }
 
 }  // namespace

@@ -62,8 +62,7 @@ TEST_F(TransitionTest, EachEffectTakesTheTimeOfItsSteps) {
             RunTransition(c.id, static_cast<int16_t>(speed), {3, 5, 304, 208}, picture, false);
             // Fastest: twice as fast, and at 8 no wait at all. Zoom: eighteen rounds of speed + 1
             // ticks, then Fastest at 8. The display fade: two dissolves with a second between them.
-            const uint32_t end =
-                c.timing == kSteps     ? StepsEnd(kStartTick, speed, c.steps, c.taken)
+            const uint32_t end = c.timing == kSteps ? StepsEnd(kStartTick, speed, c.steps, c.taken)
                 : c.timing == kFastest ? (speed == 8 ? kStartMs : StepsEnd(kStartTick, speed / 2, c.steps, c.taken))
                 : c.timing == kZoom    ? (kStartTick + 18 * static_cast<uint32_t>(speed + 1)) * kStepTickMs
                 : c.timing == kDisplayFade

@@ -90,8 +90,7 @@ TEST_F(AlertBoxTest, TimersRunUnderTheBoxAndTheWindowComesBack) {
     ASSERT_TRUE(BuildAlertLayout(0, kThreeButtons, true, &layout));
     const Rect box = CentredBox(layout.width, layout.height);
     const std::vector<Rect>& presents = GetHeadlessState().presents;
-    EXPECT_NE(std::find(presents.begin(), presents.end(), box), presents.end())
-        << "the box was never shown";
+    EXPECT_NE(std::find(presents.begin(), presents.end(), box), presents.end()) << "the box was never shown";
     EXPECT_EQ(GetHeadlessState().screen.pixels, before.pixels) << "the window wasn't restored";
 }
 

@@ -55,13 +55,8 @@ protected:
 };
 
 TEST_F(FileChooserTest, KeysTypingAndClicksChooseAFile) {
-    struct Case {
-        const char* name;
-        bool save;
-        const char* proposed;  // in the test's folder
-        std::vector<HostEvent> script;
-        const char* chosen;  // "" cancelled
-    };
+    // The proposal and the choice are in the test's folder; no choice is a cancel.
+    struct Case { const char* name; bool save; const char* proposed; std::vector<HostEvent> script; const char* chosen; };
     const Case cases[] = {
         {"Return takes the proposal", false, "b.stk", {Key(kVkReturn)}, "b.stk"},
         {"Up", false, "b.stk", {Key(kVkUp), Key(kVkReturn)}, "A.STK"},
@@ -92,11 +87,8 @@ TEST_F(FileChooserTest, KeysTypingAndClicksChooseAFile) {
             e.time = time += 30;
             QueueHeadlessEvent(e);
         }
-        FileChoice choice;
-        choice.save = c.save;
-        choice.filterName = "Stacks (*.STK)";
-        choice.filterPattern = "*.stk";
-        choice.proposed = (dir_ / c.proposed).string();
+        const FileChoice choice{.save = c.save, .title = "", .filterName = "Stacks (*.STK)", .filterPattern = "*.stk",
+                                .proposed = (dir_ / c.proposed).string()};
         std::string chosen;
         EXPECT_EQ(RunFileChooser(choice, &chosen), *c.chosen != 0);
         EXPECT_EQ(chosen, *c.chosen ? (dir_ / c.chosen).string() : "");
