@@ -145,14 +145,12 @@ TEST(SoundFile, RefusesOrCutsDamagedFiles) {
     } kCases[] = {
         {"data size past the end", Pcm(1, 2, 16, 4001 * 4 + 3, 99999), kFileTypeWave, 0, 4001},
         {"extensible PCM", Pcm(0xFFFE, 1, 8, 3000, 3000, Extensible(1)), kFileTypeWave, 0, 3000},
-        {"extensible float", Pcm(0xFFFE, 1, 32, 3000, 3000, Extensible(3)), kFileTypeWave, kAlertSoundFormat, 0},
         {"float", Pcm(3, 1, 32, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},
         {"short fmt", Changed(Pcm(1, 1, 8, 3000, 3000), [](Bytes& b) { b[16] = 14; }), kFileTypeWave, kAlertBadSound, 0},
         {"no data", Changed(Pcm(1, 1, 8, 0, 0), [](Bytes& b) { b[b.size() - 8] = 'D'; }), kFileTypeWave, kAlertBadSound, 0},
         {"rate 0", Changed(Pcm(1, 1, 8, 3000, 3000), [](Bytes& b) { b[25] = b[24] = 0; }), kFileTypeWave, kAlertBadSound, 0},
         {"not RIFF", Changed(Pcm(1, 1, 8, 3000, 3000), [](Bytes& b) { b[0] = 'X'; }), kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, bad predictor", adpcm, kFileTypeWave, kAlertBadSound, 0},
-        {"adpcm, block of 0", Changed(adpcm, [](Bytes& b) { b[32] = 0, b[33] = 0; }), kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, block too small", Changed(adpcm, [](Bytes& b) { b[38] = 0xF5; }), kFileTypeWave, kAlertBadSound, 0},
         {"adpcm, one good block", Changed(adpcm, [](Bytes& b) { b.resize(b.size() - 256); }), kFileTypeWave, 0, 500 + kDefaultMinSoundFrames},
         {"adpcm, odd pair", Wav(adpcmFormat, AdpcmExtra(adpcmFormat, 1), adpcmBlock, 256), kFileTypeWave, kAlertSoundFormat, 0},
@@ -165,7 +163,6 @@ TEST(SoundFile, RefusesOrCutsDamagedFiles) {
         {"au", Au(32, 1, 2, 5001 * 2 + 1), kFileTypeAu, 0, 5001},
         {"au encoding 23", Au(32, 23, 1, 3000), kFileTypeAu, kAlertSoundType, 0},
         {"au 3 channels", Au(32, 1, 3, 3000), kFileTypeAu, kAlertSoundType, 0},
-        {"au header of 8", Au(8, 1, 1, 3000), kFileTypeAu, kAlertBadSound, 0},
         {"au without samples", Au(24, 3, 1, 1), kFileTypeAu, kAlertBadSound, 0},
         {"au header past the end", Changed(Au(24, 1, 1, 0), [](Bytes& b) { b[7] = 40; }), kFileTypeAu, kAlertBadSound, 0},
         {"unknown type", Au(32, 1, 1, 3000), -1, kAlertBadSound, 0},
@@ -228,35 +225,11 @@ TEST(SoundFile, DecodesAsTheToolsDo) {
     }
 }
 
-// A voice gliding between 100 and 180 Hz through three moving formants, in syllables, with breath.
-std::vector<int16_t> SpeechLike(uint32_t rate, uint32_t frames, uint16_t channels) {
-    std::vector<int16_t> out(static_cast<size_t>(frames) * channels);
-    uint32_t noise = 12345;
-    double phase = 0;
-    for (uint32_t i = 0; i < frames; ++i) {
-        const double t = static_cast<double>(i) / rate;
-        const double f0 = 140 + 40 * std::sin(2 * M_PI * 1.3 * t);
-        phase += 2 * M_PI * f0 / rate;
-        const double formants[3] = {500 + 200 * std::sin(2 * M_PI * 2.1 * t), 1500 + 400 * std::sin(2 * M_PI * 1.7 * t), 2500};
-        double v = 0;
-        for (int h = 1; f0 * h < rate / 2.0 && h < 40; ++h) {
-            double gain = 0;
-            for (double f : formants) gain += 1 / (1 + std::pow((f0 * h - f) / 120, 2));
-            v += gain * std::sin(h * phase) / h;
-        }
-        noise = noise * 1103515245 + 12345;
-        v += (static_cast<int32_t>(noise >> 16 & 1023) - 512) / 80000.0;
-        const double syllable = 0.2 + 0.8 * std::pow(std::sin(M_PI * 4 * t), 2);
-        for (uint16_t c = 0; c < channels; ++c) out[static_cast<size_t>(i) * channels + c] = static_cast<int16_t>(std::lround(6000 * syllable * v * (c ? 0.7 : 1)));
-    }
-    return out;
-}
-
-double SnrDb(const std::vector<int16_t>& source, const Bytes& decoded) {
+double SnrDb(const Bytes& source, const Bytes& decoded) {
     double signal = 0, error = 0;
-    for (size_t i = 0; i < source.size() && 2 * i + 1 < decoded.size(); ++i) {
-        const double d = ReadS16(&decoded[2 * i]) - source[i];
-        signal += static_cast<double>(source[i]) * source[i];
+    for (size_t i = 0; i + 1 < source.size() && i + 1 < decoded.size(); i += 2) {
+        const double d = ReadS16(&decoded[i]) - ReadS16(&source[i]);
+        signal += static_cast<double>(ReadS16(&source[i])) * ReadS16(&source[i]);
         error += d * d;
     }
     return 10 * std::log10(signal / std::max(error, 1.0));
@@ -264,19 +237,25 @@ double SnrDb(const std::vector<int16_t>& source, const Bytes& decoded) {
 
 // Our encoder's stream decodes in ffmpeg close to the source, and in sox exactly as in ours.
 TEST(SoundFile, OurAdpcmDecodesInFfmpeg) {
-    // The coder truncates each code towards zero, as the system's own did: at 11025 Hz, where the
-    // harmonics reach the top of the band, that costs some 5 dB against rounding.
+    // The coder truncates each code towards zero, as the system's own did: near the top of the band
+    // that costs some 5 dB against rounding.
     const struct {
+        const char* make;  // writes the 16-bit source to %F
         uint32_t rate;
         uint16_t channels;
         double minSnrDb;
-    } kVoices[] = {{11025, 1, 20}, {22050, 2, 25}};
+    } kVoices[] = {
+        {"sox -n -r 11025 -c 1 -b 16 -e signed -L -t raw %F synth 3 sine 100-3000 vol 0.3", 11025, 1, 20},
+        {"sox -n -r 22050 -c 2 -b 16 -e signed -L -t raw %F synth 3 sine 100-3000 sine 300 vol 0.3", 22050, 2, 30},
+    };
     for (const auto& v : kVoices) {
-        const std::vector<int16_t> source = SpeechLike(v.rate, v.rate * 3, v.channels);
+        const std::string made = WriteTempFile("source.raw", {});
+        ASSERT_TRUE(RunTool(v.make, made, ""));
+        const Bytes source = ReadWholeFile(made);
         const WaveFormat pcm = Fmt(kWaveFormatPcm, v.channels, 16, v.rate), adpcm = Fmt(kWaveFormatAdpcm, v.channels, 4, v.rate);
-        const auto sourceBytes = static_cast<uint32_t>(source.size() * 2);
+        const auto sourceBytes = static_cast<uint32_t>(source.size());
         Bytes coded(AdpcmEncodedBytes(pcm, adpcm, sourceBytes));
-        ASSERT_EQ(AdpcmEncode(pcm, reinterpret_cast<const uint8_t*>(source.data()), adpcm, coded.data(), sourceBytes), coded.size());
+        ASSERT_EQ(AdpcmEncode(pcm, source.data(), adpcm, coded.data(), sourceBytes), coded.size());
         const Bytes file = Wav(adpcm, AdpcmExtra(adpcm), coded, static_cast<uint32_t>(coded.size()));
         const std::string path = WriteTempFile("ours.wav", file), ffmpeg = WriteTempFile("ffmpeg.raw", {}), sox = WriteTempFile("sox.raw", {});
         ASSERT_TRUE(RunTool(kFfmpeg16, path, ffmpeg));
