@@ -1,5 +1,5 @@
 // The MS-ADPCM codec's rules that the comparisons with sox and ffmpeg in SoundFileTest leave open:
-// the format it suggests, 8-bit output and too short a block.
+// the format it suggests, every predictor, 8-bit output and too short a block.
 #include "media/MsAdpcm.h"
 
 #include <gtest/gtest.h>
@@ -57,14 +57,31 @@ TEST(MsAdpcm, SuggestsTheFormat) {
     EXPECT_EQ(SuggestAdpcmFormat(Pcm(22050, 3, 16), &back), 0);
 }
 
+// A mono block of the 11025 Hz format whose codes are all 0.
+Bytes Block(uint8_t predictor, int16_t sample1, int16_t sample2) {
+    Bytes b(256, 0);
+    b[0] = predictor;
+    Write16(&b[1], 16);
+    Write16(&b[3], static_cast<uint16_t>(sample1));
+    Write16(&b[5], static_cast<uint16_t>(sample2));
+    return b;
+}
+
+// With codes of 0 the third sample out is the prediction alone; the shift floors (-937.5 to -938).
+TEST(MsAdpcm, EachPredictorWeighsTheLastTwoSamples) {
+    const int16_t kThird[kAdpcmPredictors] = {-1000, -2500, 0, -625, -938, -2204, -1985};
+    for (uint8_t p = 0; p < kAdpcmPredictors; ++p) {
+        Bytes out(1000);
+        ASSERT_EQ(AdpcmDecode(Adpcm(11025, 1), Block(p, -1000, 500).data(), Pcm(11025, 1, 16), out.data(), 256), 1000u);
+        EXPECT_EQ(ReadS16(&out[4]), kThird[p]) << int{p};
+    }
+}
+
 // Sample 2 comes first; 8-bit output clamps. Less than a block, or a block too small for the
 // samples it should hold, decodes to nothing.
 TEST(MsAdpcm, DecodesTo8BitsAndRefusesShortBlocks) {
     const WaveFormat adpcm = Adpcm(11025, 1);
-    Bytes block(256, 0);
-    Write16(&block[1], 16);
-    Write16(&block[3], 32767);
-    Write16(&block[5], static_cast<uint16_t>(-32768));
+    const Bytes block = Block(0, 32767, -32768);
     Bytes out(1000);
     ASSERT_EQ(AdpcmDecode(adpcm, block.data(), Pcm(11025, 1, 8), out.data(), 256), 500u);
     EXPECT_EQ(out[0], 0);

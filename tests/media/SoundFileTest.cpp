@@ -159,6 +159,7 @@ TEST(SoundFile, RefusesOrCutsDamagedFiles) {
         {"aiff 12 bits", Aiff(nullptr, 12, 22050, 3000), kFileTypeAiff, kAlertSoundType, 0},
         {"aiff rate infinite", Aiff(nullptr, 16, HUGE_VAL, 3000), kFileTypeAiff, kAlertBadSound, 0},
         {"aiff frames past the samples", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b[23] = 0xFF; }), kFileTypeAiff, 0, 3000},
+        {"aiff cut in the samples", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b.resize(b.size() - 3); }), kFileTypeAiff, 0, 2998},
         {"aiff cut in COMM", Changed(Aiff(nullptr, 16, 22050, 3000), [](Bytes& b) { b.resize(30); }), kFileTypeAiff, kAlertBadSound, 0},
         {"au", Au(32, 1, 2, 5001 * 2 + 1), kFileTypeAu, 0, 5001},
         {"au encoding 23", Au(32, 23, 1, 3000), kFileTypeAu, kAlertSoundType, 0},
