@@ -33,10 +33,7 @@ Bytes DecodeOurs(const Bytes& file, int32_t type, SoundInfo* info, int32_t resul
 }
 
 void AppendLE16(Bytes& b, uint16_t v) { b.insert(b.end(), {static_cast<uint8_t>(v), static_cast<uint8_t>(v >> 8)}); }
-void AppendLE32(Bytes& b, uint32_t v) {
-    AppendLE16(b, static_cast<uint16_t>(v));
-    AppendLE16(b, static_cast<uint16_t>(v >> 16));
-}
+void AppendLE32(Bytes& b, uint32_t v) { for (const int shift : {0, 16}) AppendLE16(b, static_cast<uint16_t>(v >> shift)); }
 
 WaveFormat Fmt(uint16_t tag, uint16_t channels, uint16_t bits, uint32_t rate = 11025) {
     WaveFormat f;
@@ -107,20 +104,14 @@ Bytes Aiff(const char* compression, uint16_t bits, double rate, uint32_t frames)
     DoubleToExtended(rate, &b[b.size() - kExtendedBytes]);
     if (compression) Append(b, Of(compression));
     Append(b, Of("SSND"));
-    AppendBE32(b, 8 + frames * 2);
-    AppendBE32(b, 0);
-    AppendBE32(b, 0);
+    for (const uint32_t v : {8 + frames * 2, 0u, 0u}) AppendBE32(b, v);
     b.resize(b.size() + frames * 2, 0x11);
     return b;
 }
 
 Bytes Au(uint32_t headerBytes, uint32_t encoding, uint32_t channels, uint32_t dataBytes) {
     Bytes b = Of(".snd");
-    AppendBE32(b, headerBytes);
-    AppendBE32(b, 0xFFFFFFFF);
-    AppendBE32(b, encoding);
-    AppendBE32(b, 8000);
-    AppendBE32(b, channels);
+    for (const uint32_t v : {headerBytes, 0xFFFFFFFFu, encoding, 8000u, channels}) AppendBE32(b, v);
     b.resize(std::max<size_t>(headerBytes, 24) + dataBytes, 0xFF);
     return b;
 }
