@@ -1,8 +1,5 @@
-// MS-ADPCM blocks: the input's first four bytes choose the channels, the PCM width and the block
-// size; the rest is the stream, decoded into a buffer of exactly the size AdpcmDecodedBytes
-// promises, so a write past it is a sanitizer finding. The decoded PCM is then coded again and
-// decoded once more, which must give as many samples.
-#include <cstdint>
+// MS-ADPCM blocks, the format chosen by the first four bytes, decoded into exactly the room
+// AdpcmDecodedBytes promises; what decodes is coded and decoded again, to as many samples.
 #include <memory>
 
 #include "FuzzSound.h"

@@ -1,6 +1,5 @@
-// What the sound fuzz targets share: every image a reader hands out must be the one form the mixer
-// plays (a 44-byte header that agrees with its SoundInfo, then the samples), and every handle a
-// reader takes must be given back.
+// What the sound fuzz targets share: every image a reader hands out must be the mixer's one form (a
+// 44-byte header that agrees with its SoundInfo, then the samples); every handle taken, given back.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +7,7 @@
 #include <cstdlib>
 
 #include "base/ByteOrder.h"
+#include "media/SoundFile.h"
 #include "media/SoundWave.h"
 #include "memory/MemRef.h"
 
@@ -32,4 +32,21 @@ inline void CheckSoundImage(const char* target, MemRef wave, const SoundInfo& in
     }
     volatile uint32_t sink = 0;
     for (uint32_t i = 0; i < size; ++i) sink = sink + p[i];
+}
+
+// Arbitrary bytes as a sound file of one type, through the reader the player uses.
+inline int FuzzSoundFile(const char* target, int32_t fileType, const uint8_t* data, size_t size) {
+    static const bool ready = InitMemRefs();
+    if (!ready || size > (1u << 20)) return 0;
+    const int16_t before = GetMemRefTable().used;
+    MemRef wave = 0;
+    SoundInfo info;
+    if (DecodeSoundBytes(data, static_cast<uint32_t>(size), fileType, &wave, &info) == 0) {
+        CheckSoundImage(target, wave, info);
+        FreeMemRef(wave);
+    } else if (wave != 0) {
+        SoundBroken(target, "a refusal with an image");
+    }
+    if (GetMemRefTable().used != before) SoundBroken(target, "handle memory left behind");
+    return 0;
 }

@@ -1,8 +1,5 @@
-// Arbitrary bytes as a 'Snd ' record: made into a wave image as the player does, and put back
-// when the image was made in place; compressed and unpacked again, or unpacked when compressed. Besides the sanitizers' findings, it stops on an image that
-// isn't the mixer's form, on a record of this system's own form that doesn't come back bit for
-// bit, and on handles kept.
-#include <cstdint>
+// Arbitrary bytes as a 'Snd ' record: made into a wave image as the player does and put back when
+// made in place, where its samples must come back bit for bit; compressed and unpacked again.
 #include <cstring>
 
 #include "FuzzSound.h"
@@ -24,8 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const MemRef wave = SoundRecordToWave(record, &info);
     if (wave != 0) CheckSoundImage("fuzz_sound_record", wave, info);
     if (wave == record) {
-        // In place means the samples stood where our forms keep them; the rebuild writes the
-        // standard header anew, and the samples come back exactly (maybe to the other place).
+        // The rebuild writes the standard header anew; the samples may move to its place.
         if (WaveToSoundRecord(wave) != record) SoundBroken("fuzz_sound_record", "a record not put back");
         SoundInfo again;
         uint32_t dataOffset = 0;
