@@ -156,15 +156,6 @@ uint32_t FirstItemOffset(MemRef card) {
     return kCardHeadSize + length;
 }
 
-uint32_t ItemsEndOffset(MemRef card) {
-    uint32_t at = FirstItemOffset(card);
-    const uint32_t size = GetMemRefSize(card);
-    MemRefLock lock(card);
-    if (!lock) return at;
-    ChunkHead head;
-    while (ReadChunkHead(lock.data(), size, at, &head)) at += head.length;
-    return at;
-}
 
 bool FindItemOnCard(int16_t kind, int16_t id, MemRef card, uint32_t* offset) {
     if (!card || !IsMemRef(card)) return false;

@@ -36,9 +36,8 @@ struct ChunkHead {
 bool ReadChunkHead(const uint8_t* card, uint32_t size, uint32_t offset, ChunkHead* head,
                    uint32_t headSize = kItemCommonHeadSize);
 
-// Offsets of the item chain and of its terminating 0 in a card.
+// Offset of the item chain in a card.
 uint32_t FirstItemOffset(MemRef card);
-uint32_t ItemsEndOffset(MemRef card);
 // The first chunk of `kind` whose id is `id`, or whose id is 0.
 bool FindItemOnCard(int16_t kind, int16_t id, MemRef card, uint32_t* offset);
 // The current card first, then the others in order.

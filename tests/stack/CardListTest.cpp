@@ -142,6 +142,10 @@ TEST_F(CardListTest, WalkGivesTheOwnersSharedItemsFirst) {
                            {kItemKindButton, 203, kItemFlagShared}}));
     Add(MakeCard(3, 3, 99, {{kItemKindButton, 301}}));
     Add(MakeCard(4, 3, 2, {}));
+    Add(MakeCard(5, 1, 0, {}));
+    // A picture card belongs to a group while a member names it as its owner.
+    EXPECT_EQ((std::vector<bool>{IsGroupCard(GetCardById(1)), IsGroupCard(GetCardById(4)), IsGroupCard(GetCardById(5))}),
+              (std::vector<bool>{true, true, false}));
     using Seen = std::vector<std::pair<int16_t, int16_t>>;
     const struct { int16_t start; bool followGroup, stop; Seen expected; } cases[] = {
         {2, true, false, {{1, 101}, {2, 201}, {2, 203}}},

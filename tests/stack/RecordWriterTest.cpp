@@ -172,6 +172,21 @@ TEST_F(RecordWriterTest, SubRecordsFollowTheWritersOwnRules) {
     }
 }
 
+TEST_F(RecordWriterTest, AnAnimationGoesOutWithItsFramesTurned) {
+    // Head, the frame-delta head, one frame of 20 bytes, and two stray bytes that keep their place.
+    Pair anim = Patterned(32 + 18 + 20 + 2, 5);
+    Turn(anim, {0, 22, 32, 34, 36, 38, 42, 44, 50}, {12}, {4});
+    SetWord(anim, 0, 56);
+    SetLong(anim, 12, 72);
+    SetWord(anim, 40, 1);  // frame count
+    SetLong(anim, 58, 20);
+    Pair button = ButtonHead(136 + 72);
+    Join(button, anim);
+    EXPECT_EQ(WriteButton(button.native, nullptr), button.stored);
+    SetLong(button, 136 + 58, 90);  // a frame longer than the record is a lie
+    WriteButton(button.native, nullptr, -1);
+}
+
 TEST_F(RecordWriterTest, ConvertsNativeReferencesBack) {
     // A reference as memory holds it: path, terminator, pad to even, six zero bytes, name, terminator.
     Bytes junk = Of("D:\\Pic\\Sun\0\0\0\0\0\0\0\0Sun\0"s);  // 10 + terminator: a pad byte follows

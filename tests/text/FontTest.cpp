@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <tuple>
+
 #include "platform/HostFonts.h"
+#include "text/Fontmap.h"
 #include "support/SurfaceArt.h"
 
 namespace {
@@ -100,6 +104,23 @@ TEST_F(FontTest, TextBoxesAlignAndWrapInsideTheBox) {
     EXPECT_EQ(DrawTextBox(s, kSans12, narrow, text, kBlack, TextAlign::Left, true), 3 * m.lineHeight);
     EXPECT_TRUE(Inside(Touched(s), narrow));
     EXPECT_GT(Touched(s).bottom, narrow.top + m.lineHeight);  // the second line is there
+}
+
+TEST_F(FontTest, LogFontsBecomeFonts) {
+    LogFont lf;
+    std::snprintf(lf.faceName, sizeof lf.faceName, "%s", "Times New Roman");
+    lf.weight = 700;
+    lf.italic = 1;
+    for (const auto& [height, sizePx] : {std::pair{-15, 15}, {-100000, kMaxFontPx}}) {
+        lf.height = height;
+        const TextFont f = TextFontFromLogFont(lf);
+        EXPECT_EQ(std::make_tuple(f.face, f.sizePx, int{f.style}),
+                  std::make_tuple(std::string("Times New Roman"), sizePx, int{kStyleBold | kStyleItalic}));
+    }
+    // A positive height asks for the cell: the font's lines are that tall.
+    lf.height = 20;
+    EXPECT_NEAR(GetTextMetrics(TextFontFromLogFont(lf)).lineHeight, 20, 1);
+    EXPECT_EQ(TextFontFromLogFont(LogFont{}).face, "Arial");
 }
 
 TEST(FontFilesTest, MissingFilesDrawNothing) {
