@@ -22,7 +22,8 @@
 #include "memory/MemRef.h"
 #include "pictures/Lzrw.h"
 #include "pictures/PackedPixels.h"
-#include "support/MemoryTiff.h"
+#include "MemoryTiff.h"
+#include "RatioReporter.h"
 
 namespace {
 
@@ -227,28 +228,6 @@ void BM_LzrwCompress(benchmark::State& state, Picture* p) {
     }
     Processed(state, *p);
 }
-
-// Shows the runs as usual and keeps each one's bytes per second by its name.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_ColorTabular : OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration) continue;
-            if (run.error_occurred) {
-                failed = true;
-                continue;
-            }
-            const auto rate = run.counters.find("bytes_per_second");
-            if (rate == run.counters.end()) continue;
-            double& best = bytesPerSecond[run.benchmark_name()];
-            best = std::max(best, static_cast<double>(rate->second));
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> bytesPerSecond;
-    bool failed = false;
-};
 
 struct Target {
     const char* codec;

@@ -20,6 +20,8 @@ extern "C" {
 #include "base/ByteOrder.h"
 #include "media/MsAdpcm.h"
 
+#include "RatioReporter.h"
+
 namespace {
 
 constexpr uint32_t kRate = 22050;
@@ -121,28 +123,6 @@ void BM_FfmpegAdpcmDecode(benchmark::State& state) {
     for (AVPacket* p : packets) av_packet_free(&p);
     avcodec_free_context(&c);
 }
-
-// Shows the runs as usual and keeps each one's bytes per second by its name.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_ColorTabular : OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration) continue;
-            if (run.error_occurred) {
-                failed = true;
-                continue;
-            }
-            const auto rate = run.counters.find("bytes_per_second");
-            if (rate == run.counters.end()) continue;
-            double& best = bytesPerSecond[run.benchmark_name()];
-            best = std::max(best, static_cast<double>(rate->second));
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> bytesPerSecond;
-    bool failed = false;
-};
 
 }  // namespace
 
