@@ -2,10 +2,6 @@
 // as one line of text, "item 5", "byId 40 Leaf", "named 50 2032".
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
 #include "host/ButtonPress.h"
@@ -25,7 +21,11 @@ inline ActionRecorder& Recorder() { static ActionRecorder recorder; return recor
 
 inline void Record(const std::string& call) { Recorder().calls.push_back(call); }
 
-inline void StartRecordingActions() {
+// The window procedure, presses, the loop and the display list as at start, with recorders in
+// place of the interpreter.
+inline void StartPlayerWithRecorders() {
+    SetHost(HeadlessHost());
+    ResetAllState();
     Recorder() = ActionRecorder{};
     Subsystems& hooks = GetSubsystems();
     hooks.RunItemAction = [](void*, uint16_t id, uint32_t) -> int32_t { return Record("item " + std::to_string(id)), 0; };
@@ -65,12 +65,4 @@ inline HostEvent MouseEvent(HostEventKind kind, int32_t x, int32_t y, uint32_t m
 }
 inline HostEvent KeyEvent(HostEventKind kind, uint16_t key, uint32_t mods = 0, uint8_t ch = 0) {
     return {.kind = kind, .mods = mods, .key = key, .ch = ch};
-}
-
-// The window procedure, presses, the loop and the display list as at start, with recorders in
-// place of the interpreter.
-inline void StartPlayerWithRecorders() {
-    SetHost(HeadlessHost());
-    ResetAllState();
-    StartRecordingActions();
 }

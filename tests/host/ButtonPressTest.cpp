@@ -51,16 +51,12 @@ TEST_F(ButtonPressTest, ARunsOnlyWhenReleasedInside) {
     }
 }
 
-TEST_F(ButtonPressTest, HoverButtonFiresOncePerEntry) {
-    AddTestItem(kItemKindButton, 9, kHoverButton, 0, kItemFlagHover);
-    const std::pair<int32_t, int32_t> moves[] = {{110, 110}, {120, 130}, {200, 200}, {139, 139}, {10, 10}, {101, 101}};
-    for (const auto& [x, y] : moves) Send(HostEventKind::MouseMove, x, y);
-    EXPECT_EQ(RecordedCalls(), "item 9; item 9; item 9");
-}
-
-TEST_F(ButtonPressTest, EnteringAHoverButtonEndsAPress) {
+TEST_F(ButtonPressTest, HoverButtonFiresOncePerEntryAndEndsAPress) {
     AddTestItem(kItemKindButton, 5, kButton);
     AddTestItem(kItemKindButton, 9, kHoverButton, 0, kItemFlagHover);
+    const Point moves[] = {{110, 110}, {120, 130}, {200, 200}, {139, 139}, {10, 10}, {101, 101}, {30, 30}};
+    for (const Point& m : moves) Send(HostEventKind::MouseMove, m.x, m.y);
+    EXPECT_EQ(RecordedCalls(), "item 9; item 9; item 9");
     Send(HostEventKind::MouseDown, 30, 30);
     ASSERT_TRUE(ShownInverted());
     Send(HostEventKind::MouseMove, 120, 120);
