@@ -216,7 +216,7 @@ uint64_t AdpcmEncodedBytes(const WaveFormat& pcm, const WaveFormat& adpcm, uint3
     const uint32_t c = pcm.channels, frameBytes = c * (pcm.bitsPerSample / 8u);
     if (!frameBytes || adpcm.samplesPerBlock < 2) return 0;
     const uint32_t frames = sourceBytes / frameBytes;
-    const auto blockBytes = [c](uint32_t n) { return kAdpcmBlockHeadPerChannel * c + (n > 2 ? (n - 2) * c / 2 : 0); };
+    const auto blockBytes = [c](uint32_t n) { return kAdpcmBlockHeadPerChannel * c + (n > 2 ? ((n - 2) * c + 1) / 2 : 0); };
     const uint32_t rest = frames % adpcm.samplesPerBlock;
     return uint64_t{frames / adpcm.samplesPerBlock} * blockBytes(adpcm.samplesPerBlock) + (rest ? blockBytes(rest) : 0);
 }
@@ -259,7 +259,7 @@ uint32_t AdpcmEncode(const WaveFormat& pcm, const uint8_t* source, const WaveFor
             Write16(out + 5 * c + 2 * k, static_cast<uint16_t>(ch[k].sample2));
         }
         out += kAdpcmBlockHeadPerChannel * c;
-        // High nibble first; an odd last nibble of a short block stays unwritten.
+        // High nibble first; an odd last nibble of a short block takes a byte of its own.
         bool high = true;
         for (uint32_t i = 2; i < n; ++i) {
             for (uint32_t k = 0; k < c; ++k) {
@@ -272,6 +272,7 @@ uint32_t AdpcmEncode(const WaveFormat& pcm, const uint8_t* source, const WaveFor
                 high = !high;
             }
         }
+        if (!high) ++out;
     }
     return static_cast<uint32_t>(out - destination);
 }
