@@ -14,7 +14,6 @@ class ActionMediaTest : public ActionStackTest {
 protected:
     void SetUp() override {
         ActionStackTest::SetUp();
-        ResetMainLoop();
         gRoundsToGo = 0;
         Subsystems& s = GetSubsystems();
         s.IsMovieDone = [](uint16_t) { return --gRoundsToGo <= 0; };
@@ -23,17 +22,9 @@ protected:
     }
 };
 
-TEST_F(ActionMediaTest, RoundsSleepOnTheHostUntilTheMediaAreDone) {
-    gRoundsToGo = 3;
-    WaitForActionMedia(false, true, false, 5);
-    EXPECT_EQ(Logged(), "round; round; round; stop animations; stop sprites; stop movies");
-    // Two sleeps of one tick each between the three rounds: the virtual clock moved, nothing spun.
-    EXPECT_EQ(GetHeadlessState().clockMs, 34u);
-}
-
-// Eight rounds take 119 ms, two ticks' time: the tick's work still waits for the main loop, and
-// each round steps the animations once.
-TEST_F(ActionMediaTest, TheWaitServesOnlyItsOwnStepsNeverTheTick) {
+// Eight rounds sleep one tick each on the host's virtual clock between them, 119 ms, two ticks' time:
+// the tick's work still waits for the main loop, and each round steps the animations once.
+TEST_F(ActionMediaTest, RoundsSleepOnTheHostAndServeOnlyTheirOwnSteps) {
     Subsystems& s = GetSubsystems();
     s.ServeAutoTimers = [](void*) { Log("auto timers"); };
     s.SendExtensionMessage = [](int32_t message) { Log("extensions " + N(message)); };
@@ -43,6 +34,7 @@ TEST_F(ActionMediaTest, TheWaitServesOnlyItsOwnStepsNeverTheTick) {
     std::string rounds;
     for (int i = 0; i < 8; ++i) rounds += "round; step; ";
     EXPECT_EQ(Logged(), rounds + "stop animations; stop sprites; stop movies");
+    EXPECT_EQ(GetHeadlessState().clockMs, 119u);
 }
 
 HostEvent Input(HostEventKind kind, uint32_t time) { return {.kind = kind, .time = time}; }
@@ -67,16 +59,12 @@ TEST_F(ActionMediaTest, OnlyAPressOrAKeyEndsTheWaitAndItStaysQueued) {
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "ends at " << c.endMs);
         ResetHeadlessState();
-        std::vector<K> queued;
-        for (const HostEvent& e : c.input) {
-            QueueHeadlessEvent(e);
-            queued.push_back(e.kind);
-        }
+        for (const HostEvent& e : c.input) QueueHeadlessEvent(e);
+        const std::vector<K> queued = QueuedKinds();
         gRoundsToGo = 10;
         WaitForActionMedia(true, false, false, 5);
         EXPECT_EQ(GetHeadlessState().clockMs, c.endMs);
         EXPECT_EQ(QueuedKinds(), queued);
-        Logged();
     }
 }
 
@@ -109,7 +97,6 @@ TEST_F(ActionMediaTest, LaunchWaitsFillsItsSlotsAndMayQuit) {
     EXPECT_EQ(GetSlotName(15), "notes.txt");
     EXPECT_EQ(GetSlotName(9), "viewer.exe");
     EXPECT_TRUE(GetMainLoopState().closePosted);
-    ResetMainLoop();
 }
 
 }  // namespace

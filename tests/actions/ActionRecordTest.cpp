@@ -29,7 +29,6 @@ TEST(ActionRecordTest, SubRecordsAreFoundOnlyInsideAnIntactChain) {
         {"second", Chain({{51, 40}, {60, 33}}), 60, true, 176},
         {"first of two", Chain({{60, 32}, {60, 32}}), 60, true, 136},
         {"absent", Chain({{51, 32}}), 60, false, 0},
-        {"length 0 stops the walk", Chain({{51, 0}, {60, 32}}), 60, false, 0},
         {"shorter than its head", Chain({{51, 31}, {60, 32}}), 60, false, 0},
         {"past the action's end", Chain({{51, 32}, {60, 64}}, 200), 60, false, 0},
         {"past the block", Chain({{51, 32}, {60, 32}}, 5000), 60, true, 168},

@@ -7,11 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "actions/Quiz.h"
 #include "actions/RunAction.h"
 #include "base/StateRegistry.h"
-#include "host/Application.h"
-#include "messages/Alert.h"
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
@@ -39,16 +36,14 @@ struct ActionSpec {
 
 // The head and its sub-records, as a button chunk or the data of an 'Actn' record.
 inline Bytes StoredAction(uint16_t id, const ActionSpec& a) {
-    Bytes b(136, 0);
-    const int32_t words[][2] = {{0, 48}, {2, id}, {4, a.rect[1]}, {6, a.rect[0]}, {8, a.rect[3]}, {10, a.rect[2]},
-                                {16, a.destination}, {18, a.transition}, {20, a.flags}, {62, a.testCode},
-                                {68, a.transitionColor}, {76, a.transitionSpeed}};
-    for (const auto& [at, v] : words) PutBE16(b, static_cast<size_t>(at), static_cast<uint16_t>(v));
-    b[28] = static_cast<uint8_t>(a.name.size());
-    std::copy(a.name.begin(), a.name.end(), b.begin() + 29);
-    for (const Bytes& sub : a.subs) Append(b, sub);
-    PutBE32(b, 12, static_cast<uint32_t>(b.size()));
-    return b;
+    Bytes rest(120, 0);  // what follows the item's common head
+    const int32_t words[][2] = {{16, a.destination}, {18, a.transition},      {20, a.flags},
+                                {62, a.testCode},    {68, a.transitionColor}, {76, a.transitionSpeed}};
+    for (const auto& [at, v] : words) PutBE16(rest, static_cast<size_t>(at - 16), static_cast<uint16_t>(v));
+    rest[28 - 16] = static_cast<uint8_t>(a.name.size());
+    std::copy(a.name.begin(), a.name.end(), rest.begin() + 29 - 16);
+    for (const Bytes& sub : a.subs) Append(rest, sub);
+    return StoredItem(48, id, a.rect[0], a.rect[1], a.rect[2], a.rect[3], rest);
 }
 
 // A sub-record: head with 16-bit words at the given offsets, the payload, a pad byte if odd.

@@ -7,15 +7,13 @@
 
 namespace {
 
-ReportTime FixedTime() {
-    return {.month = 3, .day = 7, .year = 4, .hour = 9, .minute = 5, .second = 30};
-}
-
 class QuizTest : public ActionStackTest {
 protected:
     void SetUp() override {
         ActionStackTest::SetUp();
-        GetQuizState().clock = FixedTime;
+        GetQuizState().clock = [] {
+            return ReportTime{.month = 3, .day = 7, .year = 4, .hour = 9, .minute = 5, .second = 30};
+        };
         GetSubsystems().AskText = [](const std::string& label, std::string* text) {
             Log("ask " + label);
             *text = "Ada Augusta King, Countess of Lovelace";
@@ -53,19 +51,14 @@ TEST_F(QuizTest, AnswersOnTheirCardsAndTheReportInCardOrder) {
     Click(1, 11);  // replaces the wrong answer on the same card
     Click(2, 21);
     EXPECT_EQ(WriteTestReport(), 0);
-    const std::string block = "quiz.stk\r\n"
-        "Ada Augusta King, Countess of Lov\r\n"
-        "03/07/04    09:05:30\r\n"
-        "2\r\nNice\r\n"
-        "1\r\nParis\r\n"
-        "SCORE\r\n1\r\n2\r\n-END-\r\n";
+    const std::string head = "quiz.stk\r\nAda Augusta King, Countess of Lov\r\n03/07/04    09:05:30\r\n";
+    const std::string block = head + "2\r\nNice\r\n1\r\nParis\r\nSCORE\r\n1\r\n2\r\n-END-\r\n";
     EXPECT_EQ(Report(), block);
 
     // The answers went with the report: a later round is appended as a block of its own.
     Click(2, 21);
     EXPECT_EQ(WriteTestReport(), 0);
-    EXPECT_EQ(Report(), block + "quiz.stk\r\nAda Augusta King, Countess of Lov\r\n03/07/04    09:05:30\r\n"
-                  "2\r\nNice\r\nSCORE\r\n0\r\n1\r\n-END-\r\n");
+    EXPECT_EQ(Report(), block + head + "2\r\nNice\r\nSCORE\r\n0\r\n1\r\n-END-\r\n");
     EXPECT_EQ(Alerts(), std::vector<int>{});
 }
 
