@@ -113,9 +113,8 @@ const auto kZero = [](int32_t, int32_t) { return 0u; };
 
 // White, cream, red, blue, pale blue, then black.
 std::vector<uint32_t> TestPalette() {
-    std::vector<uint32_t> p(256, kBlack);
-    const uint32_t first[] = {kWhite, 0xFFF0C0, kRed, kBlue, 0xC0E0FF};
-    std::copy(std::begin(first), std::end(first), p.begin());
+    std::vector<uint32_t> p = {kWhite, 0xFFF0C0, kRed, kBlue, 0xC0E0FF};
+    p.resize(256, kBlack);
     return p;
 }
 
@@ -156,7 +155,6 @@ TEST_F(ButtonDrawTest, TheLiveRecordTakesTheChunksFields) {
                                     .itemFlags = 32 | 128, .name = std::string("Ab\0cd", 5)});
     DisplayItem item;
     ASSERT_TRUE(FillButtonItem(&item, card, kCardHeadSize));
-    // Type, id, colours made 0-based, flags, cursor; no hilite, no name, an icon, hidden.
     EXPECT_EQ((std::vector<int>{item.type, item.id, item.textColor, item.fillColor, item.flags, item.cursorId}),
               (std::vector<int>{kItemKindButton, 7, 2, 257, 32 | 128, 1001}));
     EXPECT_EQ((std::vector<bool>{item.hiliteOnPress, item.showName, item.showIcon, item.hidden}),

@@ -36,14 +36,18 @@
 
 namespace {
 
-// An 8-bit picture of indices, packed by runs as a graphic stores it.
-template <class IndexAt> Bytes RunPackedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
+// An 8-bit picture of the indices `indexAt` gives.
+template <class IndexAt> MemRef IndexedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
     const MemRef image = NewDibImage(width, height, 8);
-    {
-        MemRefLock lock(image);
-        for (int32_t y = 0; y < height; ++y)
-            for (int32_t x = 0; x < width; ++x) SetPixel(lock.data(), x, y, indexAt(x, y));
-    }
+    MemRefLock lock(image);
+    for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x) SetPixel(lock.data(), x, y, indexAt(x, y));
+    return image;
+}
+
+// Such a picture packed by runs, as a graphic stores it.
+template <class IndexAt> Bytes RunPackedPicture(int32_t width, int32_t height, IndexAt&& indexAt) {
+    const MemRef image = IndexedPicture(width, height, indexAt);
     const MemRef packed = EncodeRunPacked(image);
     FreeMemRef(image);
     Bytes picture(kGraphicPictureHeadSize, 0);
@@ -115,12 +119,8 @@ protected:
         WriteColorTable(table.data(), colors, 256, 0);
         const MemRef tableRef = BlockOf(table);
         // Diagonal bands of the default palette's pale reds and browns.
-        const MemRef picture = NewDibImage(160, 120, 8);
-        {
-            MemRefLock lock(picture);
-            for (int32_t y = 0; y < 120; ++y)
-                for (int32_t x = 0; x < 160; ++x) SetPixel(lock.data(), x, y, 16u + static_cast<uint32_t>((x + y) / 20 % 8));
-        }
+        const MemRef picture =
+            IndexedPicture(160, 120, [](int32_t x, int32_t y) { return 16u + static_cast<uint32_t>((x + y) / 20 % 8); });
         const MemRef data = CompressBackground(picture, false);
         ASSERT_EQ(StoreBackground(GetCardByPosition(1), data, tableRef, 8), 0);
         for (MemRef r : {tableRef, picture, data}) FreeMemRef(r);
