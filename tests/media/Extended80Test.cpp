@@ -10,10 +10,7 @@ namespace {
 // The common rates, the home platform's 22254.5454... Hz (its 16.16 form), a sign, a fraction,
 // zero and infinity, both ways and bit for bit.
 TEST(Extended80, ConvertsBothWays) {
-    const struct {
-        double value;
-        std::vector<uint8_t> bytes;
-    } kCases[] = {
+    const struct { double value; std::vector<uint8_t> bytes; } kCases[] = {
         {8000, {0x40, 0x0B, 0xFA, 0, 0, 0, 0, 0, 0, 0}},
         {11025, {0x40, 0x0C, 0xAC, 0x44, 0, 0, 0, 0, 0, 0}},
         {22050, {0x40, 0x0D, 0xAC, 0x44, 0, 0, 0, 0, 0, 0}},

@@ -128,12 +128,7 @@ TEST(SoundFile, RefusesOrCutsDamagedFiles) {
     Bytes blocks = adpcmBlock;
     Append(blocks, Changed(adpcmBlock, [](Bytes& b) { b[0] = 9; }));
     const Bytes adpcm = Wav(adpcmFormat, AdpcmExtra(adpcmFormat), blocks, 512);
-    const struct {
-        const char* name;
-        Bytes file;
-        int32_t type, result;
-        uint32_t frames;
-    } kCases[] = {
+    const struct { const char* name; Bytes file; int32_t type, result; uint32_t frames; } kCases[] = {
         {"data size past the end", Pcm(1, 2, 16, 4001 * 4 + 3, 99999), kFileTypeWave, 0, 4001},
         {"extensible PCM", Pcm(0xFFFE, 1, 8, 3000, 3000, Extensible(1)), kFileTypeWave, 0, 3000},
         {"float", Pcm(3, 1, 32, 3000, 3000), kFileTypeWave, kAlertSoundFormat, 0},

@@ -87,10 +87,7 @@ TEST(SoundRecord, ReadsTheFormsAndRefusesTheRest) {
 // Played and put back, a record of this system's own form is the record it was; the image between
 // holds the samples in native order.
 TEST(SoundRecord, WaveInPlaceAndBack) {
-    const struct {
-        uint16_t bits, channels;
-        uint32_t bytes;
-    } kCases[] = {{8, 1, 4001}, {16, 2, 8004}};
+    const struct { uint16_t bits, channels; uint32_t bytes; } kCases[] = {{8, 1, 4001}, {16, 2, 8004}};
     for (const auto& c : kCases) {
         const Bytes samples = Counting(c.bytes);
         Bytes bigEndian = samples;
@@ -113,10 +110,7 @@ TEST(SoundRecord, WaveInPlaceAndBack) {
 
 // The sound grows by the whole minimum, not by what it lacks.
 TEST(SoundRecord, ShortSoundsGetSilenceBehind) {
-    const struct {
-        uint16_t bits;
-        uint8_t silence;
-    } kCases[] = {{8, 128}, {16, 0}};
+    const struct { uint16_t bits; uint8_t silence; } kCases[] = {{8, 128}, {16, 0}};
     for (const auto& c : kCases) {
         const Bytes samples = Counting(100 * c.bits / 8);
         const MemRef record = BlockOf(Record(c.bits, 1, 11025, samples));
@@ -172,10 +166,7 @@ TEST(CompressedSound, RefusesWhatItDidNotMake) {
     const Bytes samples = Samples([](uint32_t i) -> uint8_t { return i % 50 < 20 ? 128 : static_cast<uint8_t>(i * 5); }, 400);
     const MemRef record = BlockOf(Record(8, 1, 11025, samples));
     const Bytes packed = TakeBytes(CompressSoundRecord(record));
-    const struct {
-        const char* name;
-        Bytes record;
-    } kCases[] = {
+    const struct { const char* name; Bytes record; } kCases[] = {
         {"no mark", Changed(packed, [](Bytes& b) { b[68] = 'X'; })},
         {"total off by one", Changed(packed, [](Bytes& b) { b[kExtendedSamplesAt + 3] ^= 1; })},
         {"packing cut short", Changed(packed, [](Bytes& b) { b.pop_back(); })},
