@@ -12,16 +12,14 @@
 #include <vector>
 
 #include "base/KeyCodes.h"
-#include "host/MainLoop.h"
 #include "platform/headless/HeadlessHost.h"
+#include "support/ScriptedInput.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using K = HostEventKind;
 
-HostEvent Type(char c) { return {.kind = K::Char, .ch = static_cast<uint8_t>(c)}; }
-HostEvent Key(uint16_t key) { return {.kind = K::KeyDown, .key = key}; }
 HostEvent Mouse(K kind, int32_t x, int32_t y, int32_t clicks = 1) {
     return {.kind = kind, .x = x, .y = y, .clicks = clicks};
 }
@@ -79,14 +77,7 @@ TEST_F(FileChooserTest, KeysTypingAndClicksChooseAFile) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ResetHeadlessState();
-        SetHost(HeadlessHost());
-        ResetMainLoop();
-        uint32_t time = 100;
-        for (HostEvent e : c.script) {
-            e.time = time += 30;
-            QueueHeadlessEvent(e);
-        }
+        StartScript(c.script);
         const FileChoice choice{.save = c.save, .title = "", .filterName = "Stacks (*.STK)", .filterPattern = "*.stk",
                                 .proposed = (dir_ / c.proposed).string()};
         std::string chosen;

@@ -3,14 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "host/MainLoop.h"
 #include "host/WindowProc.h"
 #include "platform/headless/HeadlessHost.h"
+#include "support/ScriptedInput.h"
 
 namespace {
-
-HostEvent Type(char c) { return {.kind = HostEventKind::Char, .ch = static_cast<uint8_t>(c)}; }
-HostEvent Key(uint16_t key) { return {.kind = HostEventKind::KeyDown, .key = key}; }
 
 // The buttons' middles on a 640 by 480 window, where the 260 by 104 box stands at (190, 188).
 constexpr int32_t kOkX = 190 + 123, kCancelX = 190 + 208, kButtonsY = 188 + 80;
@@ -32,14 +29,7 @@ TEST(JumpDialog, TypingAndAnswers) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ResetHeadlessState();
-        SetHost(HeadlessHost());
-        ResetMainLoop();
-        uint32_t time = 100;
-        for (HostEvent e : c.script) {
-            e.time = time += 30;
-            QueueHeadlessEvent(e);
-        }
+        StartScript(c.script);
         std::string text;
         EXPECT_EQ(RunJumpDialog(&text), c.ok);
         EXPECT_EQ(text, c.text);
