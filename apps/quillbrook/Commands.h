@@ -27,6 +27,7 @@ struct RenderOptions {
     std::string replay;         // EVENTS.json
     int settleMs = 3000;
     std::string framesDir;      // every presented frame
+    std::string audio;          // with --replay: what was heard, as a WAV file
     int toCard = 0;             // with --transition: the card changed to
     int transition = 0;
     int speed = 8;

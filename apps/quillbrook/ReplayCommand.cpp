@@ -1,8 +1,10 @@
 // `quillbrook render --replay`: recorded input played on the headless host. The virtual clock
 // starts when the first card shows, each event comes due at its time, and the frame on the screen
-// once the last event has had `--settle` milliseconds is written.
+// once the last event has had `--settle` milliseconds is written; with `--audio`, what was heard
+// up to then, as a 16-bit stereo WAV file at the rate the first sound opened the device with.
 #include <fmt/format.h>
 
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -15,6 +17,7 @@
 #include "gfx/Palette.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
+#include "media/SoundWave.h"
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
@@ -52,6 +55,19 @@ bool ReadScript(const std::string& path, std::vector<HostEvent>* events) {
         return false;
     }
     return true;
+}
+
+// Nothing heard is an empty recording at the lowest device rate.
+bool WriteHeardAudio(const std::string& path) {
+    const HeadlessState& h = GetHeadlessState();
+    const auto frames = static_cast<uint32_t>(h.audio.size() / 2);
+    const SoundInfo info{16, 2, h.audioRate ? h.audioRate : 11025, frames, frames * 4, 0};
+    std::vector<uint8_t> file(kWaveHeaderBytes + info.dataBytes);
+    WriteWaveHeader(file.data(), info, info.dataBytes);
+    if (frames) std::memcpy(file.data() + kWaveHeaderBytes, h.audio.data(), info.dataBytes);
+    if (WriteWholeHostFile(path, file.data(), file.size()) == 0) return true;
+    fmt::print(stderr, "{}: could not write\n", path);
+    return false;
 }
 
 }  // namespace
@@ -93,6 +109,7 @@ int RunReplay(const RenderOptions& options) {
     // 0 would mean "until the window closes".
     RunMainLoop(until == 0 ? 1 : until);
     PrintShownAlerts(options.path);
+    if (!options.audio.empty() && !WriteHeardAudio(options.audio)) return 1;
     if (gFrames.present) GetHost().Present = gFrames.present;
     if (gFrames.failed) return 1;
     if (!gFrames.folder.empty())

@@ -45,8 +45,10 @@ int main(int argc, char** argv) {
     renderCommand->add_flag("--contact-sheet", render.contactSheet, "with --all: one more PNG of every card");
     renderCommand->add_option("--depth", render.depth, "the display depth to emulate: 8, 16 or 32")
         ->check(CLI::IsMember({8, 16, 32}));
-    renderCommand->add_option("--replay", render.replay, "play EVENTS.json and write the frame shown after it");
+    CLI::Option* replay =
+        renderCommand->add_option("--replay", render.replay, "play EVENTS.json and write the frame shown after it");
     renderCommand->add_option("--settle", render.settleMs, "with --replay: milliseconds after the last event");
+    renderCommand->add_option("--audio", render.audio, "with --replay: write what was heard to OUT.wav")->needs(replay);
     renderCommand->add_option("--frames", render.framesDir, "write every presented frame into this folder");
     renderCommand->add_option("--to", render.toCard, "change from --card to this card");
     renderCommand->add_option("--transition", render.transition, "with --to: the effect, 1 to 28");

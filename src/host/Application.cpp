@@ -4,6 +4,7 @@
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
 #include "host/MainLoop.h"
+#include "media/SoundPlayback.h"
 #include "player/Navigation.h"
 #include "subsystems/Subsystems.h"
 #include "ui/EndSplash.h"
@@ -93,6 +94,12 @@ Subsystems ApplicationSubsystems() {
     s.StopActionPlayout = StopActionPlayout;
     s.StackClosing = StackClosing;
     s.ShowEndSplash = ShowEndSplash;
+    s.PlaySound = [](void*, const std::string& hostPath, bool fromRecord, MemRef record, uint16_t volume,
+                     int16_t soundFlags) {
+        return PlaySound(hostPath, fromRecord, record, volume, static_cast<uint16_t>(soundFlags));
+    };
+    s.StopSounds = StopSounds;
+    s.UpdateSounds = SoundTick;
     return s;
 }
 
@@ -108,5 +115,7 @@ bool InitApplication(void* window) {
     // with the program (the extension table, the Find state, sound detection) starts here, after
     // the paths and the stack state it reads.
     gProgressText = GetString(kProgressString);  // shown while a stack's cards are converted
+    // Without a device the player goes on silent.
+    if (!StartSoundHardware()) Alert(kAlertNoSoundDevice);
     return true;
 }

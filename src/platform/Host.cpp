@@ -28,6 +28,10 @@ constexpr Host MakeNullHost() {
     host.SetTitle = [](const std::string&) {};
     host.SetCursor = [](int32_t) {};
     host.InputExhausted = [] { return true; };
+    host.DetectAudio = [] { return 0u; };
+    host.OpenAudio = [](uint32_t, AudioPull) { return 0u; };
+    host.CloseAudio = [] {};
+    host.LockAudio = [](bool) {};
     return host;
 }
 
@@ -64,4 +68,8 @@ void SetHost(const Host& host) {
     FillEmpty(gHost.InputExhausted, null.InputExhausted);
     FillEmpty(gHost.WallClock, null.WallClock);
     FillEmpty(gHost.IsTerminal, null.IsTerminal);
+    FillEmpty(gHost.DetectAudio, null.DetectAudio);
+    FillEmpty(gHost.OpenAudio, null.OpenAudio);
+    FillEmpty(gHost.CloseAudio, null.CloseAudio);
+    FillEmpty(gHost.LockAudio, null.LockAudio);
 }

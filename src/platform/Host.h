@@ -50,6 +50,11 @@ struct HostEvent {
     uint8_t ch = 0;
     int32_t areaLeft = 0, areaTop = 0, areaRight = 0, areaBottom = 0;  // Paint
 };
+// Audio out: the host pulls `count` frames of stereo 16-bit samples (left, right) at the rate it
+// opened the device with. A host may call it on a thread of its own: the core then changes what it
+// mixes only between LockAudio(true) and LockAudio(false).
+using AudioPull = void (*)(int16_t* frames, uint32_t count);
+
 // Picks queued events by their content, for PeekEvent and DropEvents.
 using HostEventMatch = bool (*)(const HostEvent& event);
 
@@ -114,6 +119,13 @@ struct Host {
     HostDateTime (*WallClock)() = MachineWallClock;
     // True when file descriptor `fd` is a terminal (progress is drawn only there).
     bool (*IsTerminal)(int fd) = MachineIsTerminal;
+    // Whether sound can be heard at all: the device's least buffer in frames, 0 with no device.
+    uint32_t (*DetectAudio)() = nullptr;
+    // Opens the audio device for `rate` frames a second with `pull` as its source; the rate the
+    // pull runs at (the host may give another), 0 when no device opens.
+    uint32_t (*OpenAudio)(uint32_t rate, AudioPull pull) = nullptr;
+    void (*CloseAudio)() = nullptr;
+    void (*LockAudio)(bool lock) = nullptr;
     // How long closing the player shows the end splash: kEndSplashMs on the desktop, 0 (close at
     // once) for the command line and the web.
     uint32_t endSplashMs = 0;

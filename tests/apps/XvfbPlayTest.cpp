@@ -27,9 +27,11 @@ protected:
     // X, D-Bus and the GL driver keep allocations to the end of the process, which a sanitizer
     // build's leak check would blame on the player. A 24-bit screen shows the card's colours as
     // they are; -a takes a free display number. What the session prints goes to the test's output.
+    // SDL's disk driver is the sound device: what the player plays lands in heard.raw.
     int RunUnderXvfb(const std::string& script) {
         std::ofstream(Path("session.sh"))
-            << "set -e\nexport ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0\"\n" << script;
+            << "set -e\nexport ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0\"\n"
+            << "export SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=" << Path("heard.raw") << "\n" << script;
         const std::string command = "timeout 120 xvfb-run -a -s '-screen 0 1600x1200x24' sh " + Path("session.sh");
         return std::system(command.c_str());
     }

@@ -47,6 +47,39 @@ void HeadlessDropEvents(HostEventMatch match) {
                         end);
 }
 
+inline constexpr uint32_t kLongestAudioPauseMs = 60000;
+
+uint64_t AudioFramesIn(uint32_t ms) { return uint64_t{ms} * gState.audioRate / 1000; }
+
+// The recording catches up with the virtual clock.
+void ServeHeadlessAudio() {
+    if (!gState.audioPull) return;
+    const uint64_t due = gState.audioFramesAtOpen + AudioFramesIn(gState.clockMs - gState.audioOpenedMs);
+    const size_t have = gState.audio.size() / 2;
+    if (due <= have) return;
+    gState.audio.resize(2 * due, 0);
+    gState.audioPull(gState.audio.data() + 2 * have, static_cast<uint32_t>(due - have));
+}
+
+uint32_t HeadlessOpenAudio(uint32_t rate, AudioPull pull) {
+    if (!gState.audioDevice || !pull) return 0;
+    if (gState.audioRate == 0) gState.audioRate = rate;
+    if (!gState.audio.empty()) {
+        const uint32_t pause = std::min(gState.clockMs - gState.audioOpenedMs, kLongestAudioPauseMs);
+        gState.audio.resize(gState.audio.size() + 2 * AudioFramesIn(pause), 0);
+    }
+    gState.audioPull = pull;
+    gState.audioOpenedMs = gState.clockMs;
+    gState.audioFramesAtOpen = gState.audio.size() / 2;
+    return gState.audioRate;
+}
+
+void HeadlessCloseAudio() {
+    ServeHeadlessAudio();
+    gState.audioPull = nullptr;
+    gState.audioOpenedMs = gState.clockMs;
+}
+
 // The virtual clock jumps to the deadline, or to the next scripted event if that comes first.
 // Events already due have arrived before the wait and do not shorten it.
 void HeadlessWaitUntil(uint32_t deadline) {
@@ -55,6 +88,7 @@ void HeadlessWaitUntil(uint32_t deadline) {
         deadline = next->time;
     }
     if (!Due(deadline)) gState.clockMs = deadline;
+    ServeHeadlessAudio();
 }
 void HeadlessSetTimer(uint32_t periodMs) {
     gState.timerPeriodMs = periodMs;
@@ -146,6 +180,9 @@ Host HeadlessHost() {
     host.InputExhausted = HeadlessInputExhausted;
     host.WallClock = HeadlessWallClock;
     host.IsTerminal = HeadlessIsTerminal;
+    host.DetectAudio = [] { return gState.audioDevice ? gState.audioBufferFrames : 0u; };
+    host.OpenAudio = HeadlessOpenAudio;
+    host.CloseAudio = HeadlessCloseAudio;
     return host;
 }
 
@@ -157,6 +194,7 @@ void ResetHeadlessState() {
 }
 void AdvanceHeadlessClock(uint32_t ms) {
     gState.clockMs += ms;
+    ServeHeadlessAudio();
 }
 void QueueHeadlessEvent(const HostEvent& event) {
     gState.events.push_back(event);

@@ -54,6 +54,17 @@ struct HeadlessState {
     // local time, so tests see the date they set whatever the machine's zone.
     int64_t wallClockStartMs = 946684800000;  // 2000-01-01 00:00:00
     uint32_t terminalFds = 0;            // bit n set: descriptor n is a terminal
+    // Audio: while the device is open the mix is pulled into `audio` (stereo frames at
+    // `audioRate`) as the virtual clock moves; a pause between two openings is kept as silence, up
+    // to a minute, so that a long quiet run can't fill memory. Every opening gets the first one's
+    // rate, so that `audio` is one recording.
+    bool audioDevice = true;  // false: there is no device to detect or open
+    uint32_t audioBufferFrames = 1024;
+    AudioPull audioPull = nullptr;  // while the device is open
+    uint32_t audioRate = 0;
+    uint32_t audioOpenedMs = 0;     // the clock at the last opening, or at the last closing
+    size_t audioFramesAtOpen = 0;
+    std::vector<int16_t> audio;
 };
 
 HeadlessState& GetHeadlessState();

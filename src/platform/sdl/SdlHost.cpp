@@ -195,6 +195,7 @@ bool StartSdlHost(const SdlHostOptions& options, std::string* error) {
 
 void StopSdlHost() {
     SdlState& s = gState;
+    SdlCloseAudio();
     FreeSdlCursors();
     if (s.texture) SDL_DestroyTexture(s.texture);
     if (s.renderer) SDL_DestroyRenderer(s.renderer);
@@ -226,6 +227,10 @@ Host SdlHost() {
     host.WallClock = MachineWallClock;
     host.IsTerminal = MachineIsTerminal;
     host.endSplashMs = kEndSplashMs;
+    host.DetectAudio = SdlDetectAudio;
+    host.OpenAudio = SdlOpenAudio;
+    host.CloseAudio = SdlCloseAudio;
+    host.LockAudio = SdlLockAudio;
     host.window = gState.window;
     return host;
 }

@@ -47,6 +47,11 @@ void SdlSetCursor(int32_t cursorId);
 void SdlSetWaitCursor(bool wait);
 void CreateSdlCursors();
 void FreeSdlCursors();
+// SdlAudio.cpp
+uint32_t SdlDetectAudio();
+uint32_t SdlOpenAudio(uint32_t rate, AudioPull pull);
+void SdlCloseAudio();
+void SdlLockAudio(bool lock);
 // SdlDialogs.cpp
 int SdlShowAlert(const AlertLayout& layout);
 void SdlShowMessageBox(const std::string& title, const std::string& text);
