@@ -15,6 +15,9 @@
 #include "base/Windows1252.h"
 #include "gfx/DibImage.h"
 #include "gfx/Palette.h"
+#include "media/SoundFile.h"
+#include "media/SoundRecord.h"
+#include "media/SoundWave.h"
 #include "memory/OwnedMemRef.h"
 #include "pictures/Background.h"
 #include "pictures/PackedPixels.h"
@@ -633,6 +636,41 @@ Bytes BuildCard(const Node& card, BuildState& st) {
     return c;
 }
 
+// What a sound reader's alert means to someone building a stack.
+const char* SoundProblem(int32_t alert) {
+    switch (alert) {
+    case kAlertSoundFormat: return "a WAV format that is not read (PCM of 8 or 16 bits and MS-ADPCM are)";
+    case kAlertSoundType: return "a kind of sound that is not read (8- or 16-bit or µ-law samples are)";
+    case kAlertSoundNoMemory: return "not enough memory to read it";
+    default: return "damaged, or not the kind of sound file its name says";
+    }
+}
+
+// The standard 'Snd ' record of a sound file: its samples as the file holds them (MS-ADPCM and
+// µ-law decoded to 16 bits), without the silence the player puts behind short sounds.
+Bytes SoundRecordData(const Node& sound, const std::filesystem::path& baseDir) {
+    const std::string path = (baseDir / sound.Utf8()).string();
+    const int32_t fileType = SoundFileType(path);
+    if (fileType < 0) sound.Fail(fmt::format("\"{}\" is not named as a sound file (.wav, .aif, .aiff, .aifc or .au)", path));
+    std::string file;
+    if (ReadWholeHostFile(path, &file) != 0) sound.Fail(fmt::format("cannot read \"{}\"", path));
+    if (file.size() > std::numeric_limits<uint32_t>::max()) sound.Fail(fmt::format("\"{}\" is larger than 4 GB", path));
+    const uint32_t playerMinFrames = MinSoundFrames();
+    SetMinSoundFrames(0);
+    MemRef decoded = 0;
+    SoundInfo info;
+    const int32_t result = DecodeSoundBytes(reinterpret_cast<const uint8_t*>(file.data()), static_cast<uint32_t>(file.size()),
+                                            fileType, &decoded, &info);
+    SetMinSoundFrames(playerMinFrames);
+    if (result != 0) sound.Fail(fmt::format("\"{}\": {}", path, SoundProblem(result)));
+    OwnedMemRef wave(decoded);
+    OwnedMemRef record(WaveToSoundRecord(wave.ref()));
+    if (record.ref() == wave.ref()) wave.Release();
+    if (!record.ref()) sound.Fail(fmt::format("\"{}\": no memory for its record", path));
+    MemRefLock lock(record.ref());
+    return Bytes(lock.data(), lock.data() + record.size());
+}
+
 Bytes BuildRecord(const Node& record, BuildState& st) {
     if (!record.value().is_object()) record.Fail("must be an object");
     if (!record.Has("type")) record.FailAt("type", "needs four characters, as \"Actn\"");
@@ -656,6 +694,10 @@ Bytes BuildRecord(const Node& record, BuildState& st) {
         if (record.Has("hex") || record.Has("file")) record.Fail("give either action or the stored bytes (hex or file), not both");
         const int64_t id = record["id"].Int(0, kMax16);
         data = BuildItem(record["action"], st, &id);
+    } else if (record.Has("sound")) {
+        if (type != "Snd ") record["sound"].Fail("only a 'Snd ' record is made from a sound file");
+        if (record.Has("hex") || record.Has("file")) record.Fail("give either sound or the stored bytes (hex or file), not both");
+        data = SoundRecordData(record["sound"], st.baseDir);
     } else {
         data = Content(record, "hex", "file", st.baseDir);
     }

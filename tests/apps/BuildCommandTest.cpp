@@ -189,11 +189,15 @@ TEST_F(BuildCommandTest, MistakesNameTheirPlaceInTheDescription) {
          "cards[0].items[0].subRecords[0].path: a type 83 sub-record carries no file reference (59, 60, 82 and 89 do)"},
         {button + R"("subRecords": [{"type": 119, "hex": "0000000000000000000000000000000000000000000000000000000000000000"}]}]}]})",
          "cards[0].items[0].subRecords[0].hex: a type 119 sub-record has at least 96 bytes, not 32"},
+        {R"({"cards": [{}], "records": [{"type": "Actn", "id": 1, "sound": "a.wav"}]})", "records[0].sound: only a 'Snd ' record is made from a sound file"},
     };
     for (const Case& c : cases) EXPECT_EQ(BuildError(c.json), c.message) << c.json;
 
     EXPECT_EQ(BuildError(R"({"cards": [{"background": {"format": 2, "file": "nothing.bin"}}]})", dir_),
               "cards[0].background.file: cannot read \"" + (dir_ / "nothing.bin").string() + "\"");
+    Write("cut.wav", "RIFF");
+    EXPECT_EQ(BuildError(R"({"cards": [{}], "records": [{"type": "Snd ", "id": 1, "sound": "cut.wav"}]})", dir_),
+              "records[0].sound: \"" + Path("cut.wav") + "\": damaged, or not the kind of sound file its name says");
 }
 
 TEST_F(BuildCommandTest, FailedBuildLeavesNothingAtTheOutput) {
