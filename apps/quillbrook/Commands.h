@@ -13,7 +13,8 @@ int RunValidate(const std::string& path);
 int RunBuild(const std::string& jsonPath, const std::string& outPath);
 // Opens FILE through the full open flow and saves it to `outPath` through the full writer.
 int RunResave(const std::string& path, const std::string& outPath);
-// Writes every card background and every graphic picture of FILE as PNG files into `outDir`.
+// Writes every card background and every graphic picture of FILE as PNG files, and every 'Snd '
+// record as a WAV file, into `outDir`.
 int RunExport(const std::string& path, const std::string& outDir);
 
 // What `render` was asked for.

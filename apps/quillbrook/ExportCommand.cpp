@@ -1,8 +1,10 @@
-// `quillbrook export FILE -o DIR`: every card's background and every graphic's picture as a PNG.
+// `quillbrook export FILE -o DIR`: every card's background and every graphic's picture as a PNG,
+// every 'Snd ' record as a WAV file.
 //
 // Backgrounds are read as the card shows them: a group card shows its owner's picture, which is
 // written once, under the owner's position. Format 3 pictures are decoded at 32 bits, so that the
-// export does not lose colours to a palette. Pictures that do not decode are reported and skipped.
+// export does not lose colours to a palette. A sound is written with the samples its record holds,
+// our compressed records unpacked. Pictures and sounds that do not decode are reported and skipped.
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -19,6 +21,9 @@
 #include "card/GraphicPicture.h"
 #include "gfx/DibImage.h"
 #include "host/Application.h"
+#include "media/CompressedSound.h"
+#include "media/SoundRecord.h"
+#include "media/SoundWave.h"
 #include "memory/OwnedMemRef.h"
 #include "messages/Alert.h"
 #include "pictures/Background.h"
@@ -28,6 +33,7 @@
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
 #include "player/StackFlows.h"
+#include "stack/Blob.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
@@ -77,11 +83,13 @@ std::vector<uint8_t> ToRgba(const uint8_t* dib) {
     return rgba;
 }
 
-// One picture to write: where it comes from and the file it becomes.
+enum class JobKind { Background, Graphic, Sound };
+
+// One picture or sound to write: where it comes from and the file it becomes.
 struct Job {
     int32_t position = 0;  // the card's, from 1
-    bool background = false;
-    int16_t graphicId = 0;
+    JobKind kind = JobKind::Background;
+    int32_t id = 0;           // the graphic's or the 'Snd ' record's
     uint32_t itemOffset = 0;  // of the graphic in the card record
     std::string fileName;
 };
@@ -106,7 +114,7 @@ std::vector<Job> GraphicJobs(MemRef card, int32_t position) {
         if (kind == 0 || length < kItemCommonHeadSize || offset + length > size) break;
         if (kind == kItemKindGraphic && length >= kGraphicHeadSize && Read32(item + kGraphicPictureSize) != 0) {
             const int16_t id = ReadS16(item + kItemId);
-            jobs.push_back({position, false, id, static_cast<uint32_t>(offset), fmt::format("card-{:03}-graphic-{}.png", position, id)});
+            jobs.push_back({position, JobKind::Graphic, id, static_cast<uint32_t>(offset), fmt::format("card-{:03}-graphic-{}.png", position, id)});
         }
         offset += length;
     }
@@ -165,6 +173,49 @@ std::vector<uint8_t> GraphicRgba(MemRef card, uint32_t itemOffset, int32_t* widt
     return {};
 }
 
+int32_t ScanRecord(MemRef record, SoundInfo* info, uint32_t* dataOffset) {
+    MemRefLock lock(record);
+    return lock ? ScanSoundRecord(lock.data(), GetMemRefSize(record), info, dataOffset) : kAlertBadSound;
+}
+
+// The WAV file of a 'Snd ' record: its samples as they stand, 16-bit ones turned little-endian; or
+// an empty vector with *problem set.
+std::vector<uint8_t> SoundWav(uint16_t id, SoundInfo* info, std::string* problem) {
+    MemRef record = GetBlobById(FourCC("Snd "), id);
+    if (!record) {
+        *problem = "the record cannot be read";
+        return {};
+    }
+    uint32_t dataOffset = 0;
+    int32_t result = ScanRecord(record, info, &dataOffset);
+    OwnedMemRef unpacked(0);
+    if (result == kSoundNotPlayed) {
+        unpacked.Reset(DecompressSoundRecord(record));
+        if (!unpacked.ref()) {
+            *problem = "its samples are compressed in a form that cannot be unpacked";
+            return {};
+        }
+        record = unpacked.ref();
+        result = ScanRecord(record, info, &dataOffset);
+    }
+    if (result != 0) {
+        *problem = "the sound is damaged";
+        return {};
+    }
+    MemRefLock lock(record);
+    const uint8_t* samples = lock.data() + dataOffset;
+    std::vector<uint8_t> wav(kWaveHeaderBytes + info->dataBytes);
+    WriteWaveHeader(wav.data(), *info, info->dataBytes);
+    uint8_t* out = wav.data() + kWaveHeaderBytes;
+    for (uint32_t i = 0; i < info->dataBytes; ++i) out[i] = samples[info->bits == 16 ? i ^ 1 : i];
+    // A chunk of odd size is followed by a pad byte, which the RIFF size counts.
+    if (info->dataBytes % 2 != 0) {
+        wav.push_back(0);
+        Write32(wav.data() + 4, static_cast<uint32_t>(wav.size() - 8));
+    }
+    return wav;
+}
+
 }  // namespace
 
 int RunExport(const std::string& path, const std::string& outDir) {
@@ -184,44 +235,76 @@ int RunExport(const std::string& path, const std::string& outDir) {
             MemRefLock lock(card);
             // Only a picture card has a background of its own; its group members show it.
             if (lock && GetMemRefSize(card) > kEmptyCardSize && ReadS16(lock.data() + kCardKind) == kCardKindPicture) {
-                jobs.push_back({position, true, 0, 0, fmt::format("card-{:03}-background.png", position)});
+                jobs.push_back({position, JobKind::Background, 0, 0, fmt::format("card-{:03}-background.png", position)});
             }
         }
         for (Job& job : GraphicJobs(card, position)) jobs.push_back(std::move(job));
     }
+    const uint32_t store = GetDocument().storeRef;
+    size_t soundCount = 0;
+    for (uint32_t i = 0; i < CountBlobEntries(store); ++i) {
+        BlobEntryInfo e;
+        if (!GetBlobEntry(store, i, &e) || e.type != FourCC("Snd ") || (e.flags & kBlobDeleted)) continue;
+        jobs.push_back({0, JobKind::Sound, e.id, 0, fmt::format("sound-{}.wav", e.id)});
+        ++soundCount;
+    }
 
     const Progress progress(jobs.size());
-    size_t written = 0, skipped = 0;
+    size_t pictures = 0, sounds = 0, skipped = 0;
     bool failed = false;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const Job& job = jobs[i];
         progress.Show(i, job.fileName);
+        const std::string file = (fs::path(outDir) / job.fileName).string();
+        if (job.kind == JobKind::Sound) {
+            SoundInfo info;
+            std::string problem;
+            const std::vector<uint8_t> wav = SoundWav(static_cast<uint16_t>(job.id), &info, &problem);
+            const std::string what = fmt::format("'Snd ' record {}", job.id);
+            if (wav.empty()) {
+                progress.Clear();
+                fmt::print(stderr, "{}: {}: {}; skipped\n", path, what, problem);
+                ++skipped;
+            } else if (WriteWholeHostFile(file, wav.data(), wav.size()) != 0) {
+                progress.Clear();
+                fmt::print(stderr, "{}: {}: cannot write {}\n", path, what, file);
+                failed = true;
+                break;
+            } else {
+                ++sounds;
+                if (!progress.terminal()) {
+                    fmt::print("{} ({} Hz, {}-bit, {})\n", file, info.rate, info.bits, info.channels == 2 ? "stereo" : "mono");
+                }
+            }
+            continue;
+        }
+        const bool background = job.kind == JobKind::Background;
         const MemRef card = GetCardByPosition(job.position);
         int32_t width = 0, height = 0;
         std::string problem;
-        const std::vector<uint8_t> rgba = job.background ? BackgroundRgba(card, &width, &height, &problem)
-                                                         : GraphicRgba(card, job.itemOffset, &width, &height, &problem);
-        const std::string what = job.background ? fmt::format("card {}: background", job.position)
-                                                     : fmt::format("card {}: graphic {}", job.position, job.graphicId);
+        const std::vector<uint8_t> rgba = background ? BackgroundRgba(card, &width, &height, &problem)
+                                                     : GraphicRgba(card, job.itemOffset, &width, &height, &problem);
+        const std::string what = background ? fmt::format("card {}: background", job.position)
+                                            : fmt::format("card {}: graphic {}", job.position, job.id);
         if (rgba.empty()) {
             progress.Clear();
             fmt::print(stderr, "{}: {}: {}; skipped\n", path, what, problem);
             ++skipped;
             continue;
         }
-        const std::string file = (fs::path(outDir) / job.fileName).string();
         if (!WritePng(file, width, height, rgba)) {
             progress.Clear();
             fmt::print(stderr, "{}: {}: cannot write {}\n", path, what, file);
             failed = true;
             break;
         }
-        ++written;
+        ++pictures;
         if (!progress.terminal()) fmt::print("{} ({}x{})\n", file, width, height);
     }
     progress.Clear();
     CloseStack();
-    fmt::print("{} picture{} written to {}{}\n", written, written == 1 ? "" : "s", outDir,
+    const std::string soundPart = soundCount ? fmt::format(" and {} sound{}", sounds, sounds == 1 ? "" : "s") : "";
+    fmt::print("{} picture{}{} written to {}{}\n", pictures, pictures == 1 ? "" : "s", soundPart, outDir,
                skipped ? fmt::format(", {} damaged and skipped", skipped) : "");
     return failed ? 1 : 0;
 }

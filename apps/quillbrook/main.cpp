@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
     resave->add_option("FILE", path, "the stack")->required();
     resave->add_option("-o,--output", output, "where to save it")->required();
 
-    CLI::App* exportCommand = app.add_subcommand("export", "Write every card background and graphic picture as PNG");
+    CLI::App* exportCommand = app.add_subcommand("export", "Write every card background and graphic picture as PNG, every sound as WAV");
     exportCommand->add_option("FILE", path, "the stack")->required();
     exportCommand->add_option("-o,--output", output, "the folder to write into")->required();
 
