@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Writes the demo stack's description and pictures: demo.json, the card pictures (PNG), the
-photo card's stored JPEG background (photo.bin, made with cjpeg and djpeg) and the button icons
-under icons/.
+"""Writes the demo stack's description, pictures and sounds: demo.json, the card pictures (PNG), the
+photo card's stored JPEG background (photo.bin, made with cjpeg and djpeg), the button icons under
+icons/ and the sounds under sounds/ (WAV).
 
-Every picture is drawn here from plain shapes, so the demo carries no art from elsewhere. Run it
+Every picture is drawn here from plain shapes and every sound made from sine waves, so the demo
+carries no art from elsewhere. Run it
 from any folder after changing the tour; `quillbrook build demo.json` then makes the stack, as the
 desktop build does. The output is the same on every run.
 """
@@ -14,6 +15,7 @@ import os
 import struct
 import subprocess
 import tempfile
+import wave
 import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -426,6 +428,52 @@ def icon_arrow():
 
 
 # ---------------------------------------------------------------------------------------------
+# Sounds, from sine waves: every sample is a function of its time, so the files are the same on
+# every run.
+RATE = 22050
+
+
+def write_wav(name, samples, bits):
+    """Mono samples from -1 to 1 as 8-bit unsigned or 16-bit signed PCM."""
+    if bits == 8:
+        data = bytes(max(0, min(255, 128 + round(v * 127))) for v in samples)
+    else:
+        data = b"".join(struct.pack("<h", max(-32767, min(32767, round(v * 32767)))) for v in samples)
+    with wave.open(os.path.join(HERE, name), "wb") as f:
+        f.setnchannels(1)
+        f.setsampwidth(bits // 8)
+        f.setframerate(RATE)
+        f.writeframes(data)
+
+
+def bell(t, frequency):
+    """A struck note: the tone and a softer octave, dying away, with a 5 ms onset."""
+    if t < 0:
+        return 0.0
+    onset = min(1.0, t / 0.005)
+    tone = math.sin(2 * math.pi * frequency * t) + 0.3 * math.sin(4 * math.pi * frequency * t) * math.exp(-6 * t)
+    return onset * math.exp(-3 * t) * tone
+
+
+def welcome_chime():
+    """The Welcome card's greeting: C, E, G and the high C struck in turn, 1.5 s."""
+    notes = [(0.0, 523.25), (0.18, 659.25), (0.36, 783.99), (0.54, 1046.5)]
+    count = int(1.5 * RATE)
+    samples = []
+    for i in range(count):
+        t = i / RATE
+        fade = min(1.0, (count - i) / (0.1 * RATE))  # the last 100 ms go quiet
+        samples.append(0.22 * fade * sum(bell(t - start, f) for start, f in notes))
+    return samples
+
+
+def click():
+    """A short tick of two high tones, 40 ms."""
+    return [math.exp(-t / 0.004) * (0.6 * math.sin(2 * math.pi * 1800 * t) + 0.3 * math.sin(2 * math.pi * 3100 * t))
+            for t in (i / RATE for i in range(int(0.04 * RATE)))]
+
+
+# ---------------------------------------------------------------------------------------------
 # The description.
 FONT = 20  # Arial, by the stack's font table
 
@@ -476,6 +524,16 @@ def nav(first_id, back, contents, forward, fill=LIGHT_GREY, text=BLACK_I):
     return items
 
 
+# 'Snd ' records, and the 'Actn' record of the Welcome card's arrival.
+CHIME, CLICK = 1, 2
+GREETING = 1
+
+
+def stack_sound(sound_id, flags=0):
+    """A type 83 sub-record at full volume; flag 2 lets the sound play on through a card change."""
+    return {"type": 83, "fields": {"4": 127, "16": sound_id, "24": flags}}
+
+
 WELCOME, SHAPES, PICTURE_BUTTONS, ABOUT, PICTURES, PHOTO, GARDEN, ROSES, POND, ICONS, HIDDEN, \
     TRANSITIONS, ARRIVED = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13
 
@@ -491,7 +549,8 @@ def nearest(colours, target):
 
 
 def cards(photo_colours):
-    welcome = {"id": WELCOME, "kind": 1, "name": "Welcome", "background": {"png": "welcome.png", "depth": 8}, "items": [
+    welcome = {"id": WELCOME, "kind": 1, "name": "Welcome", "background": {"png": "welcome.png", "depth": 8},
+               "arriveAction": GREETING, "items": [
         field(101, WELCOME, [40, 30, 600, 180], "Welcome to Quillbrook",
               "A tour of what a stack can hold, built by quillbrook build from examples/demo/demo.json. "
               "Pick a place, or follow Next from Pictures on.", (255, 255, 255)),
@@ -503,7 +562,9 @@ def cards(photo_colours):
     for i, (name, to, transition, shape, fill, text) in enumerate(contents):
         x = 185 if i < 4 else 325
         y = 212 + (i % 4) * 50
-        welcome["items"].append(button(102 + i, [x, y, x + 130, y + 36], name, to, transition, shape, fill, text))
+        # The contents click on the way: a go (32) that also plays a stack sound (4).
+        welcome["items"].append(button(102 + i, [x, y, x + 130, y + 36], name, to, transition, shape, fill, text,
+                                       actionFlags=36, subRecords=[stack_sound(CLICK, 2)]))
 
     pictures = {"id": PICTURES, "kind": 1, "name": "Pictures", "background": {"png": "seaside.png", "depth": 8}, "items": [
         field(501, PICTURES, [30, 20, 500, 140], "Pictures",
@@ -611,7 +672,7 @@ def cards(photo_colours):
     about = {"id": ABOUT, "name": "About", "items": [
         field(401, ABOUT, [40, 40, 600, 200], "About this stack",
               "Thirteen cards: pictures from PNG and JPEG, a group, buttons of all eight shapes with "
-              "colours and icons, hidden items and transitions, and a font table. Start over reopens "
+              "colours and icons, hidden items and transitions, sounds, and a font table. Start over reopens "
               "demo.stk at its first card through a file reference."),
         button(402, [60, 380, 220, 420], "Previous", -2, 2, 2, LIGHT_GREY, BLACK_I),
         button(403, [240, 380, 400, 420], "Start over", -6, 5, 0, BLUE, WHITE_I,
@@ -691,6 +752,10 @@ def main():
         palette.add(icon, transparent=True)
     write_indexed("icons-card.png", paper, palette)
 
+    os.makedirs(os.path.join(HERE, "sounds"), exist_ok=True)
+    write_wav("sounds/welcome.wav", welcome_chime(), 16)
+    write_wav("sounds/click.wav", click(), 8)
+
     description = {
         "version": 5, "depth": 8, "cardWidth": W, "cardHeight": H, "autoTimers": 1,
         "cards": cards(photo_colours),
@@ -700,6 +765,10 @@ def main():
             {"type": "Icon", "id": 2, "name": "Heart", "png": "icons/heart.png", "depth": 4},
             {"type": "Icon", "id": 3, "name": "House", "png": "icons/house.png", "depth": 8},
             {"type": "Icon", "id": 4, "name": "Arrow", "png": "icons/arrow.png", "depth": 4},
+            {"type": "Snd ", "id": CHIME, "name": "Welcome", "sound": "sounds/welcome.wav"},
+            {"type": "Snd ", "id": CLICK, "name": "Click", "sound": "sounds/click.wav"},
+            {"type": "Actn", "id": GREETING, "name": "Greeting",
+             "action": {"actionFlags": 4, "subRecords": [stack_sound(CHIME)]}},
         ],
     }
     with open(os.path.join(HERE, "demo.json"), "w") as f:
