@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <tuple>
@@ -20,6 +21,7 @@
 #include "host/WindowProc.h"
 #include "platform/headless/HeadlessHost.h"
 #include "support/CommandFixture.h"
+#include "support/HeardSound.h"
 
 namespace {
 
@@ -100,6 +102,28 @@ protected:
         return options;
     }
 };
+
+// The demo greets with its chime from the first frame on; a contents button clicks when pressed.
+TEST_F(Replay, AudioHoldsWhatTheDemoPlayed) {
+    RenderOptions options = Options(Write("click.json", R"([
+      {"at": 2500, "event": "mousedown", "x": 250, "y": 230, "mods": []},
+      {"at": 2560, "event": "mouseup", "x": 250, "y": 230, "mods": []}])"), "end.png");
+    options.path = QB_DEMO_STACK;
+    options.audio = Path("heard.wav");
+    ASSERT_EQ(RunQuietly(options), 0) << err_;
+    SoundInfo info;
+    MemRef wave = 0;
+    ASSERT_EQ(ReadSoundFile(options.audio, &wave, &info), 1);
+    EXPECT_EQ(std::vector<uint32_t>({info.bits, info.channels, info.rate}), std::vector<uint32_t>({16, 2, 22050}));
+    std::vector<int16_t> heard(info.frames * 2);
+    {
+        MemRefLock lock(wave);
+        std::memcpy(heard.data(), lock.data() + kWaveHeaderBytes, heard.size() * 2);
+    }
+    FreeMemRef(wave);
+    EXPECT_EQ(FindInLeft(heard, DemoSoundAsPlayed("welcome.wav", 20000)), 0);
+    EXPECT_NEAR(FindInLeft(heard, DemoSoundAsPlayed("click.wav", 800)), 2500 * 22050 / 1000, 22050 / 10);
+}
 
 TEST_F(Replay, BadEventFilesExitTwoAndSayWhy) {
     EXPECT_EQ(RunQuietly(Options(Write("bad.json", "[{\"at\": 1, \"event\": \"keydown\", \"key\": \"Nope\"}]"), "x.png")), 2);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,6 +15,7 @@
 
 #include "PngFile.h"
 #include "support/CommandFixture.h"
+#include "support/HeardSound.h"
 
 namespace {
 
@@ -86,6 +88,22 @@ TEST_F(XvfbPlay, ASessionRecordedInTheWindowReplaysToTheSameFrame) {
                                Path("replayed.png") + " >/dev/null";
     ASSERT_EQ(std::system(replay.c_str()), 0) << replay;
     EXPECT_EQ(Differences(ReadImage(Path("live.png")), ReadImage(Path("replayed.png")), 1), 0);
+}
+
+// A contents button of the demo clicks through SDL's audio device, here its disk driver, which
+// keeps what the last opening of the device played.
+TEST_F(XvfbPlay, TheDemosButtonIsHeardThroughTheAudioDevice) {
+    if (std::system("command -v xdotool >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "xdotool is not installed (Debian: apt-get install xdotool)";
+    const std::string play = qb_ + " play '" + QB_DEMO_STACK + "' --exit-after 3000";
+    ASSERT_EQ(RunUnderXvfb(play + " &\npid=$!\nw=$(xdotool search --sync --onlyvisible --class quillbrook | head -1)\n"
+                                  "sleep 0.5\nxdotool mousemove --window $w 250 230 click 1\nwait $pid\n"),
+              0);
+    std::ifstream raw(Path("heard.raw"), std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(raw), std::istreambuf_iterator<char>()};
+    std::vector<int16_t> heard(bytes.size() / 2);
+    std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
+    EXPECT_GE(FindInLeft(heard, DemoSoundAsPlayed("click.wav", 800)), 0) << heard.size() << " samples heard";
 }
 
 }  // namespace
