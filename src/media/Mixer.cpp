@@ -169,14 +169,6 @@ bool MixerIsPlaying(uint16_t number) {
     return FindStream(number) != nullptr;
 }
 
-void MixerSetVolume(uint16_t number, uint16_t left, uint16_t right) {
-    AudioLock lock;
-    if (MixerStream* s = FindStream(number)) {
-        s->gainLeft = Gain(left);
-        s->gainRight = Gain(right);
-    }
-}
-
 void MixerDiscard(uint16_t number) {
     AudioLock lock;
     if (MixerStream* s = FindStream(number)) {

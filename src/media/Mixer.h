@@ -40,7 +40,6 @@ void StopMixer();
 uint16_t MixerPlay(const MixerPlayBlock& block);
 // True while stream `number` waits for its link or plays.
 bool MixerIsPlaying(uint16_t number);
-void MixerSetVolume(uint16_t number, uint16_t left, uint16_t right);
 // Stops stream `number` unreported; a stream linked behind it starts at once.
 void MixerDiscard(uint16_t number);
 // The host's pull: `count` stereo frames of everything playing, clipped to 16 bits.

@@ -1,6 +1,7 @@
 #include "media/SoundPlayback.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <vector>
 
@@ -227,14 +228,6 @@ void SoundTick() {
     bool ended = false;
     for (uint16_t number = 0; MixerTakeEnded(&number);) ended = true;
     if (ended) ReapSounds();
-}
-
-void SetAllVolumes(uint16_t volume) {
-    const auto playVolume = static_cast<uint16_t>(std::min<uint16_t>(volume, kMaxSoundVolume) * 2);
-    for (const PlayingSound& row : g.rows) {
-        MixerSetVolume(row.soundNumber, playVolume, playVolume);
-        MixerSetVolume(row.tailNumber, playVolume, playVolume);
-    }
 }
 
 void StopSoundLibrary() {

@@ -34,6 +34,5 @@ bool IsSoundActive();
 // The sound module's regular work (every fifth tick and on each round of a wait): the sounds that
 // the mixer reports ended are reaped.
 void SoundTick();
-void SetAllVolumes(uint16_t volume);
 // Closes the device and forgets what played: between sounds and at the end of the program.
 void StopSoundLibrary();
