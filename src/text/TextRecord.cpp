@@ -68,7 +68,10 @@ int32_t ReadTextRecord(const uint8_t* record, uint32_t size, bool macCharset, Te
     const uint8_t* table = text + length;
     const uint32_t count = ReadBE16(table);
     left -= kStyleCountSize;
-    if (count > left / kStyleRunSize) return -1;
+    if (count > left / kStyleRunSize) {
+        *out = TextRecord{};
+        return -1;
+    }
     for (uint32_t i = 0; i < count; ++i) {
         const uint8_t* r = table + kStyleCountSize + i * kStyleRunSize;
         StyleRun run;
