@@ -9,8 +9,6 @@
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
-#include "stack/Normalise.h"
-#include "stack/StackHeader.h"
 #include "text/Fontmap.h"
 #include "text/TextRecord.h"
 
@@ -19,16 +17,6 @@ namespace {
 // The text stands this far inside the field's rectangle, its frame and its scroll bar.
 constexpr int32_t kTextMargin = 3;
 constexpr int32_t kScrollBarWidth = 16;
-
-// Stacks from the Macintosh keep their text in its character set; they are the ones whose colour
-// tables put white first.
-bool StackTextIsMac() {
-    if (IsWhiteFirstStack()) return true;
-    const MemRef header = GetDocument().stackHeader;
-    MemRefLock lock(header);
-    return lock && GetMemRefSize(header) >= kStackHeaderSize &&
-           (Read16(lock.data() + kHdrStackFlags) & kStackFlagWhiteFirst);
-}
 
 // The card whose text a per-card field shows: the card on show.
 uint16_t ShownCardId(MemRef chunkCard) {
@@ -83,7 +71,7 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset) {
         // A field whose text comes from a file shows it when text import is here.
         if (!(flags & kItemFlagFileRef) &&
             FindTextRecord(chunk, length, ShownCardId(card), (flags & kTextFlagPerCard) != 0, &at)) {
-            haveText = ReadTextRecord(chunk + at, length - at, StackTextIsMac(), &record) == 0;
+            haveText = ReadTextRecord(chunk + at, length - at, StackTextIsMacintosh(), &record) == 0;
         }
     }
     item->document = StyledDocument{};

@@ -4,6 +4,9 @@
 
 #include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
+#include "stack/Document.h"
+#include "stack/Normalise.h"
+#include "stack/StackHeader.h"
 
 namespace {
 
@@ -50,6 +53,14 @@ const uint8_t* WindowsToMacTable() { return kCharTables.windowsToMac.data(); }
 std::string MacToWindowsText(std::string text) {
     for (char& c : text) c = static_cast<char>(kCharTables.macToWindows[static_cast<uint8_t>(c)]);
     return text;
+}
+
+bool StackTextIsMacintosh() {
+    if (IsWhiteFirstStack()) return true;
+    const MemRef header = GetDocument().stackHeader;
+    MemRefLock lock(header);
+    return lock && GetMemRefSize(header) >= kStackHeaderSize &&
+           (Read16(lock.data() + kHdrStackFlags) & kStackFlagWhiteFirst);
 }
 
 int32_t ReadTextRecord(const uint8_t* record, uint32_t size, bool macCharset, TextRecord* out) {

@@ -56,6 +56,10 @@ const uint8_t* MacToWindowsTable();  // 256 entries
 const uint8_t* WindowsToMacTable();  // 256 entries
 std::string MacToWindowsText(std::string text);
 
+// Whether the open stack keeps its text in the Macintosh character set: the stacks whose colour
+// tables put white first come from the Macintosh.
+bool StackTextIsMacintosh();
+
 // The sub-record at `record` with `size` bytes to its owner's end. 0, or -1 for a record whose
 // lengths or runs don't fit in it: nothing of such a record is shown. Run starts are kept in the
 // text and rising; runs that break that order are dropped.
