@@ -61,6 +61,7 @@ struct DisplayItem {
     StyledDocument document;
     TextLayout layout;
     Rect textArea;
+    int32_t thumbOffset = 0;  // the scroll bar's thumb, in pixels below the upper arrow
 };
 
 inline constexpr int32_t kMaxListPosition = 9999;
@@ -112,6 +113,12 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset);
 // Draws a text field: its fill (none when transparent), its frame, then its text, clipped to the
 // field.
 void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, const uint32_t* colors);
+
+// A field's scroll bar: our own arrows at its ends and, in a field taller than 3.5 arrows, a thumb
+// at `thumbOffset` between them.
+inline constexpr int32_t kFieldScrollBarWidth = 16;
+Rect FieldScrollBarRect(const DisplayItem& item);
+void DrawFieldScrollBar(Surface& target, const Clip& clip, const DisplayItem& item);
 
 // Draws a graphic record into `target`: stretched to its rectangle with a frame, or through its
 // shape with the rim in the frame colour. `colors`: the 256 colours of the palette in use.

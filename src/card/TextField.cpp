@@ -16,7 +16,6 @@ namespace {
 
 // The text stands this far inside the field's rectangle, its frame and its scroll bar.
 constexpr int32_t kTextMargin = 3;
-constexpr int32_t kScrollBarWidth = 16;
 
 // The card whose text a per-card field shows: the card on show.
 uint16_t ShownCardId(MemRef chunkCard) {
@@ -43,7 +42,7 @@ TextAlign AlignOf(int16_t stored) {
 Rect TextAreaOf(const Rect& rect, uint16_t viewFlags) {
     Rect area = rect;
     if (viewFlags & kTextViewFrame) area = InflateRect(area, -1, -1);
-    if (viewFlags & kTextViewScrollBar) area.right -= kScrollBarWidth;
+    if (viewFlags & kTextViewScrollBar) area.right -= kFieldScrollBarWidth;
     area = InflateRect(area, -kTextMargin, -kTextMargin);
     if (area.right < area.left) area.right = area.left;
     if (area.bottom < area.top) area.bottom = area.top;
@@ -95,6 +94,7 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
                                   : kWhite;
         FillRect(target, fieldClip, item.rect, fill);
     }
+    if (item.viewFlags & kTextViewScrollBar) DrawFieldScrollBar(target, fieldClip, item);
     if (item.viewFlags & kTextViewFrame) FrameRect(target, fieldClip, item.rect, Pen{});
     // Glyphs stay inside the text area, so that none is drawn over the frame or the scroll bar.
     const Rect textClip = IntersectRect(area, InflateRect(item.textArea, kTextMargin, kTextMargin));

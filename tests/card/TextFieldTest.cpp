@@ -14,13 +14,7 @@
 
 namespace {
 
-struct Field {
-    Rect rect;
-    uint16_t itemFlags, viewFlags, backColor;
-    int16_t align;
-    std::string text;
-    std::vector<StyleRun> runs;
-};
+struct Field { Rect rect; uint16_t itemFlags, viewFlags, backColor; int16_t align; std::string text; std::vector<StyleRun> runs; };
 
 // A card holding one native text chunk with the field's record, as a loaded stack holds it.
 MemRef FieldCard(const Field& f) {
@@ -45,13 +39,13 @@ StyleRun Styled(uint32_t start, uint8_t style, uint16_t points, uint8_t r, uint8
 }
 
 #if QB_GOLDEN_TESTS
-// Framed and plain, filled and transparent fields, each alignment, runs of several sizes and styles
-// that wrap, and a word too long for its field.
+// Framed and plain, filled and transparent fields, a scroll bar, each alignment, runs of several
+// sizes and styles that wrap, a line as tall as its tallest run, and a word too long for its field.
 TEST(TextFieldTest, FieldsShowTheirStyledText) {
     const std::string verse = "The quick brown fox jumps over the lazy dog";
     const Field fields[] = {
-        {{10, 10, 190, 110}, 0, kTextViewFrame, 0, 0, "Heading\r" + verse,
-         {Styled(0, 1, 18, 200, 0, 0), Styled(8, 0, 12, 0, 0, 0), Styled(14, 2, 12, 0, 0, 160), Styled(20, 4, 12, 0, 0, 0)}},
+        {{10, 10, 190, 110}, 0, kTextViewFrame, 0, 0, "Heading and more\r" + verse,
+         {Styled(0, 1, 18, 200, 0, 0), Styled(7, 0, 12, 0, 0, 0), Styled(21, 2, 12, 0, 0, 160), Styled(27, 4, 12, 0, 0, 0)}},
         {{200, 10, 310, 110}, 0, kTextViewFrame | kTextViewScrollBar, 3, 1, verse, {Styled(0, 0, 14, 0, 90, 0)}},
         {{10, 120, 190, 190}, 0, 0, 3, -1, "Right\r" + verse, {Styled(0, 0, 10, 0, 0, 0)}},
         {{200, 120, 310, 190}, kTextFlagTransparent, 0, 0, 0, "Transparent\rExtraordinarily",

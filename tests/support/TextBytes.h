@@ -27,8 +27,7 @@ inline std::vector<uint8_t> TextRecordBytes(uint16_t cardId, const std::string& 
             WriteBE32(e + kStyleRunStart, run.start);
             const std::pair<uint32_t, uint16_t> words[] = {
                 {kStyleRunLineHeight, run.lineHeight}, {kStyleRunAscent, run.ascent}, {kStyleRunFontId, run.fontId},
-                {kStyleRunPoints, run.size}, {kStyleRunRed, run.red}, {kStyleRunRed + 2, run.green},
-                {kStyleRunRed + 4, run.blue}};
+                {kStyleRunPoints, run.size}, {kStyleRunRed, run.red}, {kStyleRunRed + 2, run.green}, {kStyleRunRed + 4, run.blue}};
             for (const auto& [at, v] : words) WriteBE16(e + at, v);
             e[kStyleRunStyle] = run.style;
         }

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace {
 
@@ -44,19 +42,6 @@ TEST(StyledTextTest, LinesBreakAfterSpacesAndInsideLongWords) {
         EXPECT_EQ(OffsetsOf(layout), t.lines);
         for (const LaidLine& l : layout.lines) EXPECT_EQ(l.width, int32_t(l.visibleEnd - l.start) * c);
     }
-}
-
-TEST(StyledTextTest, ALineIsAsTallAsItsTallestFont) {
-    const TextFont big{"Courier New", 30};
-    const StyledDocument doc{"small BIG\rsmall\r", {{0, {kMono, kBlack}}, {6, {big, kBlack}}, {10, {kMono, kBlack}}}};
-    const TextLayout layout = LayOutDocument(doc, 1000);
-    ASSERT_EQ(layout.lines.size(), 3u);
-    const TextMetrics small = GetTextMetrics(kMono), large = GetTextMetrics(big);
-    EXPECT_EQ(layout.lines[0].height, large.lineHeight);
-    EXPECT_EQ(layout.lines[0].ascent, large.ascent);
-    EXPECT_EQ(layout.lines[1].top, large.lineHeight);
-    EXPECT_EQ(layout.lines[1].height, small.lineHeight);
-    EXPECT_EQ(layout.height, large.lineHeight + 2 * small.lineHeight);
 }
 
 }  // namespace
