@@ -528,56 +528,50 @@ constexpr ActionField kActionFields[] = {
     {"timerSeconds", 24}, {"timerMode", 26}, {"testCode", 62}, {"transitionColor", 68}, {"transitionSpeed", 76},
 };
 
-// A style run of the description in its 20-byte stored form.
-void PutStyleRun(uint8_t* e, const Node& run, uint32_t start) {
+// A style run of the description.
+StyleRun MakeStyleRun(const Node& run, uint32_t start) {
     const int64_t points = IntOr(run, "size", kDefaultFontPx, 1, kMaxFontPx);
     // The line's measures as our own fonts give them, unless the description says.
     const TextMetrics m = GetTextMetrics(TextFont{kDefaultFaceName, static_cast<int32_t>(points)});
-    WriteBE32(e + kStyleRunStart, start);
-    WriteBE16(e + kStyleRunLineHeight, static_cast<uint16_t>(IntOr(run, "lineHeight", m.lineHeight, 0, kMax16)));
-    WriteBE16(e + kStyleRunAscent, static_cast<uint16_t>(IntOr(run, "ascent", m.ascent, 0, kMax16)));
-    WriteBE16(e + kStyleRunFontId, static_cast<uint16_t>(IntOr(run, "font", 0, 0, kMax16)));
-    e[kStyleRunStyle] = static_cast<uint8_t>(IntOr(run, "style", 0, 0, 127));
-    WriteBE16(e + kStyleRunPoints, static_cast<uint16_t>(points));
+    StyleRun r;
+    r.start = start;
+    r.lineHeight = static_cast<uint16_t>(IntOr(run, "lineHeight", m.lineHeight, 0, kMax16));
+    r.ascent = static_cast<uint16_t>(IntOr(run, "ascent", m.ascent, 0, kMax16));
+    r.fontId = static_cast<uint16_t>(IntOr(run, "font", 0, 0, kMax16));
+    r.style = static_cast<uint8_t>(IntOr(run, "style", 0, 0, 127));
+    r.size = static_cast<uint16_t>(points);
     const std::vector<Node> color = run.Elements("color");
     if (!color.empty() && color.size() != 3) run["color"].Fail("needs three numbers [red, green, blue]");
-    for (size_t i = 0; i < color.size(); ++i)
-        WriteBE16(e + kStyleRunRed + 2 * i, static_cast<uint16_t>(color[i].Int(0, 255) * 257));
+    uint16_t* components[] = {&r.red, &r.green, &r.blue};
+    for (size_t i = 0; i < color.size(); ++i) *components[i] = static_cast<uint16_t>(color[i].Int(0, 255) * 257);
+    return r;
 }
 
 // A text field's one text record, for every card, from `text` and its style `runs`.
 Bytes TextFieldBody(const Node& item, const BuildState& st) {
     if (item.Has("raw") || item.Has("rawFile")) item.Fail("give either text or the stored bytes (raw or rawFile), not both");
+    TextRecord record;
+    record.cardId = static_cast<uint16_t>(IntOr(item, "cardId", st.cardId, kMin16, kMax16));
     // A paragraph ends in CR; the description may end its lines in LF or CR LF too.
-    std::string text;
     for (const char c : item["text"].Text()) {
-        if (c == '\n' && !text.empty() && text.back() == '\r') continue;
-        text += c == '\n' ? '\r' : c;
+        if (c == '\n' && !record.text.empty() && record.text.back() == '\r') continue;
+        record.text += c == '\n' ? '\r' : c;
     }
     std::vector<Node> runs = item.Elements("runs");
     const Json plain = Json::object();
     if (runs.empty()) runs.emplace_back(plain, "");
-    Bytes content(text.begin(), text.end());
-    content.resize(text.size() + kStyleCountSize + runs.size() * kStyleRunSize);
-    uint8_t* table = content.data() + text.size();
-    WriteBE16(table, static_cast<uint16_t>(runs.size()));
     int64_t last = -1;
     for (size_t i = 0; i < runs.size(); ++i) {
         const int64_t start = IntOr(runs[i], "start", 0, 0, kMax32);
-        if (start <= last || start > static_cast<int64_t>(text.size()) || (i == 0 && start != 0))
+        if (start <= last || start > static_cast<int64_t>(record.text.size()) || (i == 0 && start != 0))
             runs[i].FailAt("start", "runs start at 0 and at rising offsets up to the length of the text");
         last = start;
-        PutStyleRun(table + kStyleCountSize + i * kStyleRunSize, runs[i], static_cast<uint32_t>(start));
+        record.runs.push_back(MakeStyleRun(runs[i], static_cast<uint32_t>(start)));
     }
-    const size_t pad = content.size() % 2;
-    Bytes body(kTextRecordHeadSize, 0);
-    WriteBE16(&body[kTextRecordKind], kTextRecordType);
-    WriteBE16(&body[kTextRecordCardId], static_cast<uint16_t>(IntOr(item, "cardId", st.cardId, kMin16, kMax16)));
-    body[kTextRecordPadByte] = pad ? kTextRecordPadBit : 0;
-    WriteBE32(&body[kTextRecordLength], static_cast<uint32_t>(text.size()));
-    WriteBE32(&body[kTextRecordSize], static_cast<uint32_t>(kTextRecordHeadSize + content.size() + pad));
-    Append(body, content);
-    body.resize(body.size() + pad);
+    // The record as a card holds it, its head turned to the stored order.
+    Bytes body = MakeTextRecord(record, false);
+    Swap16At(body.data(), {kTextRecordKind, kTextRecordCardId});
+    Swap32At(body.data(), {kTextRecordFlags, kTextRecordLength, kTextRecordSize});
     return body;
 }
 

@@ -1,6 +1,7 @@
 #include "text/TextRecord.h"
 
 #include <array>
+#include <utility>
 
 #include "base/ByteOrder.h"
 #include "stack/CardRecord.h"
@@ -101,6 +102,36 @@ int32_t ReadTextRecord(const uint8_t* record, uint32_t size, bool macCharset, Te
         out->runs.push_back(run);
     }
     return 0;
+}
+
+std::vector<uint8_t> MakeTextRecord(const TextRecord& record, bool macCharset) {
+    const size_t length = record.text.size();
+    const size_t body = length + kStyleCountSize + record.runs.size() * kStyleRunSize;
+    const size_t pad = body % 2;
+    std::vector<uint8_t> r(kTextRecordHeadSize + body + pad, 0);
+    Write16(&r[kTextRecordKind], kTextRecordType);
+    Write16(&r[kTextRecordCardId], record.cardId);
+    Write32(&r[kTextRecordLength], static_cast<uint32_t>(length));
+    Write32(&r[kTextRecordSize], static_cast<uint32_t>(r.size()));
+    Write32(&r[kTextRecordFlags], pad ? kTextRecordFlagPad : 0);
+    for (size_t i = 0; i < length; ++i) {
+        const uint8_t c = static_cast<uint8_t>(record.text[i]);
+        r[kTextRecordHeadSize + i] = macCharset ? kCharTables.windowsToMac[c] : c;
+    }
+    uint8_t* table = &r[kTextRecordHeadSize + length];
+    WriteBE16(table, static_cast<uint16_t>(record.runs.size()));
+    for (size_t i = 0; i < record.runs.size(); ++i) {
+        const StyleRun& run = record.runs[i];
+        uint8_t* e = table + kStyleCountSize + i * kStyleRunSize;
+        WriteBE32(e + kStyleRunStart, run.start);
+        const std::pair<uint32_t, uint16_t> words[] = {
+            {kStyleRunLineHeight, run.lineHeight}, {kStyleRunAscent, run.ascent}, {kStyleRunFontId, run.fontId},
+            {kStyleRunPoints, run.size}, {kStyleRunRed, run.red}, {kStyleRunRed + 2, run.green},
+            {kStyleRunRed + 4, run.blue}};
+        for (const auto& [at, v] : words) WriteBE16(e + at, v);
+        e[kStyleRunStyle] = run.style;
+    }
+    return r;
 }
 
 bool FindTextRecord(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, bool perCard,

@@ -16,9 +16,8 @@ inline constexpr uint32_t kTextRecordFlags = 4;   // u32
 inline constexpr uint32_t kTextRecordLength = 8;  // u32, of the text
 inline constexpr uint32_t kTextRecordSize = 12;   // u32, of the whole sub-record with its head
 inline constexpr uint32_t kTextRecordHeadSize = 16;
-// The flags word's byte that says one pad byte ends the record.
-inline constexpr uint32_t kTextRecordPadByte = 5;
-inline constexpr uint8_t kTextRecordPadBit = 4;
+// The flag of a record that ends in one pad byte: 4 in the flags' second byte as stored.
+inline constexpr uint32_t kTextRecordFlagPad = 0x40000;
 
 // Style table: a u16 count, then runs of 20 bytes, big-endian.
 inline constexpr uint32_t kStyleCountSize = 2;
@@ -64,6 +63,11 @@ bool StackTextIsMacintosh();
 // lengths or runs don't fit in it: nothing of such a record is shown. Run starts are kept in the
 // text and rising; runs that break that order are dropped.
 int32_t ReadTextRecord(const uint8_t* record, uint32_t size, bool macCharset, TextRecord* out);
+
+// The record in the form a loaded card holds it (a native head, a big-endian body): the text, through
+// the table backwards for a Macintosh stack, the runs as they stand, and one pad byte, flagged,
+// when text and table come to an odd length.
+std::vector<uint8_t> MakeTextRecord(const TextRecord& record, bool macCharset);
 
 // The offset in a native text chunk of the sub-record to show on card `cardId`: the first one, or
 // with `perCard` the one of that card if there is one. False when no sub-record of type 99 stands

@@ -7,7 +7,7 @@
 #include "card/DisplayList.h"
 #include "gfx/Draw.h"
 #include "stack/CardRecord.h"
-#include "support/TextBytes.h"
+#include "text/TextRecord.h"
 #if QB_GOLDEN_TESTS
 #include "support/Golden.h"
 #endif
@@ -24,7 +24,7 @@ MemRef FieldCard(const Field& f) {
         {kItemRect + 4, f.rect.right}, {kItemRect + 6, f.rect.bottom}, {kItemFlags, f.itemFlags},
         {kTextViewFlags, f.viewFlags}, {kTextBackColor, f.backColor}, {kTextAlign, f.align}};
     for (const auto& [at, v] : words) Write16(&c[at], static_cast<uint16_t>(v));
-    const std::vector<uint8_t> record = TextRecordBytes(1, f.text, f.runs);
+    const std::vector<uint8_t> record = MakeTextRecord({1, f.text, f.runs}, false);
     c.insert(c.end(), record.begin(), record.end());
     Write32(&c[kItemLength], static_cast<uint32_t>(c.size()));
     const MemRef card = NewCardMemRef(static_cast<uint32_t>(kCardHeadSize + c.size() + kCardTailSize));

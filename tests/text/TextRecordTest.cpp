@@ -3,17 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "stack/CardRecord.h"
-#include "support/TextBytes.h"
+#include "base/ByteOrder.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr uint32_t kPad = ~0u;
+Bytes Record(uint16_t cardId, const std::string& text, const std::vector<StyleRun>& runs, bool mac = false) {
+    return MakeTextRecord({cardId, text, runs}, mac);
+}
 
-// Changes the 32-bit field at `at` of a record's head, or adds one pad byte for kPad.
+// Changes the 32-bit field at `at` of a record.
 Bytes Damaged(Bytes r, uint32_t at, uint32_t value) {
-    if (at == kPad) r.push_back(0), value = static_cast<uint32_t>(r.size()), at = kTextRecordSize;
     Write32(&r[at], value);
     return r;
 }
@@ -33,18 +34,19 @@ TEST(TextRecordTest, RecordsAreReadOrRefused) {
         std::string text;  // "-" for a refused record
         std::vector<StyleRun> runs;
     } cases[] = {
-        {"two runs", TextRecordBytes(7, hello, {kBold, kPlain}), false, hello, {kBold, kPlain}},
-        {"no style table", TextRecordBytes(7, "plain", {}), false, "plain", {}},
-        {"a pad byte", Damaged(TextRecordBytes(7, "odd", {}), kPad, 0), false, "odd", {}},
-        {"first run moved to 0", TextRecordBytes(7, hello, {late}), false, hello, {kBold}},
-        {"runs out of order", TextRecordBytes(7, hello, {kBold, kPlain, kPlain, outside}), false, hello, {kBold, kPlain}},
-        {"Macintosh characters", TextRecordBytes(7, "caf\x8E \xA5 \xD2\xD3", {}), true, "caf\xE9 \x95 \x93\x94", {}},
-        {"Windows characters", TextRecordBytes(7, "caf\x8E", {}), false, "caf\x8E", {}},
-        {"text past the record", Damaged(TextRecordBytes(7, hello, {}), kTextRecordSize, 20), false, "-", {}},
-        {"record past its owner", Damaged(TextRecordBytes(7, "x", {}), kTextRecordSize, 400), false, "-", {}},
-        {"size under the head", Damaged(TextRecordBytes(7, "", {}), kTextRecordSize, 8), false, "-", {}},
-        {"more runs than bytes", TextRecordBytes(7, hello, {kBold}, 2), false, "-", {}},
-        {"not type 99", Damaged(TextRecordBytes(7, "x", {}), kTextRecordKind, 0x10062), false, "-", {}},
+        {"two runs", Record(7, hello, {kBold, kPlain}), false, hello, {kBold, kPlain}},
+        {"no style table", Damaged(Record(7, "plain", {}), kTextRecordSize, 21), false, "plain", {}},
+        {"a pad byte", Record(7, "odd", {}), false, "odd", {}},
+        {"first run moved to 0", Record(7, hello, {late}), false, hello, {kBold}},
+        {"runs out of order", Record(7, hello, {kBold, kPlain, kPlain, outside}), false, hello, {kBold, kPlain}},
+        {"Macintosh characters", Record(7, "caf\x8E \xA5 \xD2\xD3", {}), true, "caf\xE9 \x95 \x93\x94", {}},
+        {"Windows characters", Record(7, "caf\x8E", {}), false, "caf\x8E", {}},
+        {"written for the Macintosh", Record(7, "caf\xE9 \x93", {}, true), true, "caf\xE9 \x93", {}},
+        {"text past the record", Damaged(Record(7, hello, {}), kTextRecordSize, 20), false, "-", {}},
+        {"record past its owner", Damaged(Record(7, "x", {}), kTextRecordSize, 400), false, "-", {}},
+        {"size under the head", Damaged(Record(7, "", {}), kTextRecordSize, 8), false, "-", {}},
+        {"more runs than bytes", Damaged(Record(7, hello, {kBold}), kTextRecordHeadSize + 11, 0x0200), false, "-", {}},  // count 2
+        {"not type 99", Damaged(Record(7, "x", {}), kTextRecordKind, 0x10062), false, "-", {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -67,10 +69,10 @@ TEST(TextRecordTest, WritingFindsEachMacintoshCharacterAgain) {
 TEST(TextRecordTest, PerCardFieldsFindTheirCardsText) {
     Bytes chunk(kTextHeadSize);
     for (uint16_t id : {3, 5}) {
-        const Bytes r = TextRecordBytes(id, "card", {});
+        const Bytes r = Record(id, "card", {});
         chunk.insert(chunk.end(), r.begin(), r.end());
     }
-    const uint32_t first = kTextHeadSize, second = first + kTextRecordHeadSize + 4;
+    const uint32_t first = kTextHeadSize, second = first + static_cast<uint32_t>(Record(3, "card", {}).size());
     const std::tuple<uint16_t, bool, uint32_t> cases[] = {{5, true, second}, {5, false, first}, {9, true, first}};
     for (const auto& [cardId, perCard, expected] : cases) {
         uint32_t offset = 0;
