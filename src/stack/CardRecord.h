@@ -104,7 +104,6 @@ inline constexpr uint16_t kTextViewReadOnly = 4;
 inline constexpr uint16_t kTextViewFrame = 0x100;
 // The text field's item flags beyond the common ones.
 inline constexpr uint16_t kTextFlagPerCard = 16;
-inline constexpr uint16_t kTextFlagHiddenFromFind = 32;
 inline constexpr uint16_t kTextFlagTransparent = 128;
 
 // The action head behind a button's item head, and its sub-records, are in stack/SubRecord.h.

@@ -24,7 +24,6 @@
 struct TextStyle {
     TextFont font;
     uint32_t colour = kBlack;
-    friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
 struct StyledRun {
