@@ -33,9 +33,13 @@ void PrintSummary(const nlohmann::ordered_json& j) {
                    card["leaveAction"].get<int>(), card["clickAction"].get<int>(), card["items"].size());
         for (const auto& item : card["items"]) {
             const auto& r = item["rect"];
-            fmt::print("  item {} kind {} \"{}\" [{}, {}, {}, {}]\n", item["id"].get<int>(),
+            fmt::print("  item {} kind {} \"{}\" [{}, {}, {}, {}]", item["id"].get<int>(),
                        item["kind"].get<int>(), item.value("name", ""), r[0].get<int>(), r[1].get<int>(),
                        r[2].get<int>(), r[3].get<int>());
+            // A field shows the first line of its text.
+            const std::string text = item.value("text", "");
+            if (item.contains("text")) fmt::print(" text \"{}\"", text.substr(0, text.find('\r')));
+            fmt::print("\n");
         }
     }
     for (const auto& record : j["records"]) {

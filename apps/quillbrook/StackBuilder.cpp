@@ -27,6 +27,9 @@
 #include "stack/ItemFields.h"
 #include "stack/StackHeader.h"
 #include "stack/SubRecord.h"
+#include "text/Font.h"
+#include "text/Fontmap.h"
+#include "text/TextRecord.h"
 
 using Json = nlohmann::ordered_json;
 using Bytes = std::vector<uint8_t>;
@@ -192,6 +195,7 @@ struct BuildState {
     int64_t cardHeight = 480;
     int64_t lastCardId = 0;  // the highest id in use; cards without one get the next
     int64_t lastItemId = 0;
+    int64_t cardId = 0;  // of the card being built
     std::map<int64_t, Colors> pictureColors;  // by card id, the colours of each picture card so far
     Colors cardColors;                         // the colours of the card being built
 };
@@ -524,6 +528,53 @@ constexpr ActionField kActionFields[] = {
     {"timerSeconds", 24}, {"timerMode", 26}, {"testCode", 62}, {"transitionColor", 68}, {"transitionSpeed", 76},
 };
 
+// A style run of the description.
+StyleRun MakeStyleRun(const Node& run, uint32_t start) {
+    const int64_t points = IntOr(run, "size", kDefaultFontPx, 1, kMaxFontPx);
+    // The line's measures as our own fonts give them, unless the description says.
+    const TextMetrics m = GetTextMetrics(TextFont{kDefaultFaceName, static_cast<int32_t>(points)});
+    StyleRun r;
+    r.start = start;
+    r.lineHeight = static_cast<uint16_t>(IntOr(run, "lineHeight", m.lineHeight, 0, kMax16));
+    r.ascent = static_cast<uint16_t>(IntOr(run, "ascent", m.ascent, 0, kMax16));
+    r.fontId = static_cast<uint16_t>(IntOr(run, "font", 0, 0, kMax16));
+    r.style = static_cast<uint8_t>(IntOr(run, "style", 0, 0, 127));
+    r.size = static_cast<uint16_t>(points);
+    const std::vector<Node> color = run.Elements("color");
+    if (!color.empty() && color.size() != 3) run["color"].Fail("needs three numbers [red, green, blue]");
+    uint16_t* components[] = {&r.red, &r.green, &r.blue};
+    for (size_t i = 0; i < color.size(); ++i) *components[i] = static_cast<uint16_t>(color[i].Int(0, 255) * 257);
+    return r;
+}
+
+// A text field's one text record, for every card, from `text` and its style `runs`.
+Bytes TextFieldBody(const Node& item, const BuildState& st) {
+    if (item.Has("raw") || item.Has("rawFile")) item.Fail("give either text or the stored bytes (raw or rawFile), not both");
+    TextRecord record;
+    record.cardId = static_cast<uint16_t>(IntOr(item, "cardId", st.cardId, kMin16, kMax16));
+    // A paragraph ends in CR; the description may end its lines in LF or CR LF too.
+    for (const char c : item["text"].Text()) {
+        if (c == '\n' && !record.text.empty() && record.text.back() == '\r') continue;
+        record.text += c == '\n' ? '\r' : c;
+    }
+    std::vector<Node> runs = item.Elements("runs");
+    const Json plain = Json::object();
+    if (runs.empty()) runs.emplace_back(plain, "");
+    int64_t last = -1;
+    for (size_t i = 0; i < runs.size(); ++i) {
+        const int64_t start = IntOr(runs[i], "start", 0, 0, kMax32);
+        if (start <= last || start > static_cast<int64_t>(record.text.size()) || (i == 0 && start != 0))
+            runs[i].FailAt("start", "runs start at 0 and at rising offsets up to the length of the text");
+        last = start;
+        record.runs.push_back(MakeStyleRun(runs[i], static_cast<uint32_t>(start)));
+    }
+    // The record as a card holds it, its head turned to the stored order.
+    Bytes body = MakeTextRecord(record, false);
+    Swap16At(body.data(), {kTextRecordKind, kTextRecordCardId});
+    Swap32At(body.data(), {kTextRecordFlags, kTextRecordLength, kTextRecordSize});
+    return body;
+}
+
 // An item chunk; or, with `actionId`, the data of an 'Actn' record described by its head: a button
 // head (kind 48) with the record's id, whose rectangle may be left out.
 Bytes BuildItem(const Node& item, BuildState& st, const int64_t* actionId = nullptr) {
@@ -564,6 +615,9 @@ Bytes BuildItem(const Node& item, BuildState& st, const int64_t* actionId = null
     if (png) {
         if (kind != kItemKindGraphic) item["png"].Fail("only a graphic (kind 16) takes a picture from PNG");
         body = PngGraphicBody(item, h, st, &itemFlags);
+    } else if (item.Has("text")) {
+        if (kind != kItemKindText) item["text"].Fail("only a text field (kind 96) takes text");
+        body = TextFieldBody(item, st);
     } else if (kind == kItemKindButton && !item.Has("raw") && !item.Has("rawFile")) {
         for (const Node& sub : item.Elements("subRecords")) Append(body, BuildSubRecord(sub));
     } else {
@@ -599,6 +653,7 @@ Bytes BuildCard(const Node& card, BuildState& st) {
     uint8_t* h = c.data();
     for (const ReservedArea& area : kCardReservedAreas) PutReserved(h, card, area);
     const int64_t id = card.Has("id") ? card["id"].Int(kMin16, kMax16) : NextId(&st.lastCardId);
+    st.cardId = id;
 
     // The background first: a picture from PNG sets the card's depth and the colours its items name.
     Bytes background;

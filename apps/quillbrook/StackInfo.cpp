@@ -12,6 +12,7 @@
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/ItemFields.h"
+#include "text/TextRecord.h"
 #include "stack/Names.h"
 #include "stack/StackHeader.h"
 #include "stack/SubRecord.h"
@@ -190,6 +191,14 @@ Json Item(const uint8_t* chunk, uint32_t length, Walk& w) {
         if (w.contents && !whole) j["raw"] = Hex(chunk + headSize, length - headSize);
     } else if (w.contents) {
         j["raw"] = Hex(chunk + headSize, length - headSize);
+    } else if (kind == kItemKindText && !(o.U16(chunk + kItemFlags) & kItemFlagFileRef)) {
+        // The text of the first record, which serves every card that has none of its own.
+        uint32_t at = 0;
+        TextRecord record;
+        if (FindTextRecord(chunk, length, 0, false, &at) &&
+            ReadTextRecord(chunk + at, length - at, StackTextIsMacintosh(), &record) == 0) {
+            j["text"] = Utf8FromWindows1252(record.text);
+        }
     }
     return j;
 }

@@ -480,23 +480,15 @@ FONT = 20  # Arial, by the stack's font table
 
 def run(start, size, bold, colour):
     height, ascent = (28, 22) if size >= 20 else (18, 14)
-    return struct.pack(">IHHHBBH3H", start, height, ascent, FONT, 1 if bold else 0, 0, size,
-                       *(v * 257 for v in colour))
-
-
-def text_block(card_id, heading, body, colour=(0, 0, 0)):
-    """A field's text for one card: the heading in bold 24 points, the body in 14."""
-    text = (heading + "\r" + body).encode("cp1252")
-    styles = struct.pack(">H", 2) + run(0, 24, True, colour) + run(len(heading) + 1, 14, False, colour)
-    content = text + styles
-    pad = len(content) % 2
-    head = struct.pack(">HHIII", 99, card_id, 0x40000 if pad else 0, len(text), 16 + len(content) + pad)
-    return (head + content + bytes(pad)).hex()
+    return {"start": start, "font": FONT, "size": size, "style": 1 if bold else 0, "color": list(colour),
+            "lineHeight": height, "ascent": ascent}
 
 
 def field(item_id, card_id, rect, heading, body, colour=(0, 0, 0)):
-    return {"kind": 96, "id": item_id, "rect": rect, "name": "Text", "itemFlags": 128,
-            "fields": {"26": 4}, "raw": text_block(card_id, heading, body, colour)}
+    """A field's text for one card: the heading in bold 24 points, the body in 14."""
+    return {"kind": 96, "id": item_id, "rect": rect, "name": "Text", "itemFlags": 128, "fields": {"26": 4},
+            "cardId": card_id, "text": heading + "\n" + body,
+            "runs": [run(0, 24, True, colour), run(len(heading) + 1, 14, False, colour)]}
 
 
 def button(item_id, rect, name, to, transition, shape=2, fill=LIGHT_GREY, text=BLACK_I, **more):

@@ -237,7 +237,7 @@ DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position) {
     }
     item->region = Region(item->rect);
     item->hasRegion = true;
-    // The field's text is drawn by the text engine, which hangs its document here when it arrives.
+    LoadTextField(item.get(), card, offset);
     return InsertDisplayItem(std::move(item), position);
 }
 

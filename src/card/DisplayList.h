@@ -11,6 +11,7 @@
 #include "gfx/Region.h"
 #include "gfx/Surface.h"
 #include "memory/MemRef.h"
+#include "text/StyledText.h"
 
 struct DisplayItem {
     DisplayItem() = default;
@@ -52,7 +53,15 @@ struct DisplayItem {
     uint16_t frameWidth = 0;
     int16_t actionId = 0;  // graphic and text field: the click's 'Actn' id
 
-    // Text fields: the text engine's document arrives with the text engine.
+    // Text fields: the document of the card's text, laid out in `textArea`, the rectangle less
+    // the frame, the scroll bar and the margin.
+    uint16_t viewFlags = 0;
+    int16_t backColor = -1;  // 0-based; -1 white
+    bool transparent = false;
+    StyledDocument document;
+    TextLayout layout;
+    Rect textArea;
+    int32_t thumbOffset = 0;  // the scroll bar's thumb, in pixels below the upper arrow
 };
 
 inline constexpr int32_t kMaxListPosition = 9999;
@@ -97,6 +106,19 @@ std::string StoredItemName(const uint8_t* field, uint32_t fieldBytes);
 DisplayItem* AddGraphicNode(MemRef card, uint32_t offset, int32_t position);
 DisplayItem* AddButtonNode(MemRef card, uint32_t offset, int32_t position);
 DisplayItem* AddTextNode(MemRef card, uint32_t offset, int32_t position);
+
+// Fills a text field's record from its chunk: flags, colours and the text to show on the current
+// card, laid out. A text that can't be read leaves the field empty.
+void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset);
+// Draws a text field: its fill (none when transparent), its frame, then its text, clipped to the
+// field.
+void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, const uint32_t* colors);
+
+// A field's scroll bar: our own arrows at its ends and, in a field taller than 3.5 arrows, a thumb
+// at `thumbOffset` between them.
+inline constexpr int32_t kFieldScrollBarWidth = 16;
+Rect FieldScrollBarRect(const DisplayItem& item);
+void DrawFieldScrollBar(Surface& target, const Clip& clip, const DisplayItem& item);
 
 // Draws a graphic record into `target`: stretched to its rectangle with a frame, or through its
 // shape with the rim in the frame colour. `colors`: the 256 colours of the palette in use.

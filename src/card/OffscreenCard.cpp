@@ -196,8 +196,11 @@ void DrawItems(Surface& target, const Rect& area, const DisplayItem* boundary,
             case kItemKindButton:
                 DrawButton(target, clip, *item, colors, gOffscreen.itemBorders);
                 break;
+            case kItemKindText:
+                DrawTextField(target, clip, *item, colors);
+                break;
             default:
-                break;  // text fields are drawn by the text engine, which isn't here yet
+                break;
         }
     }
 }

@@ -89,11 +89,22 @@ inline constexpr uint16_t kItemFlagNoPressTracking = 0x100;
 
 // Text field head.
 inline constexpr uint32_t kTextHeadSize = 128;
+inline constexpr uint32_t kTextBackColor = 24;  // 1-based palette index; 0 none (white)
+inline constexpr uint32_t kTextViewFlags = 26;
+inline constexpr uint32_t kTextAlign = 28;  // -1 right, 0 left, 1 centre
 inline constexpr uint32_t kTextName = 72;  // 16 bytes, length-prefixed
 inline constexpr uint32_t kTextAction = 102;
 inline constexpr uint32_t kTextBlockHeadSize = 16;
 inline constexpr uint32_t kTextBlockDataLength = 8;
 inline constexpr uint32_t kTextBlockLength = 12;
+
+// The text field's view flags.
+inline constexpr uint16_t kTextViewScrollBar = 2;
+inline constexpr uint16_t kTextViewReadOnly = 4;
+inline constexpr uint16_t kTextViewFrame = 0x100;
+// The text field's item flags beyond the common ones.
+inline constexpr uint16_t kTextFlagPerCard = 16;
+inline constexpr uint16_t kTextFlagTransparent = 128;
 
 // The action head behind a button's item head, and its sub-records, are in stack/SubRecord.h.
 

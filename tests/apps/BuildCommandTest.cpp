@@ -176,6 +176,21 @@ TEST_F(BuildCommandTest, EveryKindOfContentRoundTrips) {
     EXPECT_TRUE(RoundTrip(original) == original);
 }
 
+// A field's text and runs are stored as a script would write the record by hand.
+TEST_F(BuildCommandTest, TextFieldsAreBuiltFromTextAndRuns) {
+    const std::string field = R"({"cards": [{"id": 4, "items": [{"kind": 96, "rect": [0, 0, 90, 40], )";
+    const std::pair<std::string, std::string> cases[] = {
+        {R"("text": "Hi\r\nyou", "runs": [{"size": 24, "style": 1, "font": 20, "color": [255, 0, 128],
+            "lineHeight": 28, "ascent": 22}, {"start": 3, "lineHeight": 14, "ascent": 11}])",
+         "0063000400000000000000060000004048690d796f750002000000000"
+         "01c0016001401000018ffff0000808000000003000e000b00000000000c000000000000"},
+        {R"("text": "Hey", "runs": [{"lineHeight": 14, "ascent": 11}])",  // odd: padded and flagged
+         "0063000400040000000000030000002a486579000100000000000e000b00000000000c00000000000000"},
+    };
+    for (const auto& [text, raw] : cases)
+        EXPECT_TRUE(MustBuild(field + text + "}]}]}") == MustBuild(field + R"("raw": ")" + raw + "\"}]}]}")) << text;
+}
+
 TEST_F(BuildCommandTest, MistakesNameTheirPlaceInTheDescription) {
     const std::string button = R"({"cards": [{"items": [{"kind": 48, "rect": [0, 0, 1, 1], )";
     struct Case { std::string json; std::string message; };
@@ -190,6 +205,8 @@ TEST_F(BuildCommandTest, MistakesNameTheirPlaceInTheDescription) {
         {button + R"("subRecords": [{"type": 119, "hex": "0000000000000000000000000000000000000000000000000000000000000000"}]}]}]})",
          "cards[0].items[0].subRecords[0].hex: a type 119 sub-record has at least 96 bytes, not 32"},
         {R"({"cards": [{}], "records": [{"type": "Actn", "id": 1, "sound": "a.wav"}]})", "records[0].sound: only a 'Snd ' record is made from a sound file"},
+        {R"({"cards": [{"items": [{"kind": 96, "rect": [0, 0, 1, 1], "text": "ab", "runs": [{}, {"start": 5}]}]}]})",
+         "cards[0].items[0].runs[1].start: runs start at 0 and at rising offsets up to the length of the text"},
     };
     for (const Case& c : cases) EXPECT_EQ(BuildError(c.json), c.message) << c.json;
 

@@ -15,6 +15,7 @@
 #include "stack/StackHeader.h"
 #include "stack/StackReader.h"
 #include "stack/SubRecord.h"
+#include "text/TextRecord.h"
 
 namespace {
 
@@ -98,6 +99,15 @@ TEST_F(FixtureStackTest, SampleMediaTextFieldButtonAndSound) {
     MemRefLock card(GetCardByPosition(1));
     EXPECT_EQ(Rect(card.data() + field), (std::vector<int16_t>{20, 20, 300, 90}));
     EXPECT_EQ(ReadS16(card.data() + button + kButtonHeadSize + kSubType), 83);  // plays a sound from the stack
+    const uint32_t length = Read32(card.data() + field + kItemLength);
+    uint32_t at = 0;
+    TextRecord text;
+    ASSERT_TRUE(FindTextRecord(card.data() + field, length, 1, false, &at));
+    ASSERT_EQ(ReadTextRecord(card.data() + field + at, length - at, false, &text), 0);
+    EXPECT_EQ(text.text, "A sample field\rwith two lines.");
+    ASSERT_EQ(text.runs.size(), 1u);
+    EXPECT_EQ(text.runs[0].fontId, 20);
+    EXPECT_EQ(text.runs[0].size, 14);
 
     uint8_t name[kBlobNameSize];
     ASSERT_TRUE(GetBlobName(FourCC("Snd "), 7, name));

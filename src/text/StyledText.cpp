@@ -1,0 +1,135 @@
+#include "text/StyledText.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+constexpr char kReturn = '\r';
+
+const TextStyle kDefaultStyle{};
+
+// The index of the run that holds `offset`.
+size_t RunIndexAt(const StyledDocument& document, size_t offset) {
+    const auto& runs = document.runs;
+    auto after = std::upper_bound(runs.begin(), runs.end(), offset,
+                                  [](size_t o, const StyledRun& run) { return o < run.start; });
+    return after == runs.begin() ? 0 : static_cast<size_t>(after - runs.begin()) - 1;
+}
+
+// The end of the run that holds `offset`, or `limit` if that comes first.
+size_t RunEnd(const StyledDocument& document, size_t offset, size_t limit) {
+    const size_t next = RunIndexAt(document, offset) + 1;
+    if (next >= document.runs.size()) return limit;
+    return std::min(limit, document.runs[next].start);
+}
+
+int32_t Advance(const StyledDocument& document, size_t offset) {
+    return MeasureText(document.StyleAt(offset).font, std::string_view(document.text).substr(offset, 1));
+}
+
+// The line's height and ascent from the fonts of its characters.
+void MeasureLine(const StyledDocument& document, LaidLine* line) {
+    int32_t ascent = 0, descent = 0;
+    const auto take = [&](const TextFont& font) {
+        const TextMetrics m = GetTextMetrics(font);
+        ascent = std::max(ascent, m.ascent);
+        descent = std::max(descent, m.descent);
+    };
+    if (line->visibleEnd == line->start) {
+        take(document.StyleAt(line->start > 0 ? line->start - 1 : 0).font);
+    } else {
+        for (size_t at = line->start; at < line->visibleEnd; at = RunEnd(document, at, line->visibleEnd))
+            take(document.StyleAt(at).font);
+    }
+    line->ascent = ascent;
+    line->height = ascent + descent;
+}
+
+void AddLine(const StyledDocument& document, size_t start, size_t end, size_t paragraphEnd,
+             TextLayout* layout) {
+    LaidLine line;
+    line.start = start;
+    line.end = end;
+    size_t visible = std::min(end, paragraphEnd);
+    while (visible > start && document.text[visible - 1] == ' ') --visible;
+    line.visibleEnd = visible;
+    for (size_t i = start; i < visible; ++i) line.width += Advance(document, i);
+    line.top = layout->height;
+    MeasureLine(document, &line);
+    layout->height += line.height;
+    layout->lines.push_back(line);
+}
+
+// Breaks the paragraph [start, end) into lines; `next` is where the text goes on after it.
+void BreakParagraph(const StyledDocument& document, size_t start, size_t end, size_t next,
+                    int32_t width, TextLayout* layout) {
+    size_t lineStart = start;
+    size_t breakAt = start;  // after the last space of the line; start when there is none
+    int32_t used = 0;
+    for (size_t i = start; i < end; ++i) {
+        const int32_t advance = Advance(document, i);
+        if (document.text[i] == ' ') {
+            used += advance;
+            if (i + 1 < end && document.text[i + 1] != ' ') breakAt = i + 1;
+            continue;
+        }
+        if (used + advance > width && i > lineStart) {
+            const size_t lineEnd = breakAt > lineStart ? breakAt : i;
+            AddLine(document, lineStart, lineEnd, end, layout);
+            lineStart = lineEnd;
+            breakAt = lineStart;
+            used = 0;
+            // The characters after the break are measured again on the new line.
+            i = lineStart - 1;
+            continue;
+        }
+        used += advance;
+    }
+    AddLine(document, lineStart, next, end, layout);
+}
+
+}  // namespace
+
+const TextStyle& StyledDocument::StyleAt(size_t offset) const {
+    return runs.empty() ? kDefaultStyle : runs[RunIndexAt(*this, offset)].style;
+}
+
+TextLayout LayOutDocument(const StyledDocument& document, int32_t width) {
+    TextLayout layout;
+    layout.width = width;
+    const std::string& text = document.text;
+    size_t start = 0;
+    for (;;) {
+        const size_t cr = text.find(kReturn, start);
+        const size_t end = cr == std::string::npos ? text.size() : cr;
+        const size_t next = cr == std::string::npos ? text.size() : cr + 1;
+        BreakParagraph(document, start, end, next, width, &layout);
+        if (cr == std::string::npos) break;
+        start = next;
+    }
+    return layout;
+}
+
+void DrawDocument(Surface& surface, const StyledDocument& document, const TextLayout& layout,
+                  int32_t left, int32_t top, const Rect& clip) {
+    const std::string_view text = document.text;
+    for (const LaidLine& line : layout.lines) {
+        const int32_t lineTop = top + line.top;
+        if (lineTop >= clip.bottom) break;
+        if (lineTop + line.height <= clip.top) continue;
+        const int32_t room = layout.width - line.width;
+        int32_t x = document.align == TextAlign::Left     ? left
+                    : document.align == TextAlign::Centre ? left + room / 2
+                                                          : left + room;
+        const int32_t baseline = lineTop + line.ascent;
+        for (size_t at = line.start; at < line.visibleEnd;) {
+            const size_t runEnd = RunEnd(document, at, line.visibleEnd);
+            const TextStyle& style = document.StyleAt(at);
+            const std::string_view piece = text.substr(at, runEnd - at);
+            DrawText(surface, style.font, x, baseline, piece, style.colour, clip);
+            x += MeasureText(style.font, piece);
+            at = runEnd;
+        }
+    }
+}

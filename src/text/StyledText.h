@@ -1,0 +1,63 @@
+// Styled text for fields: a document of text with style runs, laid out into lines of a given
+// width and drawn onto a surface.
+//
+// Line breaking: a paragraph ends at each CR. Inside a paragraph a line breaks after the last space
+// that lets the line fit; spaces at the end of a line hang past the margin and neither count in
+// the line's width nor start a new line. A word longer than the line breaks at the last character
+// that fits, and a line always holds at least one character. Widths are the glyph advances of the
+// FreeType layer, whole pixels with no kerning, so a line measures the same on every host.
+//
+// A line stands as tall as the tallest ascent and the deepest descent among the fonts of its
+// characters; an empty line takes the font of the character before it (or of the document's start).
+//
+// The layout keeps each line's offsets in the text so that hit testing, selection and scrolling
+// can be built on it; only drawing is done here.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "gfx/Surface.h"
+#include "text/Font.h"
+
+struct TextStyle {
+    TextFont font;
+    uint32_t colour = kBlack;
+};
+
+struct StyledRun {
+    size_t start = 0;  // the style holds from here to the next run's start
+    TextStyle style;
+};
+
+struct StyledDocument {
+    std::string text;  // Windows-1252; CR ends a paragraph
+    std::vector<StyledRun> runs;  // rising starts; the first is taken to start at 0
+    TextAlign align = TextAlign::Left;
+
+    // The style of the character at `offset`; the default style for a document without runs.
+    const TextStyle& StyleAt(size_t offset) const;
+};
+
+struct LaidLine {
+    size_t start = 0;       // first character
+    size_t visibleEnd = 0;  // past the last character drawn: hanging spaces and the CR are not
+    size_t end = 0;         // where the next line starts
+    int32_t top = 0;        // from the top of the text
+    int32_t height = 0;
+    int32_t ascent = 0;
+    int32_t width = 0;  // of the characters drawn
+};
+
+struct TextLayout {
+    int32_t width = 0;  // the width the lines were broken for
+    int32_t height = 0;
+    std::vector<LaidLine> lines;  // an empty document has one empty line
+};
+
+TextLayout LayOutDocument(const StyledDocument& document, int32_t width);
+// Draws the lines with the text's top-left corner at (left, top), each aligned in the layout's
+// width; nothing outside `clip` changes, and the background stays as it is.
+void DrawDocument(Surface& surface, const StyledDocument& document, const TextLayout& layout,
+                  int32_t left, int32_t top, const Rect& clip);
