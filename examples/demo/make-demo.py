@@ -543,7 +543,7 @@ def nearest(colours, target):
 def cards(photo_colours):
     welcome = {"id": WELCOME, "kind": 1, "name": "Welcome", "background": {"png": "welcome.png", "depth": 8},
                "arriveAction": GREETING, "items": [
-        field(101, WELCOME, [40, 30, 600, 180], "Welcome to Quillbrook",
+        field(101, WELCOME, [40, 30, 460, 180], "Welcome to Quillbrook",
               "A tour of what a stack can hold, built by quillbrook build from examples/demo/demo.json. "
               "Pick a place, or follow Next from Pictures on.", (255, 255, 255)),
     ]}
