@@ -1,6 +1,7 @@
 #include "host/Application.h"
 
 #include "actions/ActionQuery.h"
+#include "actions/ActionTimers.h"
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
 #include "host/MainLoop.h"
@@ -99,6 +100,8 @@ Subsystems ApplicationSubsystems() {
         return PlaySound(hostPath, fromRecord, record, volume, static_cast<uint16_t>(soundFlags));
     };
     s.StopSounds = StopSounds;
+    s.ServeAutoTimers = TickActionTimers;
+    s.RebuildAutoTimers = BuildActionTimers;
     s.UpdateSounds = SoundTick;
     return s;
 }
