@@ -1,5 +1,7 @@
 #include "host/WindowProc.h"
 
+#include "actions/HyperLinks.h"
+
 #include "actions/RunAction.h"
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
@@ -138,6 +140,8 @@ int32_t OnButtonUp(void* window, const HostEvent& event) {
     if (gState.mouseDownHandled) {
         GetSubsystems().ReleaseInField();
         gState.mouseDownHandled = false;
+    } else {
+        ClickHyperLink(window, x, y);
     }
     FollowPress(x, y);
     ReleaseButtonPress(window);

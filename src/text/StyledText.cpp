@@ -89,7 +89,44 @@ void BreakParagraph(const StyledDocument& document, size_t start, size_t end, si
     AddLine(document, lineStart, next, end, layout);
 }
 
+// Where a line's first character stands, by the document's alignment.
+int32_t LineLeft(const StyledDocument& document, const TextLayout& layout, const LaidLine& line) {
+    const int32_t room = layout.width - line.width;
+    return document.align == TextAlign::Left ? 0 : document.align == TextAlign::Centre ? room / 2 : room;
+}
+
+// The x of the left edge of the character at `offset` of `line`.
+int32_t OffsetX(const StyledDocument& document, const TextLayout& layout, const LaidLine& line, size_t offset) {
+    int32_t x = LineLeft(document, layout, line);
+    for (size_t i = line.start; i < std::min(offset, line.visibleEnd); ++i) x += Advance(document, i);
+    return x;
+}
+
 }  // namespace
+
+size_t CharacterAt(const StyledDocument& document, const TextLayout& layout, int32_t x, int32_t y) {
+    if (layout.lines.empty()) return 0;
+    auto line = std::find_if(layout.lines.begin(), layout.lines.end(),
+                             [y](const LaidLine& l) { return y < l.top + l.height; });
+    if (line == layout.lines.end()) --line;
+    int32_t left = LineLeft(document, layout, *line);
+    for (size_t i = line->start; i < line->visibleEnd; ++i) {
+        left += Advance(document, i);
+        if (x < left) return i;
+    }
+    return line->visibleEnd;
+}
+
+std::vector<Rect> RangeRects(const StyledDocument& document, const TextLayout& layout, size_t start, size_t end) {
+    std::vector<Rect> rects;
+    for (const LaidLine& line : layout.lines) {
+        if (line.end <= start || line.start >= end) continue;
+        const int32_t left = OffsetX(document, layout, line, std::max(start, line.start));
+        const int32_t right = OffsetX(document, layout, line, std::min(end, line.visibleEnd));
+        if (right > left) rects.push_back(Rect{left, line.top, right, line.top + line.height});
+    }
+    return rects;
+}
 
 const TextStyle& StyledDocument::StyleAt(size_t offset) const {
     return runs.empty() ? kDefaultStyle : runs[RunIndexAt(*this, offset)].style;
@@ -118,10 +155,7 @@ void DrawDocument(Surface& surface, const StyledDocument& document, const TextLa
         const int32_t lineTop = top + line.top;
         if (lineTop >= clip.bottom) break;
         if (lineTop + line.height <= clip.top) continue;
-        const int32_t room = layout.width - line.width;
-        int32_t x = document.align == TextAlign::Left     ? left
-                    : document.align == TextAlign::Centre ? left + room / 2
-                                                          : left + room;
+        int32_t x = left + LineLeft(document, layout, line);
         const int32_t baseline = lineTop + line.ascent;
         for (size_t at = line.start; at < line.visibleEnd;) {
             const size_t runEnd = RunEnd(document, at, line.visibleEnd);

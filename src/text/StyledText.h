@@ -57,6 +57,12 @@ struct TextLayout {
 };
 
 TextLayout LayOutDocument(const StyledDocument& document, int32_t width);
+// The offset of the character whose cell holds (x, y), both from the text's top-left corner: on
+// the nearest line when y is above or below the lines, the line's visible end right of its last
+// character, its start left of its first.
+size_t CharacterAt(const StyledDocument& document, const TextLayout& layout, int32_t x, int32_t y);
+// The rectangles, one per line, that the characters [start, end) cover, from the text's top-left.
+std::vector<Rect> RangeRects(const StyledDocument& document, const TextLayout& layout, size_t start, size_t end);
 // Draws the lines with the text's top-left corner at (left, top), each aligned in the layout's
 // width; nothing outside `clip` changes, and the background stays as it is.
 void DrawDocument(Surface& surface, const StyledDocument& document, const TextLayout& layout,

@@ -7,31 +7,13 @@
 #include "card/DisplayList.h"
 #include "gfx/Draw.h"
 #include "stack/CardRecord.h"
+#include "support/FieldCard.h"
 #include "text/TextRecord.h"
 #if QB_GOLDEN_TESTS
 #include "support/Golden.h"
 #endif
 
 namespace {
-
-struct Field { Rect rect; uint16_t itemFlags, viewFlags, backColor; int16_t align; std::string text; std::vector<StyleRun> runs; };
-
-// A card holding one native text chunk with the field's record, as a loaded stack holds it.
-MemRef FieldCard(const Field& f) {
-    std::vector<uint8_t> c(kTextHeadSize, 0);
-    const std::pair<uint32_t, int32_t> words[] = {
-        {kItemKind, kItemKindText}, {kItemId, 9}, {kItemRect, f.rect.left}, {kItemRect + 2, f.rect.top},
-        {kItemRect + 4, f.rect.right}, {kItemRect + 6, f.rect.bottom}, {kItemFlags, f.itemFlags},
-        {kTextViewFlags, f.viewFlags}, {kTextBackColor, f.backColor}, {kTextAlign, f.align}};
-    for (const auto& [at, v] : words) Write16(&c[at], static_cast<uint16_t>(v));
-    const std::vector<uint8_t> record = MakeTextRecord({1, f.text, f.runs}, false);
-    c.insert(c.end(), record.begin(), record.end());
-    Write32(&c[kItemLength], static_cast<uint32_t>(c.size()));
-    const MemRef card = NewCardMemRef(static_cast<uint32_t>(kCardHeadSize + c.size() + kCardTailSize));
-    MemRefLock lock(card);
-    std::copy(c.begin(), c.end(), lock.data() + kCardHeadSize);
-    return card;
-}
 
 // A run of `points` in the colour (r, g, b) of 8-bit components.
 StyleRun Styled(uint32_t start, uint8_t style, uint16_t points, uint8_t r, uint8_t g, uint8_t b) {

@@ -1,0 +1,137 @@
+#include "actions/HyperLinks.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <string>
+
+#include "actions/RunAction.h"
+#include "base/ByteOrder.h"
+#include "card/DisplayList.h"
+#include "gfx/Draw.h"
+#include "platform/Host.h"
+#include "stack/Blob.h"
+#include "stack/CardRecord.h"
+#include "stack/Document.h"
+#include "stack/Normalise.h"
+
+namespace {
+
+inline constexpr uint32_t kLinkTextBuffer = 256;
+
+struct LinkHead {
+    uint16_t linkId = 0, fieldId = 0, padLength = 0, textLength = 0;
+    bool hasAction = false;
+    std::string text;
+};
+
+bool ReadLink(MemRef record, LinkHead* link) {
+    MemRefLock lock(record);
+    const uint32_t size = GetMemRefSize(record);
+    if (!lock || size < kHlnkText) return false;
+    const uint8_t* h = lock.data();
+    link->linkId = Read16(h + kHlnkLinkId);
+    link->fieldId = Read16(h + kHlnkFieldId);
+    link->padLength = Read16(h + kHlnkPadLength);
+    link->textLength = Read16(h + kHlnkTextLength);
+    link->hasAction = Read16(h + kHlnkHasAction) != 0;
+    if (link->textLength > size - kHlnkText) return false;
+    link->text.assign(reinterpret_cast<const char*>(h + kHlnkText), link->textLength);
+    return true;
+}
+
+bool SameIgnoringCase(const char* a, const std::string& b) {
+    for (size_t i = 0; i < b.size(); ++i) {
+        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
+    }
+    return true;
+}
+
+// The words are looked for in a window of twice their length around the point's character; the
+// point must fall strictly inside them.
+int16_t MatchHyperLink(const LinkHead& link, uint16_t fieldId, const std::string& text, int64_t position,
+                       size_t* start, size_t* end) {
+    if (link.fieldId != fieldId || position < 0 || link.textLength == 0) return -1;
+    const int64_t length = link.textLength;
+    const int64_t windowStart = position - length;
+    const int64_t from = std::max<int64_t>(windowStart, 0);
+    const int64_t to = std::min<int64_t>(windowStart + 2 * length, static_cast<int64_t>(text.size()));
+    const int64_t last = std::min<int64_t>(length, windowStart + length);
+    for (int64_t i = 0; i <= last && from + i + length <= to; ++i) {
+        const int64_t at = from + i;
+        if (!SameIgnoringCase(text.data() + at, link.text)) continue;
+        if (!(position > at && position < at + length)) continue;
+        if (!link.hasAction) return 0;
+        *start = static_cast<size_t>(at);
+        *end = static_cast<size_t>(at + length);
+        return static_cast<int16_t>(link.linkId);
+    }
+    return -1;
+}
+
+// Shows the words, hides them, shows them again and hides them, 300 ms apart, on the window.
+void FlashHyperLink(const DisplayItem& field, size_t start, size_t end) {
+    Host& host = GetHost();
+    Surface* window = host.GetWindowSurface();
+    if (!window) return;
+    std::vector<Rect> rects = RangeRects(field.document, field.layout, start, end);
+    for (Rect& r : rects) {
+        r = IntersectRect(Rect{r.left + field.textArea.left, r.top + field.textArea.top, r.right + field.textArea.left,
+                               r.bottom + field.textArea.top},
+                          field.rect);
+    }
+    for (int flash = 0; flash < 4; ++flash) {
+        for (const Rect& r : rects) {
+            InvertRect(*window, window->Bounds(), r);
+            host.Present(r);
+        }
+        if (flash < 3) host.WaitUntil(host.GetTickCount() + kLinkFlashMs);
+    }
+}
+
+}  // namespace
+
+int16_t FindHyperLink(const DisplayItem& field, int32_t x, int32_t y, size_t* start, size_t* end) {
+    const uint32_t count = CountBlobs(FourCC("Hlnk"));
+    if (count == 0 || field.id == 0) return 0;
+    int64_t position = -1;
+    if (field.textArea.Contains(x, y)) {
+        position = static_cast<int64_t>(
+            CharacterAt(field.document, field.layout, x - field.textArea.left, y - field.textArea.top));
+    }
+    for (const uint16_t fieldId : {static_cast<uint16_t>(field.id), uint16_t{0}}) {
+        for (uint32_t index = 1; index <= count; ++index) {
+            LinkHead link;
+            if (!ReadLink(GetBlobByIndex(FourCC("Hlnk"), index), &link)) continue;
+            const int16_t found = MatchHyperLink(link, fieldId, field.document.text, position, start, end);
+            if (found > 0) return found;
+        }
+    }
+    return 0;
+}
+
+int32_t RunHyperLink(uint16_t id, uint32_t wait) {
+    if (id == 0 || !IsBrowsing()) return 0;
+    const MemRef record = GetBlobById(FourCC("Hlnk"), id);
+    LinkHead link;
+    if (!record || !ReadLink(record, &link)) return 0;
+    const std::string buffer = link.text.substr(0, kLinkTextBuffer);
+    uint8_t* name = GetActionState().currentItemName;
+    std::memset(name, 0, sizeof GetActionState().currentItemName);
+    name[0] = static_cast<uint8_t>(std::min<size_t>(buffer.size(), sizeof GetActionState().currentItemName - 1));
+    std::memcpy(name + 1, buffer.data(), name[0]);
+    RunAction(GetHost().window, record, kHlnkText + link.padLength + link.textLength, id, 1, wait, buffer);
+    return 1;
+}
+
+bool ClickHyperLink(void* window, int32_t x, int32_t y) {
+    if (!IsBrowsing() || !GetDocument().autoTimers) return false;
+    const DisplayItem* item = FindItemAt(x, y, false, nullptr);
+    if (!item || item->type != kItemKindText) return false;
+    size_t start = 0, end = 0;
+    const int16_t id = FindHyperLink(*item, x, y, &start, &end);
+    if (id <= 0) return false;
+    FlashHyperLink(*item, start, end);
+    return RunHyperLink(static_cast<uint16_t>(id), 0) == 1;
+}
