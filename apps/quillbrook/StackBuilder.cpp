@@ -25,6 +25,7 @@
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
 #include "stack/ItemFields.h"
+#include "stack/Normalise.h"
 #include "stack/StackHeader.h"
 #include "stack/SubRecord.h"
 #include "text/Font.h"
@@ -726,6 +727,24 @@ Bytes SoundRecordData(const Node& sound, const std::filesystem::path& baseDir) {
     return Bytes(lock.data(), lock.data() + record.size());
 }
 
+// An 'Hlnk' record as the file holds it: the head, the words at 23 and the byte kept behind them,
+// then the action, if it has one, at 24 + the words' length.
+Bytes HyperLinkData(const Node& link, int64_t id, BuildState& st) {
+    if (!link.value().is_object()) link.Fail("must be an object");
+    if (!link.Has("words")) link.FailAt("words", "needs the hot words");
+    const std::string words = link["words"].Text();
+    if (words.empty() || words.size() > 255) link["words"].Fail("needs 1 to 255 characters");
+    Bytes data(kHlnkStoredText, 0);
+    WriteBE16(&data[kHlnkLinkId], static_cast<uint16_t>(id));
+    WriteBE16(&data[kHlnkFieldId], static_cast<uint16_t>(IntOr(link, "field", 0, 0, kMax16)));
+    WriteBE16(&data[kHlnkTextLength], static_cast<uint16_t>(words.size()));
+    data[kHlnkHasAction] = link.Has("action") ? 1 : 0;
+    data.insert(data.end(), words.begin(), words.end());
+    data.push_back(0);
+    if (link.Has("action")) Append(data, BuildItem(link["action"], st, &id));
+    return data;
+}
+
 Bytes BuildRecord(const Node& record, BuildState& st) {
     if (!record.value().is_object()) record.Fail("must be an object");
     if (!record.Has("type")) record.FailAt("type", "needs four characters, as \"Actn\"");
@@ -749,6 +768,10 @@ Bytes BuildRecord(const Node& record, BuildState& st) {
         if (record.Has("hex") || record.Has("file")) record.Fail("give either action or the stored bytes (hex or file), not both");
         const int64_t id = record["id"].Int(0, kMax16);
         data = BuildItem(record["action"], st, &id);
+    } else if (record.Has("link")) {
+        if (type != "Hlnk") record["link"].Fail("only an 'Hlnk' record is described as a link");
+        if (record.Has("hex") || record.Has("file")) record.Fail("give either link or the stored bytes (hex or file), not both");
+        data = HyperLinkData(record["link"], record["id"].Int(0, kMax16), st);
     } else if (record.Has("sound")) {
         if (type != "Snd ") record["sound"].Fail("only a 'Snd ' record is made from a sound file");
         if (record.Has("hex") || record.Has("file")) record.Fail("give either sound or the stored bytes (hex or file), not both");

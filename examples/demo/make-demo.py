@@ -761,6 +761,10 @@ def main():
             {"type": "Snd ", "id": CLICK, "name": "Click", "sound": "sounds/click.wav"},
             {"type": "Actn", "id": GREETING, "name": "Greeting",
              "action": {"actionFlags": 4, "subRecords": [stack_sound(CHIME)]}},
+            # A hot word of the welcome text: a click inside "Pictures" goes there.
+            {"type": "Hlnk", "id": 1, "name": "", "link": {
+                "words": "Pictures", "field": 101,
+                "action": {"destination": PICTURES, "transition": 8, "actionFlags": 32}}},
         ],
     }
     with open(os.path.join(HERE, "demo.json"), "w") as f:

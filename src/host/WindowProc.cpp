@@ -137,12 +137,10 @@ int32_t OnDoubleClick(void* window, const HostEvent& event) {
 
 int32_t OnButtonUp(void* window, const HostEvent& event) {
     const int32_t x = event.x + gState.scrollX, y = event.y + gState.scrollY;
-    if (gState.mouseDownHandled) {
-        GetSubsystems().ReleaseInField();
-        gState.mouseDownHandled = false;
-    } else {
-        ClickHyperLink(window, x, y);
-    }
+    // A click that edited a field is not one on its hot words.
+    const bool edited = gState.mouseDownHandled && GetSubsystems().ReleaseInField();
+    gState.mouseDownHandled = false;
+    if (!edited) ClickHyperLink(window, x, y);
     FollowPress(x, y);
     ReleaseButtonPress(window);
     // A consumed click holds the cursor for the length of the press only, so that hover buttons

@@ -113,7 +113,8 @@ struct Subsystems {
     bool (*TextLayerTakesClick)(DisplayItem& item);
     void (*ClickInField)(DisplayItem& item);
     void (*DragInField)(int32_t x, int32_t y);
-    void (*ReleaseInField)();
+    // The press in a field ends: true when it was editing the field (false on read-only text).
+    bool (*ReleaseInField)();
     // A field scrolling under a held button.
     void (*ServeFieldDragScroll)();
     // The card's automatic timers: served every tick, rebuilt for each card.

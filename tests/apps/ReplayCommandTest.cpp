@@ -2,6 +2,7 @@
 // session whose recording replays, frame by frame, to its final frame.
 #ifdef QB_WITH_CLI
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,6 +21,7 @@
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
 #include "platform/headless/HeadlessHost.h"
+#include "stack/Document.h"
 #include "support/CommandFixture.h"
 #include "support/HeardSound.h"
 
@@ -123,6 +125,20 @@ TEST_F(Replay, AudioHoldsWhatTheDemoPlayed) {
     FreeMemRef(wave);
     EXPECT_EQ(FindInLeft(heard, DemoSoundAsPlayed("welcome.wav", 20000)), 0);
     EXPECT_NEAR(FindInLeft(heard, DemoSoundAsPlayed("click.wav", 800)), 2500 * 22050 / 1000, 22050 / 10);
+}
+
+// "Pictures" in the welcome text is a hot word that goes to the Pictures card (id 5); a click on its
+// first letter is not on it.
+TEST_F(Replay, AHotWordOfTheDemoGoesToItsCard) {
+    const struct { int x; int16_t card; } clicks[] = {{62, 5}, {44, 1}};
+    for (const auto& click : clicks) {
+        RenderOptions options = Options(Write("hot.json", fmt::format(R"([
+          {{"at": 2000, "event": "mousedown", "x": {0}, "y": 100, "mods": []}},
+          {{"at": 2060, "event": "mouseup", "x": {0}, "y": 100, "mods": []}}])", click.x)), "hot.png");
+        options.path = QB_DEMO_STACK;
+        ASSERT_EQ(RunQuietly(options), 0) << err_;
+        EXPECT_EQ(GetDocument().currentCardId, click.card) << click.x;
+    }
 }
 
 TEST_F(Replay, BadEventFilesExitTwoAndSayWhy) {
