@@ -1,5 +1,5 @@
 // `quillbrook export FILE -o DIR`: every card's background and every graphic's picture as a PNG,
-// every 'Snd ' record as a WAV file.
+// every 'Snd ' record as a WAV file, the text of every card's fields as JSON and as plain text.
 //
 // Backgrounds are read as the card shows them: a group card shows its owner's picture, which is
 // written once, under the owner's position. Format 3 pictures are decoded at 32 bits, so that the
@@ -13,6 +13,7 @@
 #include <system_error>
 #include <vector>
 
+#include "CardText.h"
 #include "Commands.h"
 #include "OpenForCommand.h"
 #include "PngFile.h"
@@ -83,7 +84,7 @@ std::vector<uint8_t> ToRgba(const uint8_t* dib) {
     return rgba;
 }
 
-enum class JobKind { Background, Graphic, Sound };
+enum class JobKind { Background, Graphic, Sound, Text };
 
 // One picture or sound to write: where it comes from and the file it becomes.
 struct Job {
@@ -239,6 +240,7 @@ int RunExport(const std::string& path, const std::string& outDir) {
             }
         }
         for (Job& job : GraphicJobs(card, position)) jobs.push_back(std::move(job));
+        jobs.push_back({position, JobKind::Text, 0, 0, fmt::format("card-{:03}-text.json", position)});
     }
     const uint32_t store = GetDocument().storeRef;
     size_t soundCount = 0;
@@ -250,12 +252,30 @@ int RunExport(const std::string& path, const std::string& outDir) {
     }
 
     const Progress progress(jobs.size());
-    size_t pictures = 0, sounds = 0, skipped = 0;
+    size_t pictures = 0, sounds = 0, texts = 0, skipped = 0;
     bool failed = false;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const Job& job = jobs[i];
         progress.Show(i, job.fileName);
         const std::string file = (fs::path(outDir) / job.fileName).string();
+        if (job.kind == JobKind::Text) {
+            nlohmann::ordered_json json;
+            std::string plain;
+            if (!CardText(GetCardByPosition(job.position), job.position, &json, &plain)) continue;
+            const std::string text = json.dump(1) + "\n";
+            const std::string plainFile = (fs::path(outDir) / fmt::format("card-{:03}.txt", job.position)).string();
+            plain += "\n";
+            if (WriteWholeHostFile(file, text.data(), text.size()) != 0 ||
+                WriteWholeHostFile(plainFile, plain.data(), plain.size()) != 0) {
+                progress.Clear();
+                fmt::print(stderr, "{}: card {}: cannot write {}\n", path, job.position, file);
+                failed = true;
+                break;
+            }
+            ++texts;
+            if (!progress.terminal()) fmt::print("{} ({} fields)\n", file, json["fields"].size());
+            continue;
+        }
         if (job.kind == JobKind::Sound) {
             SoundInfo info;
             std::string problem;
@@ -303,8 +323,9 @@ int RunExport(const std::string& path, const std::string& outDir) {
     }
     progress.Clear();
     CloseStack();
-    const std::string soundPart = soundCount ? fmt::format(" and {} sound{}", sounds, sounds == 1 ? "" : "s") : "";
-    fmt::print("{} picture{}{} written to {}{}\n", pictures, pictures == 1 ? "" : "s", soundPart, outDir,
+    const std::string soundPart = soundCount ? fmt::format(", {} sound{}", sounds, sounds == 1 ? "" : "s") : "";
+    const std::string textPart = texts ? fmt::format(", the text of {} card{}", texts, texts == 1 ? "" : "s") : "";
+    fmt::print("{} picture{}{}{} written to {}{}\n", pictures, pictures == 1 ? "" : "s", soundPart, textPart, outDir,
                skipped ? fmt::format(", {} damaged and skipped", skipped) : "");
     return failed ? 1 : 0;
 }

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "Commands.h"
 #include "PngFile.h"
 #include "gfx/DibImage.h"
@@ -78,6 +80,18 @@ TEST_F(Export, FixtureBackgroundKeepsItsColoursGroupCardsDoNotRepeatItAndOtherFi
     EXPECT_EQ(bad.code, 1);
     EXPECT_NE(bad.err.find("alert"), std::string::npos) << bad.err;
     EXPECT_FALSE(fs::exists(dir_ / "card-001-background.png"));
+}
+
+// The fixture's field comes out as its facts say, with CR as a new line, and as plain text.
+TEST_F(Export, FieldsComeOutAsJsonAndPlainText) {
+    const Outcome run = ExportTo(std::string(QB_FIXTURES_DIR) + "/sample-media.stk", dir_);
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(ReadWholeFile((dir_ / "card-001.txt").string()), Of("A sample field\nwith two lines.\n"));
+    const Bytes json = ReadWholeFile((dir_ / "card-001-text.json").string());
+    const auto field = nlohmann::json::parse(json.begin(), json.end())["fields"][0];
+    EXPECT_EQ(field["id"], 201);
+    EXPECT_EQ(field["rect"], nlohmann::json({20, 20, 300, 90}));
+    EXPECT_EQ(field["runs"][0]["size"], 14);
 }
 
 // ---- A stack made by hand: cards of 64 by 48 pixels at 8 bits.
