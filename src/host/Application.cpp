@@ -4,6 +4,7 @@
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
 #include "host/MainLoop.h"
+#include "logo/Evaluator.h"
 #include "media/SoundPlayback.h"
 #include "player/Navigation.h"
 #include "subsystems/Subsystems.h"
@@ -100,6 +101,8 @@ Subsystems ApplicationSubsystems() {
     };
     s.StopSounds = StopSounds;
     s.UpdateSounds = SoundTick;
+    s.RunLogoText = RunLogoText;
+    s.StopLogoProcedures = StopLogoProcedures;
     return s;
 }
 

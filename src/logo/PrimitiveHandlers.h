@@ -1,0 +1,64 @@
+// The handlers the table points at, one file per family.
+#pragma once
+
+#include "logo/Primitives.h"
+
+Node* PrimAnd(PrimitiveCall& call);
+Node* PrimButFirst(PrimitiveCall& call);
+Node* PrimButLast(PrimitiveCall& call);
+Node* PrimCatch(PrimitiveCall& call);
+Node* PrimCount(PrimitiveCall& call);
+Node* PrimDefinedP(PrimitiveCall& call);
+Node* PrimDifference(PrimitiveCall& call);
+Node* PrimDoUntil(PrimitiveCall& call);
+Node* PrimEmptyP(PrimitiveCall& call);
+Node* PrimEqualP(PrimitiveCall& call);
+Node* PrimError(PrimitiveCall& call);
+Node* PrimFirst(PrimitiveCall& call);
+Node* PrimFloatP(PrimitiveCall& call);
+Node* PrimFput(PrimitiveCall& call);
+Node* PrimGo(PrimitiveCall& call);
+Node* PrimIf(PrimitiveCall& call);
+Node* PrimIfFalse(PrimitiveCall& call);
+Node* PrimIfTrue(PrimitiveCall& call);
+Node* PrimIntQuotient(PrimitiveCall& call);
+Node* PrimIntegerP(PrimitiveCall& call);
+Node* PrimItem(PrimitiveCall& call);
+Node* PrimLabel(PrimitiveCall& call);
+Node* PrimLast(PrimitiveCall& call);
+Node* PrimList(PrimitiveCall& call);
+Node* PrimListP(PrimitiveCall& call);
+Node* PrimLocal(PrimitiveCall& call);
+Node* PrimLput(PrimitiveCall& call);
+Node* PrimMake(PrimitiveCall& call);
+Node* PrimName(PrimitiveCall& call);
+Node* PrimNameP(PrimitiveCall& call);
+Node* PrimNodes(PrimitiveCall& call);
+Node* PrimNot(PrimitiveCall& call);
+Node* PrimNothing(PrimitiveCall& call);
+Node* PrimNumberP(PrimitiveCall& call);
+Node* PrimOr(PrimitiveCall& call);
+Node* PrimOutput(PrimitiveCall& call);
+Node* PrimParse(PrimitiveCall& call);
+Node* PrimPrimitiveP(PrimitiveCall& call);
+Node* PrimPrint(PrimitiveCall& call);
+Node* PrimProduct(PrimitiveCall& call);
+Node* PrimQuotient(PrimitiveCall& call);
+Node* PrimRecycle(PrimitiveCall& call);
+Node* PrimRemainder(PrimitiveCall& call);
+Node* PrimRepeat(PrimitiveCall& call);
+Node* PrimRun(PrimitiveCall& call);
+Node* PrimSentence(PrimitiveCall& call);
+Node* PrimShow(PrimitiveCall& call);
+Node* PrimStop(PrimitiveCall& call);
+Node* PrimSum(PrimitiveCall& call);
+Node* PrimTest(PrimitiveCall& call);
+Node* PrimThing(PrimitiveCall& call);
+Node* PrimThrow(PrimitiveCall& call);
+Node* PrimTo(PrimitiveCall& call);
+Node* PrimTopLevel(PrimitiveCall& call);
+Node* PrimType(PrimitiveCall& call);
+Node* PrimWait(PrimitiveCall& call);
+Node* PrimWhile(PrimitiveCall& call);
+Node* PrimWord(PrimitiveCall& call);
+Node* PrimWordP(PrimitiveCall& call);
