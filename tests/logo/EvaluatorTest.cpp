@@ -73,6 +73,7 @@ const Case kCases[] = {
     {"PR 1 < 2\nPR 2 > 3\nPR 1 = 1.0\nPR \"1 = 1", "TRUE\nFALSE\nTRUE\nTRUE\n"},
     {"PR EQUALP [1 [2]] [1 [2]]\nPR EQUALP \"A \"a\nPR EQUALP [] \"", "TRUE\nFALSE\nFALSE\n"},
     {"SHOW FPUT 1 [2 3] SHOW LPUT 1 [2 3] SHOW BL [1 2 3] SHOW BF [1]", "[1 2 3]\n[2 3 1]\n[1 2]\n[]\n"},
+    {"SHOW FPUT 0 BF LPUT 1 [2 3]", "[0 3 1]\n"},
     {"SHOW SE 1 [] SHOW (SE) SHOW (LIST) SHOW LIST 1 [2] SHOW SE [1] [2 [3]]", "[1]\n[]\n[]\n[1 [2]]\n[1 2 [3]]\n"},
     {"PR FIRST 123\nPR BF 123\nPR LAST [1 2 3]\nPR BL \"ABC\nPR WORD \"AB 12", "1\n23\n3\nAB\nAB12\n"},
     {"PR COUNT []\nPR COUNT \"\nPR COUNT 123\nPR COUNT 1.5", "0\n0\n3\n3\n"},
