@@ -525,7 +525,13 @@ int RunLogoLines(std::string_view text, LogoLineProvider lineProvider, LogoTextW
         gRun.primitivesReady = true;
     }
     // A run started inside another (RUN of a script from a script) keeps the outer one's state.
+    if (text.empty()) return 0;
     const LogoRunState outer = gRun;
+    LogoRoots& roots = GetLogoRoots();
+    Node* const outerLine = roots.currentLine;
+    Node* const outerFrames = roots.frameChain;
+    Node* const outerCatches = roots.catchChain;
+    Node* const outerRunList = roots.currentRunList;
     const bool nested = gRun.stackBase != 0;
     gRun.script = std::string(text);
     gRun.scriptAt = 0;
@@ -553,8 +559,10 @@ int RunLogoLines(std::string_view text, LogoLineProvider lineProvider, LogoTextW
         }
     } while (ScriptTextRemains() && !gRun.stopping);
     const int result = gRun.uncaughtErrorCode;
-    GetLogoRoots().currentLine = nullptr;
-    GetLogoRoots().currentRunList = nullptr;
+    roots.currentLine = outerLine;
+    roots.frameChain = outerFrames;
+    roots.catchChain = outerCatches;
+    roots.currentRunList = outerRunList;
     if (nested) {
         const LogoErrorSink sink = gRun.errorSink;
         const int32_t lastError = gRun.lastErrorCode;

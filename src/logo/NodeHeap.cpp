@@ -1,6 +1,9 @@
 #include "logo/NodeHeap.h"
 
+#include <algorithm>
 #include <cctype>
+#include <climits>
+#include <cstdint>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -344,7 +347,12 @@ bool CheckNumber(const Node* v, int row) {
 int32_t GetInteger(const Node* v, int row) {
     if (!CheckNumber(v, row)) return 0;
     if (IsInteger(v)) return v->integer;
-    if (IsFloat(v)) return static_cast<int32_t>(v->real);
+    if (IsFloat(v)) {
+        // Out of range (or not a number) has no integer; the nearest end stands for it.
+        if (!(v->real > -2147483649.0)) return INT32_MIN;
+        if (!(v->real < 2147483648.0)) return INT32_MAX;
+        return static_cast<int32_t>(v->real);
+    }
     // The text converter wraps at 32 bits and stops at the first character it cannot use.
     return static_cast<int32_t>(std::strtoll(WordToText(v).c_str(), nullptr, 10));
 }
