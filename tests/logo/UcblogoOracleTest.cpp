@@ -1,5 +1,6 @@
 // Programs of the subset both dialects share, run here and by ucblogo: the printed text must agree
-// (ignoring case, since ucblogo prints true and false in lower case).
+// (ignoring case, since ucblogo prints true and false in lower case). A program ucblogo refuses
+// leaves it waiting at its prompt, so the run has a time limit.
 #if defined(QB_UCBLOGO) && defined(QB_XVFB_RUN)
 
 #include <gtest/gtest.h>
@@ -83,7 +84,7 @@ TEST(LogoUcblogoOracle, CommonProgramsPrintAlike) {
     all += "setwrite []\nclose \"" + outPath + "\nbye\n";
     const std::string script = WriteTempFile("ucblogo-in.lg", Bytes(all.begin(), all.end()));
     const std::string command =
-        std::string(QB_XVFB_RUN) + " -a " + QB_UCBLOGO + " " + script + " </dev/null >/dev/null 2>&1";
+        "timeout 120 " + std::string(QB_XVFB_RUN) + " -a " + QB_UCBLOGO + " " + script + " </dev/null >/dev/null 2>&1";
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
     const Bytes bytes = ReadWholeFile(outPath);
     const std::string oracle(bytes.begin(), bytes.end());
