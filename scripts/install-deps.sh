@@ -14,6 +14,7 @@ packages=(
   libsdl2-dev
   xvfb xauth xdotool
   sox ffmpeg libavcodec-dev libavutil-dev
+  ucblogo
 )
 if [[ "${1:-}" == "--web" ]]; then
   # dpkg-dev: apt-get source, which scripts/build-web-deps.sh uses for the web's own libraries.

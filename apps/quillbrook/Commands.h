@@ -51,3 +51,7 @@ struct PlayOptions {
 };
 // The desktop player, in an SDL window.
 int RunPlay(const PlayOptions& options);
+
+// `logo`: runs the file, or the one line, and exits 1 after an uncaught error; with neither, reads
+// lines from stdin ("?" prompts on a terminal, ">" inside TO).
+int RunLogo(const std::string& path, const std::string& line);

@@ -68,6 +68,11 @@ int main(int argc, char** argv) {
     playCommand->add_option("--screenshot", play.screenshot)->group("");
     playCommand->add_option("--exit-after", play.exitAfterMs)->group("")->check(CLI::PositiveNumber);
 
+    std::string logoLine;
+    CLI::App* logoCommand = app.add_subcommand("logo", "Run QuillLogo: a file, one line (-e), or lines typed at the prompt");
+    logoCommand->add_option("FILE", path, "the program, run line by line");
+    logoCommand->add_option("-e", logoLine, "one line to run");
+
     CLI11_PARSE(app, argc, argv);
     if (!InitMemRefs() || !InitPathSlots()) return 2;
     // Every command runs headless; play puts its window in place of this host. The command line
@@ -83,5 +88,6 @@ int main(int argc, char** argv) {
     if (exportCommand->parsed()) return RunExport(path, output);
     if (renderCommand->parsed()) return render.replay.empty() ? RunRender(render) : RunReplay(render);
     if (playCommand->parsed()) return RunPlay(play);
+    if (logoCommand->parsed()) return RunLogo(path, logoLine);
     return 2;
 }

@@ -5,6 +5,7 @@
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
 #include "host/MainLoop.h"
+#include "logo/Evaluator.h"
 #include "media/SoundPlayback.h"
 #include "player/Navigation.h"
 #include "subsystems/Subsystems.h"
@@ -103,6 +104,8 @@ Subsystems ApplicationSubsystems() {
     s.ServeAutoTimers = TickActionTimers;
     s.RebuildAutoTimers = BuildActionTimers;
     s.UpdateSounds = SoundTick;
+    s.RunLogoText = RunLogoText;
+    s.StopLogoProcedures = StopLogoProcedures;
     return s;
 }
 
