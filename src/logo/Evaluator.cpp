@@ -193,10 +193,8 @@ Node* ContinueInfix(Node** cursor, Node* v) {
     return Comparison(cursor);
 }
 
-uintptr_t StackHere() {
-    char here = 0;
-    return reinterpret_cast<uintptr_t>(&here);
-}
+// Where the native stack stands now: the frame of the function this ends up in.
+uintptr_t StackHere() { return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)); }
 
 Node* CallProcedure(Node** name, Node** cursor) {
     Node* const savedStart = gRun.bodyStart;

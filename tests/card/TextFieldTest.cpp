@@ -15,12 +15,12 @@
 
 namespace {
 
+#if QB_GOLDEN_TESTS
 // A run of `points` in the colour (r, g, b) of 8-bit components.
 StyleRun Styled(uint32_t start, uint8_t style, uint16_t points, uint8_t r, uint8_t g, uint8_t b) {
     return {start, 0, 0, 0, style, points, uint16_t(r * 257), uint16_t(g * 257), uint16_t(b * 257)};
 }
 
-#if QB_GOLDEN_TESTS
 // Framed and plain, filled and transparent fields, a scroll bar, each alignment, runs of several
 // sizes and styles that wrap, a line as tall as its tallest run, and a word too long for its field.
 TEST(TextFieldTest, FieldsShowTheirStyledText) {
