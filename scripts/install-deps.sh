@@ -14,7 +14,7 @@ packages=(
   libsdl2-dev
   xvfb xauth xdotool
   sox ffmpeg libavcodec-dev libavutil-dev
-  ucblogo
+  ucblogo libedit-dev
 )
 if [[ "${1:-}" == "--web" ]]; then
   # dpkg-dev: apt-get source, which scripts/build-web-deps.sh uses for the web's own libraries.

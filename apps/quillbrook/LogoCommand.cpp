@@ -1,6 +1,10 @@
 // `quillbrook logo`: the language at a terminal, over a file, or for one line. PRINT goes to
-// stdout; an error's text goes to stderr instead of a box.
+// stdout; an error's text goes to stderr instead of a box. At a terminal libedit reads the lines,
+// with editing and a history of what was typed.
+#include <editline/readline.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -26,8 +30,13 @@ void WriteError(const std::string& text) {
 
 std::optional<std::string> ReadConsoleLine(char prompt) {
     if (gInteractive) {
-        std::printf("%c ", prompt);
-        std::fflush(stdout);
+        const char shown[] = {prompt, ' ', '\0'};
+        char* typed = readline(shown);
+        if (!typed) return std::nullopt;
+        std::string line(typed);
+        std::free(typed);
+        if (!line.empty()) add_history(line.c_str());
+        return line;
     }
     std::string line;
     if (!std::getline(std::cin, line)) return std::nullopt;
