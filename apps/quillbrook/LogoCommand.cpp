@@ -3,6 +3,7 @@
 // with editing and a history of what was typed.
 #include <editline/readline.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -50,6 +51,8 @@ std::optional<std::string> NoConsole(char) { return std::nullopt; }
 
 int RunLogo(const std::string& path, const std::string& line) {
     SetLogoErrorSink(WriteError);
+    // Ctrl+C stops the running script, not the program.
+    std::signal(SIGINT, [](int) { RequestLogoBreak(); });
     if (!line.empty()) return RunLogoLines(line, NoConsole, WriteOut) ? 1 : 0;
     if (!path.empty()) {
         std::ifstream in(path, std::ios::binary);

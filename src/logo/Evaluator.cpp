@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <cstring>
 
+#include "base/KeyCodes.h"
 #include "base/StateRegistry.h"
 #include "logo/LogoErrors.h"
 #include "logo/NodeHeap.h"
@@ -20,10 +22,17 @@ namespace {
 // instead of overflowing it (the web build's stack is the smallest we run on).
 inline constexpr int kMaxCallDepth = 2000;
 inline constexpr uintptr_t kMaxStackBytes = 1024 * 1024;
-// Long-running scripts give the window a turn this often.
+// Long-running scripts give the window a turn this often, or after this many polls on a clock that
+// does not move while they run (the headless host's).
 inline constexpr uint32_t kPumpEveryMs = 50;
+inline constexpr uint32_t kPollsPerPump = 4096;
 
 LogoRunState gRun;
+volatile std::sig_atomic_t gBreakRequested = 0;
+
+bool IsEscapeKey(const HostEvent& e) {
+    return (e.kind == HostEventKind::KeyDown || e.kind == HostEventKind::KeyUp) && e.key == kVkEscape;
+}
 
 void ResetRunState() {
     gRun = LogoRunState{};
@@ -491,11 +500,24 @@ void OutputText(std::string_view text) {
     DrainTo(out);
 }
 
+void RequestLogoBreak() { gBreakRequested = 1; }
+
 void PollBreak() {
     Host& host = GetHost();
     const uint32_t now = host.GetTickCount();
-    if (now - gRun.lastPumpMs < kPumpEveryMs) return;
+    if (now - gRun.lastPumpMs < kPumpEveryMs && ++gRun.pollsSincePump < kPollsPerPump && !gBreakRequested) return;
     gRun.lastPumpMs = now;
+    gRun.pollsSincePump = 0;
+    HostEvent escape;
+    if (host.PeekEvent(IsEscapeKey, &escape)) {
+        host.DropEvents(IsEscapeKey);
+        gBreakRequested = 1;
+    }
+    if (gBreakRequested) {
+        gBreakRequested = 0;
+        StopLogoProcedures();
+        return;
+    }
     GetSubsystems().PumpOneMessage();
 }
 
@@ -538,7 +560,10 @@ int RunLogoLines(std::string_view text, LogoLineProvider lineProvider, LogoTextW
     gRun.stopping = false;
     gRun.throwing = false;
     gRun.uncaughtErrorCode = 0;
-    if (!nested) gRun.stackBase = StackHere();
+    if (!nested) {
+        gRun.stackBase = StackHere();
+        gBreakRequested = 0;  // an interrupt at the prompt is not one of this run
+    }
     do {
         gRun.currentFrame = nullptr;
         GetLogoRoots().frameChain = nullptr;

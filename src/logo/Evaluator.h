@@ -35,6 +35,7 @@ struct LogoRunState {
     int callDepth = 0;
     uintptr_t stackBase = 0;    // the native stack where the outermost run began
     uint32_t lastPumpMs = 0;
+    uint32_t pollsSincePump = 0;
     char prompt = '?';
     std::string script;         // the text being run, line by line
     size_t scriptAt = 0;
@@ -71,8 +72,12 @@ int DictionaryBucket(const Node* word);
 // Makes the record of CATCH `tag` the innermost and starts the throw; false when none matches.
 bool ThrowTo(Node* tag);
 void OutputText(std::string_view text);
-// Gives the host a turn when a while has passed since the last one, and notices a stop.
+// Gives the host a turn when a while (or, on a clock that stands still, a number of polls) has
+// passed since the last one, and stops the run when Escape is waiting or a break was asked for.
 void PollBreak();
+// A break from outside, such as the terminal's interrupt: the run stops at its next poll. Safe in
+// a signal handler.
+void RequestLogoBreak();
 // The next line for TO: script text first, then the console with `prompt`; nullopt at the end.
 std::optional<std::string> ReadLogoLine(char prompt);
 bool ScriptTextRemains();
