@@ -28,6 +28,7 @@ struct HeapState {
     int primitiveNameCount = 0;
     bool ready = false;
     bool collectEveryAllocation = false;
+    size_t blockLimit = kMaxNodeBlocks;
     StaticNodes statics;
     std::vector<Node*> walk;  // the collector's and the pinner's explicit stack
 };
@@ -60,6 +61,7 @@ void FillStatics() {
 }
 
 bool AddBlock() {
+    if (gHeap.blocks.size() >= gHeap.blockLimit) return false;
     std::unique_ptr<Node[]> block(new (std::nothrow) Node[kNodesPerBlock]);
     if (!block) return false;
     for (int i = 0; i < kNodesPerBlock; ++i) block[i].next = i + 1 < kNodesPerBlock ? &block[i + 1] : gHeap.freeNodes;
@@ -133,6 +135,8 @@ void FreeNodeHeap() {
     gHeap.ready = false;
     gHeap.collectEveryAllocation = stress;
 }
+
+void SetNodeBlockLimit(size_t blocks) { gHeap.blockLimit = blocks ? blocks : kMaxNodeBlocks; }
 
 Node* AllocNode() {
     if (gHeap.collectEveryAllocation) Recycle();

@@ -65,7 +65,12 @@ Node* EmptyList();
 Node* EmptyWord();
 Node* ErrorTagWord();  // "ERROR", the tag a CATCH of errors carries
 
+// The heap grows by blocks up to this many, about 100 MB: past it an allocation is error 23, so a
+// runaway script stops with a message instead of taking the player's memory.
+inline constexpr size_t kMaxNodeBlocks = 4096;
 bool InitNodeHeap();
+// A smaller ceiling, for the fuzzer's budget; 0 puts kMaxNodeBlocks back.
+void SetNodeBlockLimit(size_t blocks);
 bool IsNodeHeapReady();
 void FreeNodeHeap();
 // A node tagged exactly kTagPinned, or null after error 23.
