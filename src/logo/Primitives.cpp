@@ -3,6 +3,8 @@
 #include <cctype>
 #include <cstring>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "base/StateRegistry.h"
@@ -412,9 +414,14 @@ int FindPrimitive(Node** word) {
     return -1;
 }
 
+// The interpreter asks for rows by name on every MAKE and THING: a map made once from the constant
+// table answers without a walk over it.
 int PrimitiveRowOf(const char* name) {
-    for (int row = 0; row < kPrimitiveRows; ++row) {
-        if (std::strcmp(kRows[row].name, name) == 0) return row;
-    }
-    return -1;
+    static const std::unordered_map<std::string_view, int> rows = [] {
+        std::unordered_map<std::string_view, int> map;
+        for (int row = kPrimitiveRows - 1; row >= 0; --row) map[kRows[row].name] = row;
+        return map;
+    }();
+    const auto found = rows.find(name);
+    return found == rows.end() ? -1 : found->second;
 }
