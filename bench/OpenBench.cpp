@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "HeapCounter.h"
+#include "RatioReporter.h"
 #include "base/ByteOrder.h"
 #include "memory/MemRef.h"
 #include "stack/CardRecord.h"
@@ -134,29 +135,6 @@ void BM_ReadWhole(benchmark::State& state) {
 
 BENCHMARK(BM_OpenStack)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_ReadWhole)->Unit(benchmark::kMillisecond)->UseRealTime();
-
-// Shows the runs as usual and keeps each benchmark's best wall time per iteration, in ms.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    // Colour only on a terminal, as the default reporter does.
-    RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_ColorTabular : OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration) continue;
-            if (run.error_occurred) {
-                failed = true;
-                continue;
-            }
-            const double ms = run.GetAdjustedRealTime() * 1000.0 /
-                              benchmark::GetTimeUnitMultiplier(run.time_unit);
-            auto [it, added] = bestMs.emplace(run.run_name.function_name, ms);
-            if (!added) it->second = std::min(it->second, ms);
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> bestMs;
-    bool failed = false;
-};
 
 const char* Verdict(double ratio, double target) {
     return ratio <= target ? "ok" : "OVER TARGET";

@@ -1,5 +1,5 @@
-// A console reporter that also keeps each benchmark's best throughput, for the ratios the codec
-// benchmarks print against their reference.
+// A console reporter that also keeps each benchmark's best throughput and best wall time, for the
+// ratios the benchmarks print against their reference.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -10,7 +10,8 @@
 #include <string>
 #include <vector>
 
-// Shows the runs as usual and keeps each one's bytes per second by its name.
+// Shows the runs as usual and keeps each one's bytes per second by its name, and its wall time per
+// iteration in ms by its function's name.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
     RatioReporter() : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_ColorTabular : OO_Tabular) {}
@@ -21,6 +22,9 @@ public:
                 failed = true;
                 continue;
             }
+            const double ms = run.GetAdjustedRealTime() * 1000.0 / benchmark::GetTimeUnitMultiplier(run.time_unit);
+            auto [fastest, added] = bestMs.emplace(run.run_name.function_name, ms);
+            if (!added) fastest->second = std::min(fastest->second, ms);
             const auto rate = run.counters.find("bytes_per_second");
             if (rate == run.counters.end()) continue;
             double& best = bytesPerSecond[run.benchmark_name()];
@@ -29,5 +33,6 @@ public:
         ConsoleReporter::ReportRuns(runs);
     }
     std::map<std::string, double> bytesPerSecond;
+    std::map<std::string, double> bestMs;
     bool failed = false;
 };
