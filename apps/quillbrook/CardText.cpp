@@ -43,13 +43,8 @@ bool CardText(MemRef card, int32_t position, nlohmann::ordered_json* json, std::
         const uint8_t* chunk = lock.data() + offset;
         if (ReadS16(chunk + kItemKind) != kItemKindText || offset + kTextHeadSize > size) continue;
         const uint32_t length = std::min(Read32(chunk + kItemLength), size - offset);
-        const uint16_t flags = Read16(chunk + kItemFlags);
         TextRecord record;
-        uint32_t at = 0;
-        if (!FindTextRecord(chunk, length, cardId, (flags & kTextFlagPerCard) != 0, &at) ||
-            ReadTextRecord(chunk + at, length - at, StackTextIsMacintosh(), &record) != 0) {
-            continue;
-        }
+        if (!ReadFieldText(chunk, length, cardId, &record)) continue;
         std::string text = record.text;
         std::replace(text.begin(), text.end(), '\r', '\n');
         text = Utf8FromWindows1252(text);

@@ -64,14 +64,9 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset) {
         item->viewFlags = Read16(chunk + kTextViewFlags);
         item->backColor = static_cast<int16_t>(Read16(chunk + kTextBackColor) - 1);
         align = ReadS16(chunk + kTextAlign);
-        const uint16_t flags = Read16(chunk + kItemFlags);
-        item->transparent = (flags & kTextFlagTransparent) != 0;
-        uint32_t at = 0;
+        item->transparent = (Read16(chunk + kItemFlags) & kTextFlagTransparent) != 0;
         // A field whose text comes from a file shows it when text import is here.
-        if (!(flags & kItemFlagFileRef) &&
-            FindTextRecord(chunk, length, ShownCardId(card), (flags & kTextFlagPerCard) != 0, &at)) {
-            haveText = ReadTextRecord(chunk + at, length - at, StackTextIsMacintosh(), &record) == 0;
-        }
+        haveText = ReadFieldText(chunk, length, ShownCardId(card), &record);
     }
     item->document = StyledDocument{};
     item->document.align = AlignOf(align);

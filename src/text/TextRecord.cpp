@@ -161,3 +161,11 @@ bool FindTextRecord(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId,
     *offset = first;
     return found;
 }
+
+bool ReadFieldText(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, TextRecord* out) {
+    const uint16_t flags = Read16(chunk + kItemFlags);
+    uint32_t at = 0;
+    return !(flags & kItemFlagFileRef) &&
+           FindTextRecord(chunk, chunkLength, cardId, (flags & kTextFlagPerCard) != 0, &at) &&
+           ReadTextRecord(chunk + at, chunkLength - at, StackTextIsMacintosh(), out) == 0;
+}

@@ -74,3 +74,6 @@ std::vector<uint8_t> MakeTextRecord(const TextRecord& record, bool macCharset);
 // first behind the head.
 bool FindTextRecord(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, bool perCard,
                     uint32_t* offset);
+// The text a native text chunk shows on card `cardId`: the card's own record for a per-card field,
+// else the first. False for a field whose text comes from a file, and for a missing or damaged record.
+bool ReadFieldText(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, TextRecord* out);
