@@ -307,7 +307,7 @@ int DictionaryBucket(const Node* word) {
     for (const Node* n = word; n; n = n->next) {
         for (char c : n->chars) {
             if (!c) break;
-            h = static_cast<int16_t>(h * std::toupper(static_cast<unsigned char>(c)));
+            h = static_cast<int16_t>(h * UpperChar(static_cast<unsigned char>(c)));
             if (h == -32768) h = -32767;
         }
     }
@@ -445,7 +445,7 @@ Node* GetVariable(Node* word) {
 }
 
 void SetVariable(Node* word, Node* value) {
-    const int makeRow = PrimitiveRowOf("MAKE");
+    static const int makeRow = PrimitiveRowOf("MAKE");
     if (!CheckWordArg(word, makeRow)) return;
     if (!value) {
         ReportErrorAtRow(29, makeRow, nullptr);
