@@ -7,6 +7,7 @@
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
 #include "card/ButtonDraw.h"
+#include "card/FieldScroll.h"
 #include "card/OffscreenCard.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
@@ -106,10 +107,12 @@ DisplayItem* FindDisplayItem(int16_t type, int16_t id) {
 }
 
 void RemoveDisplayItem(DisplayItem* item) {
+    ForgetScrollingField(item);
     if (std::unique_ptr<DisplayItem>* link = LinkOf(item)) Unlink(link);
 }
 
 void FreeDisplayList() {
+    ForgetScrollingField(nullptr);
     gList.head.reset();
     FreeItemsClip();
 }

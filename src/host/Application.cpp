@@ -4,6 +4,7 @@
 #include "actions/ActionTimers.h"
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
+#include "card/FieldScroll.h"
 #include "host/MainLoop.h"
 #include "logo/Evaluator.h"
 #include "media/SoundPlayback.h"
@@ -101,6 +102,14 @@ Subsystems ApplicationSubsystems() {
         return PlaySound(hostPath, fromRecord, record, volume, static_cast<uint16_t>(soundFlags));
     };
     s.StopSounds = StopSounds;
+    s.ClickInField = [](DisplayItem& field, int32_t x, int32_t y) { FieldScrollPress(field, x, y); };
+    s.DragInField = FieldScrollDrag;
+    // Only the scroll bar takes presses so far: no release is an edit.
+    s.ReleaseInField = [] {
+        FieldScrollRelease();
+        return false;
+    };
+    s.ServeFieldDragScroll = FieldScrollHold;
     s.ServeAutoTimers = TickActionTimers;
     s.RebuildAutoTimers = BuildActionTimers;
     s.UpdateSounds = SoundTick;
