@@ -65,6 +65,8 @@ struct DisplayItem {
     int32_t scrollValue = 0;  // how far the text is scrolled up: the top of the line at the top
     int8_t pressedArrow = 0;  // 1 the upper arrow is held down, 2 the lower
     int32_t ghostTop = -1;    // the outline of a thumb being dragged, in the window; -1 none
+    // The selection, offsets in the document's text; shown inverted while the field is the active one.
+    size_t selStart = 0, selEnd = 0;
 };
 
 inline constexpr int32_t kMaxListPosition = 9999;

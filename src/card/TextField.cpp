@@ -4,6 +4,7 @@
 
 #include "base/ByteOrder.h"
 #include "card/DisplayList.h"
+#include "card/FieldSelection.h"
 #include "gfx/Draw.h"
 #include "gfx/Palette.h"
 #include "stack/CardList.h"
@@ -97,4 +98,12 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
     if (item.scrollValue > 0) textClip.top = std::max(textClip.top, item.textArea.top);
     DrawDocument(target, item.document, item.layout, item.textArea.left, item.textArea.top - item.scrollValue,
                  textClip);
+    // The active field's selection, inverted over the text and cut to the text area.
+    if (GetActiveField() == &item && item.selStart < item.selEnd) {
+        const Rect selectionClip = IntersectRect(area, item.textArea);
+        for (const Rect& r : RangeRects(item.document, item.layout, item.selStart, item.selEnd)) {
+            InvertRect(target, Clip(selectionClip, clip.region),
+                       OffsetRect(r, item.textArea.left, item.textArea.top - item.scrollValue));
+        }
+    }
 }

@@ -11,6 +11,7 @@
 #include "player/Navigation.h"
 #include "subsystems/Subsystems.h"
 #include "ui/EndSplash.h"
+#include "ui/FindDialog.h"
 
 #include <cctype>
 #include <string>
@@ -110,6 +111,7 @@ Subsystems ApplicationSubsystems() {
         return false;
     };
     s.ServeFieldDragScroll = FieldScrollHold;
+    s.ShowFindDialog = [] { FindCommand(&GetFindRequest()); };
     s.ServeAutoTimers = TickActionTimers;
     s.RebuildAutoTimers = BuildActionTimers;
     s.UpdateSounds = SoundTick;
