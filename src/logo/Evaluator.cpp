@@ -221,17 +221,22 @@ Node* CallProcedure(Node** name, Node** cursor) {
         *cursor = nullptr;
         return nullptr;
     }
+    // The frame: the caller's frames, the locals, the TEST state, and the definition being run, so
+    // that a procedure that redefines or erases itself goes on through lines that are still there.
     Node* head = MakeListCell(GetLogoRoots().frameChain, nullptr);
     Node* locals = head ? MakeListCell(nullptr, nullptr) : nullptr;
     Node* test = locals ? MakeListCell(nullptr, nullptr) : nullptr;
-    if (!test) {
+    Node* running = test ? MakeListCell(entry, nullptr) : nullptr;
+    if (!running) {
         UnpinValue(head);
         UnpinValue(locals);
+        UnpinValue(test);
         return nullptr;
     }
     head->next = locals;
     locals->next = test;
-    head->tag = locals->tag = test->tag = kTagList;
+    test->next = running;
+    head->tag = locals->tag = test->tag = running->tag = kTagList;
     GetLogoRoots().frameChain = head;
     Node* const callerFrame = gRun.currentFrame;
     gRun.currentFrame = head;
