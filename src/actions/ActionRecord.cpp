@@ -13,7 +13,6 @@
 
 namespace {
 
-inline constexpr uint32_t kReferenceGap = 6;  // the reference's 16- and 32-bit fields
 
 }  // namespace
 
@@ -35,30 +34,6 @@ MemRef CopySubRecordPayload(MemRef record, uint32_t subOffset) {
     if (payload > size - subOffset - kSubHeadSize) return 0;
     // CopyBytes checks the range again and gives a fresh block of exactly the payload.
     return CopyBytes(record, subOffset + kSubHeadSize, payload);
-}
-
-bool SetSlotFromReference(int slot, const uint8_t* reference, uint32_t length) {
-    const char* p = reinterpret_cast<const char*>(reference);
-    const uint32_t pathLength = static_cast<uint32_t>(strnlen(p, length));
-    if (pathLength >= length) return false;
-    const uint32_t padded = (pathLength + 1) + ((pathLength + 1) & 1);
-    if (padded + kReferenceGap >= length) return false;
-    const uint32_t rest = length - padded - kReferenceGap;
-    const uint32_t nameLength = static_cast<uint32_t>(strnlen(p + padded + kReferenceGap, rest));
-    if (nameLength >= rest || nameLength >= kSlotSize - kSlotName) return false;
-    if (!SetSlotPath(slot, std::string(p, pathLength))) return false;
-    uint8_t* s = GetSlot(slot);
-    std::memcpy(s + kSlotRefWord, p + padded, 2);
-    std::memcpy(s + kSlotRefLong, p + padded + 2, 4);
-    std::memset(s + kSlotName, 0, kSlotSize - kSlotName);
-    std::memcpy(s + kSlotName, p + padded + kReferenceGap, nameLength);
-    s[kSlotPresent] = 1;
-    return true;
-}
-
-void ClearSlot(int slot) {
-    SetSlotPath(slot, "");
-    if (uint8_t* s = GetSlot(slot)) s[kSlotPresent] = 0;
 }
 
 std::string PlainName(const uint8_t* field, uint32_t fieldSize) {

@@ -7,9 +7,14 @@
 #include "card/FieldSelection.h"
 #include "gfx/Draw.h"
 #include "gfx/Palette.h"
+#include "messages/StringIds.h"
+#include "messages/StringTable.h"
+#include "platform/HostFile.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
+#include "stack/PathSlot.h"
+#include "stack/StackFiles.h"
 #include "text/Fontmap.h"
 #include "text/TextRecord.h"
 
@@ -50,6 +55,54 @@ Rect TextAreaOf(const Rect& rect, uint16_t viewFlags) {
     return area;
 }
 
+// The file a field's text comes from: its reference stands in place of the first block's text, and
+// behind it six big-endian words give the style of the whole text (font id, style bits, points and
+// the red, green and blue components). The file is looked for as other files a stack names are,
+// the user asked at last; a file that can't be found or read leaves the field empty.
+//
+// Line ends are taken as the text's own platform wrote them: CR LF and a lone LF each end a
+// paragraph as CR does, so that text files from any system show their lines.
+bool ImportFieldText(const uint8_t* chunk, uint32_t length, TextRecord* out) {
+    if (length < kTextHeadSize + kTextBlockHeadSize) return false;
+    const uint8_t* block = chunk + kTextHeadSize;
+    const uint32_t blockLength = Read32(block + kTextBlockLength);
+    const uint32_t reference = Read32(block + kTextBlockDataLength);
+    if (blockLength < kTextBlockHeadSize || blockLength > length - kTextHeadSize ||
+        reference > blockLength - kTextBlockHeadSize)
+        return false;
+    const uint8_t* data = block + kTextBlockHeadSize;
+    if (!SetSlotFromReference(kSlotTextFile, data, reference)) return false;
+    LocateRequest request;
+    request.titleStringId = kStringFindTextFile;
+    request.filterName = GetString(kStringTextFiles);
+    request.filterPattern = "*.txt;*.*";
+    request.targetSlot = kSlotTextFile;
+    std::string bytes;
+    if (!LocateFile(request, kSlotTextFile, true) || ReadWholeHostFile(SlotHostPath(kSlotTextFile), &bytes) != 0)
+        return false;
+    out->text.clear();
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] == '\n') {
+            if (i == 0 || bytes[i - 1] != '\r') out->text += '\r';
+        } else {
+            out->text += bytes[i];
+        }
+    }
+    const uint32_t tail = blockLength - kTextBlockHeadSize - reference;
+    if (tail >= 12) {
+        const uint8_t* t = data + reference;
+        StyleRun run;
+        run.fontId = ReadBE16(t);
+        run.style = static_cast<uint8_t>(ReadBE16(t + 2));
+        run.size = ReadBE16(t + 4);
+        run.red = ReadBE16(t + 6);
+        run.green = ReadBE16(t + 8);
+        run.blue = ReadBE16(t + 10);
+        out->runs.push_back(run);
+    }
+    return true;
+}
+
 }  // namespace
 
 void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset) {
@@ -66,8 +119,9 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset) {
         item->backColor = static_cast<int16_t>(Read16(chunk + kTextBackColor) - 1);
         align = ReadS16(chunk + kTextAlign);
         item->transparent = (Read16(chunk + kItemFlags) & kTextFlagTransparent) != 0;
-        // A field whose text comes from a file shows it when text import is here.
-        haveText = ReadFieldText(chunk, length, ShownCardId(card), &record);
+        haveText = (Read16(chunk + kItemFlags) & kItemFlagFileRef)
+                       ? ImportFieldText(chunk, length, &record)
+                       : ReadFieldText(chunk, length, ShownCardId(card), &record);
     }
     item->document = StyledDocument{};
     item->document.align = AlignOf(align);

@@ -60,3 +60,31 @@ char CurrentStackDrive() {
     if (path.size() >= 3 && path[1] == ':' && path[2] == '\\') return path[0];
     return 'C';
 }
+
+namespace {
+inline constexpr uint32_t kReferenceGap = 6;  // the reference's 16- and 32-bit fields
+}  // namespace
+
+bool SetSlotFromReference(int slot, const uint8_t* reference, uint32_t length) {
+    const char* p = reinterpret_cast<const char*>(reference);
+    const uint32_t pathLength = static_cast<uint32_t>(strnlen(p, length));
+    if (pathLength >= length) return false;
+    const uint32_t padded = (pathLength + 1) + ((pathLength + 1) & 1);
+    if (padded + kReferenceGap >= length) return false;
+    const uint32_t rest = length - padded - kReferenceGap;
+    const uint32_t nameLength = static_cast<uint32_t>(strnlen(p + padded + kReferenceGap, rest));
+    if (nameLength >= rest || nameLength >= kSlotSize - kSlotName) return false;
+    if (!SetSlotPath(slot, std::string(p, pathLength))) return false;
+    uint8_t* s = GetSlot(slot);
+    std::memcpy(s + kSlotRefWord, p + padded, 2);
+    std::memcpy(s + kSlotRefLong, p + padded + 2, 4);
+    std::memset(s + kSlotName, 0, kSlotSize - kSlotName);
+    std::memcpy(s + kSlotName, p + padded + kReferenceGap, nameLength);
+    s[kSlotPresent] = 1;
+    return true;
+}
+
+void ClearSlot(int slot) {
+    SetSlotPath(slot, "");
+    if (uint8_t* s = GetSlot(slot)) s[kSlotPresent] = 0;
+}

@@ -20,6 +20,7 @@ static_assert(kSlotName + 64 == kSlotSize);
 inline constexpr int kSlotScratch = 0;
 inline constexpr int kSlotStack = 1;
 inline constexpr int kSlotSounds = 2;
+inline constexpr int kSlotTextFile = 3;  // the file a field imports its text from
 inline constexpr int kSlotArt = 4;
 inline constexpr int kSlotSamples = 6;
 inline constexpr int kSlotOtherStack = 8;
@@ -38,5 +39,11 @@ std::string GetSlotName(int slot);
 void CopySlot(int from, int to);
 // The real file behind a slot, or "" when its drive maps to nothing.
 std::string SlotHostPath(int slot);
+// A file reference in native form (path, zero-terminated, a pad to even, six bytes of reference
+// fields, the name, zero-terminated) of `length` bytes put into path slot `slot`. False for bytes
+// that don't hold one; the slot is then left as it was.
+bool SetSlotFromReference(int slot, const uint8_t* reference, uint32_t length);
+// Empties a path slot: no path, no name, not set by the user.
+void ClearSlot(int slot);
 // The current stack's drive letter, which a path from the other platform takes on.
 char CurrentStackDrive();

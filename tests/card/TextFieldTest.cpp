@@ -1,9 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "base/ByteOrder.h"
+#include "base/StateRegistry.h"
+#include "platform/HostFile.h"
+#include "platform/HostPath.h"
+#include "platform/headless/HeadlessHost.h"
+#include "policy/Policy.h"
+#include "stack/PathSlot.h"
 #include "card/DisplayList.h"
 #include "gfx/Draw.h"
 #include "stack/CardRecord.h"
@@ -48,5 +55,76 @@ TEST(TextFieldTest, FieldsShowTheirStyledText) {
     ExpectMatchesGolden(s, "text-fields");
 }
 #endif
+
+// A field that imports its text: a text head with the file flag, then one block holding the file's
+// reference (path, pad, six bytes, name) and the style tail.
+MemRef ImportingCard(const std::string& dosPath, bool withTail) {
+    std::vector<uint8_t> reference(dosPath.begin(), dosPath.end());
+    reference.push_back(0);
+    if (reference.size() % 2) reference.push_back(0);
+    reference.insert(reference.end(), 6, 0);
+    const std::string name = dosPath.substr(dosPath.rfind('\\') + 1);
+    reference.insert(reference.end(), name.begin(), name.end());
+    reference.push_back(0);
+    const uint8_t tail[12] = {0, 0, 0, 1, 0, 18, 0xFF, 0, 0, 0, 0, 0};  // bold 18 points, red
+    std::vector<uint8_t> c(kTextHeadSize + kTextBlockHeadSize, 0);
+    Write16(&c[kItemKind], kItemKindText);
+    Write16(&c[kItemId], kFieldCardItemId);
+    const int16_t rect[] = {10, 10, 300, 200};
+    for (int i = 0; i < 4; ++i) Write16(&c[kItemRect + 2 * i], static_cast<uint16_t>(rect[i]));
+    Write16(&c[kItemFlags], kItemFlagFileRef);
+    c.insert(c.end(), reference.begin(), reference.end());
+    if (withTail) c.insert(c.end(), tail, tail + 12);
+    uint8_t* block = &c[kTextHeadSize];
+    Write16(block, 99);
+    Write32(block + kTextBlockDataLength, static_cast<uint32_t>(reference.size()));
+    Write32(block + kTextBlockLength, static_cast<uint32_t>(c.size() - kTextHeadSize));
+    Write32(&c[kItemLength], static_cast<uint32_t>(c.size()));
+    const MemRef card = NewCardMemRef(static_cast<uint32_t>(kCardHeadSize + c.size() + kCardTailSize));
+    MemRefLock lock(card);
+    std::copy(c.begin(), c.end(), lock.data() + kCardHeadSize);
+    return card;
+}
+
+// The text comes from the file on each loading, its lines in whatever ends its system wrote, in the
+// tail's style; a file that can't be found leaves the field empty once the user cancels the search.
+TEST(TextFieldTest, AFieldImportsItsTextFromAFile) {
+    ResetAllState();
+    InitPathSlots();
+    const std::filesystem::path dir = std::filesystem::temp_directory_path() / "qb-import-test";
+    std::filesystem::create_directories(dir);
+    std::filesystem::create_directories(dir / "stack");
+    SetPolicyStack((dir / "stack" / "S.STK").string());
+    struct Case { const char* what; std::string file, bytes; bool exists, withTail; const char* text; };
+    const std::string beside = (dir / "stack" / "NOTES.TXT").string();
+    const Case cases[] = {
+        {"Windows lines", beside, "one\r\ntwo\r\n", true, true, "one\rtwo\r"},
+        {"Unix lines", beside, "one\ntwo", true, false, "one\rtwo"},
+        {"no file", beside, "", false, true, ""},
+        {"a file the stack may not read", (dir / "SECRET.TXT").string(), "secret", true, true, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string& file = c.file;
+        std::filesystem::remove(file);
+        if (c.exists) {
+            ASSERT_EQ(WriteWholeHostFile(file, c.bytes.data(), c.bytes.size()), 0);
+        }
+        GetHeadlessState().fileChoices.clear();
+        const MemRef card = ImportingCard(DosPathFromHost(file), c.withTail);
+        DisplayItem item;
+        ASSERT_TRUE(ReadItemHead(card, kCardHeadSize, kTextHeadSize, &item));
+        LoadTextField(&item, card, kCardHeadSize);
+        FreeMemRef(card);
+        EXPECT_EQ(item.document.text, c.text);
+        if (c.withTail && *c.text) {
+            ASSERT_EQ(item.document.runs.size(), 1u);
+            EXPECT_EQ(item.document.runs[0].style.font.style & kStyleBold, kStyleBold);
+            EXPECT_EQ(item.document.runs[0].style.colour, Rgb(255, 0, 0));
+        }
+    }
+    std::filesystem::remove_all(dir);
+    ResetHeadlessState();
+}
 
 }  // namespace
