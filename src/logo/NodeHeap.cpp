@@ -255,12 +255,17 @@ Node* DropFirstChar(const Node* word) {
     return MakeWord(std::string_view(text).substr(1));
 }
 
+// The C library's toupper in its "C" locale, which the language's comparisons use, without the
+// call: property lists and dictionaries compare names on every lookup.
+inline unsigned char UpperAscii(unsigned char c) { return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 32) : c; }
+
 int CompareWords(const Node* a, const Node* b) {
     if (a == b) return 0;
     for (; a && b; a = a->next, b = b->next) {
+        if (std::memcmp(a->chars, b->chars, 4) == 0) continue;
         for (int i = 0; i < 4; ++i) {
-            const signed char ca = static_cast<signed char>(std::toupper(static_cast<unsigned char>(a->chars[i])));
-            const signed char cb = static_cast<signed char>(std::toupper(static_cast<unsigned char>(b->chars[i])));
+            const signed char ca = static_cast<signed char>(UpperAscii(static_cast<unsigned char>(a->chars[i])));
+            const signed char cb = static_cast<signed char>(UpperAscii(static_cast<unsigned char>(b->chars[i])));
             if (ca != cb) return ca < cb ? -1 : 1;
         }
     }

@@ -2,9 +2,12 @@
 // it printed, with every error's message after a "!".
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <optional>
 #include <string>
 
 #include "base/StateRegistry.h"
+#include "logo/Evaluator.h"
 #include "platform/headless/HeadlessHost.h"
 #include "support/LogoTranscript.h"
 
@@ -122,5 +125,49 @@ const LogoCase kWorkspace[] = {
 };
 
 TEST(LogoVocabulary, Workspace) { ExpectTranscripts(kWorkspace, std::size(kWorkspace)); }
+
+std::deque<std::string> gTyped;
+std::string gPrinted;
+
+// The console: lines typed, one per read, and the end of input once they are used up.
+std::string RunWithConsole(const char* script, std::initializer_list<const char*> typed) {
+    ResetAllState();
+    gTyped.assign(typed.begin(), typed.end());
+    gPrinted.clear();
+    SetLogoErrorSink([](const std::string& text) { gPrinted += "!" + text.substr(12, text.find("\n\nAt: ") - 12); });
+    RunLogoLines(
+        script,
+        [](char) -> std::optional<std::string> {
+            if (gTyped.empty()) return std::nullopt;
+            std::string line = gTyped.front();
+            gTyped.pop_front();
+            return line;
+        },
+        [](std::string_view text) { gPrinted += text; });
+    return gPrinted;
+}
+
+TEST(LogoVocabulary, ReadsTakeTheConsolesLinesAndCharacters) {
+    EXPECT_EQ(RunWithConsole("SHOW READLIST\nPR READWORD\nSHOW READWORD", {"a [b c] 1", "two words"}),
+              "[a [b c] 1]\ntwo words\n[]\n");
+    // READCHAR takes a line a character at a time, its end as CR; a line read takes what is left.
+    EXPECT_EQ(RunWithConsole("PR READCHAR\nPR READCHARS 2\nPR READWORD\nPR ASCII RC", {"abcdef", "x"}), "a\nbc\ndef\n120\n");
+    EXPECT_EQ(RunWithConsole("PR READCHARS 0", {"abc"}), "!READCHARS doesn't like 0 as input");
+}
+
+// Without a console, characters come from the window's character messages.
+TEST(LogoVocabulary, KeypAndReadcharSeeTheWindowsCharacters) {
+    ResetAllState();
+    EXPECT_EQ(ContinueLogoTranscript("PR KEYP"), "FALSE\n");
+    HostEvent key;
+    key.kind = HostEventKind::KeyDown;
+    key.key = 'Q';
+    GetHeadlessState().events.push_back(key);
+    HostEvent typed;
+    typed.kind = HostEventKind::Char;
+    typed.ch = 'q';
+    GetHeadlessState().events.push_back(typed);
+    EXPECT_EQ(ContinueLogoTranscript("PR KEYP\nPR RC\nPR KEYP"), "TRUE\nq\nFALSE\n");
+}
 
 }  // namespace
