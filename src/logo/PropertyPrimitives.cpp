@@ -32,18 +32,11 @@ Node* FindKey(Node* plist, const Node* key, Node** before) {
 // A new entry [name plist] at the head of the active chain; false when nodes ran out.
 bool LinkPropertyEntry(Node* name, Node* plist) {
     Node* plistCell = MakeListCell(plist, nullptr);
-    Node* entry = plistCell ? MakeListCell(name, plistCell) : nullptr;
-    Node** chain = DictionaryChain(Dictionary::PropertyLists, false, name);
-    Node* holder = entry ? MakeListCell(entry, *chain) : nullptr;
-    if (!holder) {
+    if (!plistCell || !LinkNewEntry(Dictionary::PropertyLists, name, plistCell)) {
         UnpinValue(plistCell);
-        UnpinValue(entry);
         return false;
     }
     Unpinned(plistCell);
-    Unpinned(entry);
-    Unpinned(holder);
-    *chain = holder;
     return true;
 }
 

@@ -49,6 +49,20 @@ void Unpinned(Node* cell) {
     if (cell) cell->tag = kTagList;
 }
 
+bool LinkNewEntry(Dictionary dictionary, Node* name, Node* rest) {
+    Node* entry = MakeListCell(name, rest);
+    Node** chain = DictionaryChain(dictionary, false, name);
+    Node* holder = entry ? MakeListCell(entry, *chain) : nullptr;
+    if (!holder) {
+        if (entry) entry->tag = kTagList;
+        return false;
+    }
+    Unpinned(entry);
+    Unpinned(holder);
+    *chain = holder;
+    return true;
+}
+
 std::string ProcedureTitle(const Node* entry) {
     std::string text = "TO " + WordToText(entry->payload);
     const Node* params = entry->next ? entry->next->payload : nullptr;

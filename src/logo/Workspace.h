@@ -25,6 +25,8 @@ void MoveHolder(Node** link, Node** to);
 std::vector<Node**> DictionaryChains(Dictionary dictionary, bool buried);
 // A new cell that the caller links into a root at once: it is unpinned.
 void Unpinned(Node* cell);
+// A new entry [name rest...] at the head of the active half; false when nodes ran out.
+bool LinkNewEntry(Dictionary dictionary, Node* name, Node* rest);
 
 // `x` is a word or a list of words: `act` runs for each, in order, until it returns false. A list
 // element that is not a word reports by CheckWordArg with `row`.

@@ -13,7 +13,7 @@
 namespace {
 
 // ERASE and ERN: the entry goes from whichever half holds it.
-void EraseNames(PrimitiveCall& call, Dictionary dictionary) {
+Node* EraseNames(PrimitiveCall& call, Dictionary dictionary) {
     ForEachName(call.in[0], call.row, [dictionary](Node* name) {
         for (const bool buried : {false, true}) {
             if (Node** link = FindHolderLink(DictionaryChain(dictionary, buried, name), name, false)) {
@@ -24,15 +24,17 @@ void EraseNames(PrimitiveCall& call, Dictionary dictionary) {
         ReportError(9, nullptr, name);
         return false;
     });
+    return nullptr;
 }
 
-void EmptyActiveHalf(Dictionary dictionary) {
+Node* EmptyActiveHalf(Dictionary dictionary) {
     for (Node** chain : DictionaryChains(dictionary, false)) *chain = nullptr;
+    return nullptr;
 }
 
 // BURY and UNBURY and their kin: an entry already where it is sent stays; one that is nowhere
 // reports 9, and so does UNBURY of one that is not buried. Names of variables compare exactly.
-void MoveNames(PrimitiveCall& call, Dictionary dictionary, bool bury) {
+Node* MoveNames(PrimitiveCall& call, Dictionary dictionary, bool bury) {
     const bool exact = dictionary == Dictionary::Names;
     ForEachName(call.in[0], call.row, [&](Node* name) {
         Node** from = DictionaryChain(dictionary, !bury, name);
@@ -45,15 +47,17 @@ void MoveNames(PrimitiveCall& call, Dictionary dictionary, bool bury) {
         ReportError(9, nullptr, name);
         return false;
     });
+    return nullptr;
 }
 
-void MoveAll(bool bury) {
+Node* MoveAll(bool bury) {
     for (const Dictionary d : {Dictionary::Procedures, Dictionary::Names, Dictionary::PropertyLists}) {
         const std::vector<Node**> from = DictionaryChains(d, !bury), to = DictionaryChains(d, bury);
         for (size_t i = 0; i < from.size(); ++i) {
             while (*from[i]) MoveHolder(from[i], to[i]);
         }
     }
+    return nullptr;
 }
 
 Node* FindProcedureEntry(Node* name) {
@@ -62,14 +66,15 @@ Node* FindProcedureEntry(Node* name) {
 }
 
 // Prints each text, giving the host a turn after each; Escape ends the listing.
-void PrintListings(const std::vector<std::string>& texts, const char* between) {
+Node* PrintListings(const std::vector<std::string>& texts, const char* between) {
     for (size_t i = 0; i < texts.size() && !GetLogoRunState().stopping; ++i) {
         OutputText((i ? between : "") + texts[i]);
         PollBreak();
     }
+    return nullptr;
 }
 
-void ListProcedures(PrimitiveCall& call, bool titlesOnly) {
+Node* ListProcedures(PrimitiveCall& call, bool titlesOnly) {
     ForEachName(call.in[0], call.row, [titlesOnly](Node* name) {
         Node* entry = FindProcedureEntry(name);
         if (!entry) {
@@ -80,36 +85,22 @@ void ListProcedures(PrimitiveCall& call, bool titlesOnly) {
         PollBreak();
         return !GetLogoRunState().stopping;
     });
+    return nullptr;
 }
 
 bool IsEmptyListValue(const Node* v) { return IsList(v) && !v->payload && !v->next; }
 
 }  // namespace
 
-Node* PrimErase(PrimitiveCall& call) {
-    EraseNames(call, Dictionary::Procedures);
-    return nullptr;
-}
+Node* PrimErase(PrimitiveCall& call) { return EraseNames(call, Dictionary::Procedures); }
 
-Node* PrimErn(PrimitiveCall& call) {
-    EraseNames(call, Dictionary::Names);
-    return nullptr;
-}
+Node* PrimErn(PrimitiveCall& call) { return EraseNames(call, Dictionary::Names); }
 
-Node* PrimErps(PrimitiveCall&) {
-    EmptyActiveHalf(Dictionary::Procedures);
-    return nullptr;
-}
+Node* PrimErps(PrimitiveCall&) { return EmptyActiveHalf(Dictionary::Procedures); }
 
-Node* PrimErns(PrimitiveCall&) {
-    EmptyActiveHalf(Dictionary::Names);
-    return nullptr;
-}
+Node* PrimErns(PrimitiveCall&) { return EmptyActiveHalf(Dictionary::Names); }
 
-Node* PrimErProps(PrimitiveCall&) {
-    EmptyActiveHalf(Dictionary::PropertyLists);
-    return nullptr;
-}
+Node* PrimErProps(PrimitiveCall&) { return EmptyActiveHalf(Dictionary::PropertyLists); }
 
 Node* PrimErAll(PrimitiveCall&) {
     EmptyActiveHalf(Dictionary::Procedures);
@@ -118,45 +109,21 @@ Node* PrimErAll(PrimitiveCall&) {
     return nullptr;
 }
 
-Node* PrimBury(PrimitiveCall& call) {
-    MoveNames(call, Dictionary::Procedures, true);
-    return nullptr;
-}
+Node* PrimBury(PrimitiveCall& call) { return MoveNames(call, Dictionary::Procedures, true); }
 
-Node* PrimUnbury(PrimitiveCall& call) {
-    MoveNames(call, Dictionary::Procedures, false);
-    return nullptr;
-}
+Node* PrimUnbury(PrimitiveCall& call) { return MoveNames(call, Dictionary::Procedures, false); }
 
-Node* PrimBuryName(PrimitiveCall& call) {
-    MoveNames(call, Dictionary::Names, true);
-    return nullptr;
-}
+Node* PrimBuryName(PrimitiveCall& call) { return MoveNames(call, Dictionary::Names, true); }
 
-Node* PrimUnburyName(PrimitiveCall& call) {
-    MoveNames(call, Dictionary::Names, false);
-    return nullptr;
-}
+Node* PrimUnburyName(PrimitiveCall& call) { return MoveNames(call, Dictionary::Names, false); }
 
-Node* PrimBuryPlist(PrimitiveCall& call) {
-    MoveNames(call, Dictionary::PropertyLists, true);
-    return nullptr;
-}
+Node* PrimBuryPlist(PrimitiveCall& call) { return MoveNames(call, Dictionary::PropertyLists, true); }
 
-Node* PrimUnburyPlist(PrimitiveCall& call) {
-    MoveNames(call, Dictionary::PropertyLists, false);
-    return nullptr;
-}
+Node* PrimUnburyPlist(PrimitiveCall& call) { return MoveNames(call, Dictionary::PropertyLists, false); }
 
-Node* PrimBuryAll(PrimitiveCall&) {
-    MoveAll(true);
-    return nullptr;
-}
+Node* PrimBuryAll(PrimitiveCall&) { return MoveAll(true); }
 
-Node* PrimUnburyAll(PrimitiveCall&) {
-    MoveAll(false);
-    return nullptr;
-}
+Node* PrimUnburyAll(PrimitiveCall&) { return MoveAll(false); }
 
 // The new name shares the parameter and line cells. A primitive's name may be given: such a
 // definition is never reached, because primitives are looked up first.
@@ -172,16 +139,7 @@ Node* PrimCopyDef(PrimitiveCall& call) {
         existing->next = source->next;
         return nullptr;
     }
-    Node* entry = MakeListCell(to, source->next);
-    Node** chain = DictionaryChain(Dictionary::Procedures, false, to);
-    Node* holder = entry ? MakeListCell(entry, *chain) : nullptr;
-    if (!holder) {
-        UnpinValue(entry);
-        return nullptr;
-    }
-    Unpinned(entry);
-    Unpinned(holder);
-    *chain = holder;
+    LinkNewEntry(Dictionary::Procedures, to, source->next);
     return nullptr;
 }
 
@@ -213,16 +171,7 @@ Node* PrimDefine(PrimitiveCall& call) {
             *link = (*link)->next;
         }
     }
-    Node* entry = MakeListCell(name, body);
-    Node** chain = DictionaryChain(Dictionary::Procedures, false, name);
-    Node* holder = entry ? MakeListCell(entry, *chain) : nullptr;
-    if (!holder) {
-        UnpinValue(entry);
-        return nullptr;
-    }
-    Unpinned(entry);
-    Unpinned(holder);
-    *chain = holder;
+    LinkNewEntry(Dictionary::Procedures, name, body);
     return nullptr;
 }
 
@@ -237,15 +186,9 @@ Node* PrimText(PrimitiveCall& call) {
     return MakeListCell(params ? params : EmptyList(), entry->next->next);
 }
 
-Node* PrimPo(PrimitiveCall& call) {
-    ListProcedures(call, false);
-    return nullptr;
-}
+Node* PrimPo(PrimitiveCall& call) { return ListProcedures(call, false); }
 
-Node* PrimPot(PrimitiveCall& call) {
-    ListProcedures(call, true);
-    return nullptr;
-}
+Node* PrimPot(PrimitiveCall& call) { return ListProcedures(call, true); }
 
 Node* PrimPots(PrimitiveCall&) {
     std::vector<std::string> titles;
@@ -258,10 +201,7 @@ Node* PrimPots(PrimitiveCall&) {
     return nullptr;
 }
 
-Node* PrimPops(PrimitiveCall&) {
-    PrintListings(ActiveListings(Dictionary::Procedures), "\n");
-    return nullptr;
-}
+Node* PrimPops(PrimitiveCall&) { return PrintListings(ActiveListings(Dictionary::Procedures), "\n"); }
 
 Node* PrimPon(PrimitiveCall& call) {
     ForEachName(call.in[0], call.row, [](Node* name) {
@@ -283,15 +223,9 @@ Node* PrimPon(PrimitiveCall& call) {
     return nullptr;
 }
 
-Node* PrimPons(PrimitiveCall&) {
-    PrintListings(ActiveListings(Dictionary::Names), "");
-    return nullptr;
-}
+Node* PrimPons(PrimitiveCall&) { return PrintListings(ActiveListings(Dictionary::Names), ""); }
 
-Node* PrimPps(PrimitiveCall&) {
-    PrintListings(ActiveListings(Dictionary::PropertyLists), "");
-    return nullptr;
-}
+Node* PrimPps(PrimitiveCall&) { return PrintListings(ActiveListings(Dictionary::PropertyLists), ""); }
 
 Node* PrimPoall(PrimitiveCall&) {
     PrintListings(ActiveListings(Dictionary::Names), "");
