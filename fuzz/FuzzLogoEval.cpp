@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -27,8 +28,14 @@ void CountPump() {
 
 const std::string& Sandbox() {
     static const std::string folder = [] {
-        std::string pattern = (std::filesystem::temp_directory_path() / "qbFuzzLogoXXXXXX").string();
-        return ::mkdtemp(pattern.data()) ? pattern : std::string();
+        static std::string pattern = (std::filesystem::temp_directory_path() / "qbFuzzLogoXXXXXX").string();
+        if (!::mkdtemp(pattern.data())) return std::string();
+        // The folder goes with the process.
+        std::atexit([] {
+            std::error_code error;
+            std::filesystem::remove_all(pattern, error);
+        });
+        return pattern;
     }();
     return folder;
 }
