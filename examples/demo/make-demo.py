@@ -491,6 +491,13 @@ def field(item_id, card_id, rect, heading, body, colour=(0, 0, 0)):
             "runs": [run(0, 24, True, colour), run(len(heading) + 1, 14, False, colour)]}
 
 
+def scrolling_field(item_id, card_id, rect, heading, paragraphs):
+    """A framed, read-only field with a scroll bar: a bold heading, then one paragraph per line."""
+    f = field(item_id, card_id, rect, heading, "\n".join(paragraphs))
+    f["fields"] = {"26": 0x100 | 2 | 4}
+    return f
+
+
 def button(item_id, rect, name, to, transition, shape=2, fill=LIGHT_GREY, text=BLACK_I, **more):
     b = {"kind": 48, "id": item_id, "rect": rect, "name": name, "shape": shape, "buttonFlags": 8,
          "textColor": text, "fillColor": fill, "destination": to, "transition": transition,
@@ -666,6 +673,19 @@ def cards(photo_colours):
               "Thirteen cards: pictures from PNG and JPEG, a group, buttons of all eight shapes with "
               "colours and icons, hidden items and transitions, sounds, and a font table. Start over reopens "
               "demo.stk at its first card through a file reference."),
+        scrolling_field(405, ABOUT, [40, 210, 600, 366], "What each card shows", [
+            "Welcome: a picture, a styled text with a hot word, a chime on arrival and a panel of buttons "
+            "that click.",
+            "Pictures: an 8-bit picture and a graphic with a picture of its own.",
+            "Photo: a JPEG background.",
+            "Garden, Roses and Pond: a group of cards sharing a picture and a button.",
+            "Shapes: buttons of shapes 0 to 4 in their own colours.",
+            "Picture buttons: shapes 5 to 7, hit only where their masks are set.",
+            "Icons: buttons with icons of 4 and 8 bits.",
+            "Hide and seek: hidden items between visible ones.",
+            "Transitions: ten ways to reach the Arrived card.",
+            "About: this card. Its text is longer than the field, which scrolls: press the arrows, the "
+            "track above or below the thumb, or drag the thumb."]),
         button(402, [60, 380, 220, 420], "Previous", -2, 2, 2, LIGHT_GREY, BLACK_I),
         button(403, [240, 380, 400, 420], "Start over", -6, 5, 0, BLUE, WHITE_I,
                subRecords=[{"type": 60, "path": "C:\\demo.stk", "name": "demo.stk"}]),

@@ -7,6 +7,8 @@
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
 #include "card/ButtonDraw.h"
+#include "card/FieldScroll.h"
+#include "card/FieldSelection.h"
 #include "card/OffscreenCard.h"
 #include "stack/CardList.h"
 #include "stack/CardRecord.h"
@@ -106,10 +108,14 @@ DisplayItem* FindDisplayItem(int16_t type, int16_t id) {
 }
 
 void RemoveDisplayItem(DisplayItem* item) {
+    ForgetScrollingField(item);
+    ForgetActiveField(item);
     if (std::unique_ptr<DisplayItem>* link = LinkOf(item)) Unlink(link);
 }
 
 void FreeDisplayList() {
+    ForgetScrollingField(nullptr);
+    ForgetActiveField(nullptr);
     gList.head.reset();
     FreeItemsClip();
 }

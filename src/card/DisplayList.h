@@ -62,6 +62,11 @@ struct DisplayItem {
     TextLayout layout;
     Rect textArea;
     int32_t thumbOffset = 0;  // the scroll bar's thumb, in pixels below the upper arrow
+    int32_t scrollValue = 0;  // how far the text is scrolled up: the top of the line at the top
+    int8_t pressedArrow = 0;  // 1 the upper arrow is held down, 2 the lower
+    int32_t ghostTop = -1;    // the outline of a thumb being dragged, in the window; -1 none
+    // The selection, offsets in the document's text; shown inverted while the field is the active one.
+    size_t selStart = 0, selEnd = 0;
 };
 
 inline constexpr int32_t kMaxListPosition = 9999;
@@ -118,6 +123,9 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
 // at `thumbOffset` between them.
 inline constexpr int32_t kFieldScrollBarWidth = 16;
 Rect FieldScrollBarRect(const DisplayItem& item);
+// Arrows are as tall as the bar is wide, or share a short bar between them.
+int32_t FieldArrowHeight(const DisplayItem& item);
+bool FieldHasThumb(const DisplayItem& item);
 void DrawFieldScrollBar(Surface& target, const Clip& clip, const DisplayItem& item);
 
 // Draws a graphic record into `target`: stretched to its rectangle with a frame, or through its

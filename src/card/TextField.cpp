@@ -4,6 +4,7 @@
 
 #include "base/ByteOrder.h"
 #include "card/DisplayList.h"
+#include "card/FieldSelection.h"
 #include "gfx/Draw.h"
 #include "gfx/Palette.h"
 #include "stack/CardList.h"
@@ -92,6 +93,17 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
     if (item.viewFlags & kTextViewScrollBar) DrawFieldScrollBar(target, fieldClip, item);
     if (item.viewFlags & kTextViewFrame) FrameRect(target, fieldClip, item.rect, Pen{});
     // Glyphs stay inside the text area, so that none is drawn over the frame or the scroll bar.
-    const Rect textClip = IntersectRect(area, InflateRect(item.textArea, kTextMargin, kTextMargin));
-    DrawDocument(target, item.document, item.layout, item.textArea.left, item.textArea.top, textClip);
+    // Scrolled text is cut at the text area's top, so that the lines above it don't show in the margin.
+    Rect textClip = IntersectRect(area, InflateRect(item.textArea, kTextMargin, kTextMargin));
+    if (item.scrollValue > 0) textClip.top = std::max(textClip.top, item.textArea.top);
+    DrawDocument(target, item.document, item.layout, item.textArea.left, item.textArea.top - item.scrollValue,
+                 textClip);
+    // The active field's selection, inverted over the text and cut to the text area.
+    if (GetActiveField() == &item && item.selStart < item.selEnd) {
+        const Rect selectionClip = IntersectRect(area, item.textArea);
+        for (const Rect& r : RangeRects(item.document, item.layout, item.selStart, item.selEnd)) {
+            InvertRect(target, Clip(selectionClip, clip.region),
+                       OffsetRect(r, item.textArea.left, item.textArea.top - item.scrollValue));
+        }
+    }
 }

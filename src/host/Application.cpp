@@ -4,12 +4,14 @@
 #include "actions/ActionTimers.h"
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
+#include "card/FieldScroll.h"
 #include "host/MainLoop.h"
 #include "logo/Evaluator.h"
 #include "media/SoundPlayback.h"
 #include "player/Navigation.h"
 #include "subsystems/Subsystems.h"
 #include "ui/EndSplash.h"
+#include "ui/FindDialog.h"
 
 #include <cctype>
 #include <string>
@@ -101,6 +103,15 @@ Subsystems ApplicationSubsystems() {
         return PlaySound(hostPath, fromRecord, record, volume, static_cast<uint16_t>(soundFlags));
     };
     s.StopSounds = StopSounds;
+    s.ClickInField = [](DisplayItem& field, int32_t x, int32_t y) { FieldScrollPress(field, x, y); };
+    s.DragInField = FieldScrollDrag;
+    // Only the scroll bar takes presses so far: no release is an edit.
+    s.ReleaseInField = [] {
+        FieldScrollRelease();
+        return false;
+    };
+    s.ServeFieldDragScroll = FieldScrollHold;
+    s.ShowFindDialog = [] { FindCommand(&GetFindRequest()); };
     s.ServeAutoTimers = TickActionTimers;
     s.RebuildAutoTimers = BuildActionTimers;
     s.UpdateSounds = SoundTick;

@@ -102,7 +102,7 @@ int32_t OnButtonDown(void* window, const HostEvent& event) {
         if (actionId) {
             name = item->name;
         } else {
-            GetSubsystems().ClickInField(*item);
+            GetSubsystems().ClickInField(*item, x, y);
             gState.mouseDownHandled = true;
             itemTook = true;
         }
@@ -129,7 +129,7 @@ int32_t OnDoubleClick(void* window, const HostEvent& event) {
     if (!item) return 1;
     if (item->type == kItemKindButton) return OnButtonDown(window, event);
     if (item->type == kItemKindText) {
-        GetSubsystems().ClickInField(*item);
+        GetSubsystems().ClickInField(*item, x, y);
         gState.mouseDownHandled = true;
     }
     return 1;

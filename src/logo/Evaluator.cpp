@@ -222,17 +222,22 @@ Node* CallProcedure(Node** name, Node** cursor) {
         *cursor = nullptr;
         return nullptr;
     }
+    // The frame: the caller's frames, the locals, the TEST state, and the definition being run, so
+    // that a procedure that redefines or erases itself goes on through lines that are still there.
     Node* head = MakeListCell(GetLogoRoots().frameChain, nullptr);
     Node* locals = head ? MakeListCell(nullptr, nullptr) : nullptr;
     Node* test = locals ? MakeListCell(nullptr, nullptr) : nullptr;
-    if (!test) {
+    Node* running = test ? MakeListCell(entry, nullptr) : nullptr;
+    if (!running) {
         UnpinValue(head);
         UnpinValue(locals);
+        UnpinValue(test);
         return nullptr;
     }
     head->next = locals;
     locals->next = test;
-    head->tag = locals->tag = test->tag = kTagList;
+    test->next = running;
+    head->tag = locals->tag = test->tag = running->tag = kTagList;
     GetLogoRoots().frameChain = head;
     Node* const callerFrame = gRun.currentFrame;
     gRun.currentFrame = head;
@@ -308,7 +313,7 @@ int DictionaryBucket(const Node* word) {
     for (const Node* n = word; n; n = n->next) {
         for (char c : n->chars) {
             if (!c) break;
-            h = static_cast<int16_t>(h * std::toupper(static_cast<unsigned char>(c)));
+            h = static_cast<int16_t>(h * UpperChar(static_cast<unsigned char>(c)));
             if (h == -32768) h = -32767;
         }
     }
@@ -446,7 +451,7 @@ Node* GetVariable(Node* word) {
 }
 
 void SetVariable(Node* word, Node* value) {
-    const int makeRow = PrimitiveRowOf("MAKE");
+    static const int makeRow = PrimitiveRowOf("MAKE");
     if (!CheckWordArg(word, makeRow)) return;
     if (!value) {
         ReportErrorAtRow(29, makeRow, nullptr);

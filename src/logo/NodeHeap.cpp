@@ -31,6 +31,12 @@ struct HeapState {
     size_t blockLimit = kMaxNodeBlocks;
     StaticNodes statics;
     std::vector<Node*> walk;  // the collector's and the pinner's explicit stack
+    // Values pinned after they were made: a pin costs one entry whatever the value's length, so
+    // passing a long list from call to call stays linear. Like the pin bit, an entry is there or
+    // not, however many times the value was pinned; pins come and go in nested order, so an entry
+    // is looked for from the end.
+    std::vector<Node*> inFlight;
+    std::vector<Node*> pinnedNodes;  // the collector's list of nodes still pinned from their making
 };
 
 HeapState gHeap;
@@ -70,31 +76,38 @@ bool AddBlock() {
     return true;
 }
 
-// Walks a value with an explicit stack, so that deep nesting cannot exhaust the native one: lists
-// through their elements, words along their chain, numbers alone.
-template <typename Touch>
-void WalkValue(Node* v, Touch touch) {
+// Takes `mark` off `v` and everything it reaches through nodes that carry the mark, with an explicit
+// stack so that deep nesting cannot exhaust the native one: lists through their elements and tails,
+// words along their chain, numbers alone. The walk stops at a node without the mark, so a shared
+// tail is walked once and a list made circular by a mutating primitive ends.
+void ClearMarkThrough(Node* v, uint8_t mark) {
     std::vector<Node*>& stack = gHeap.walk;
     const size_t base = stack.size();
     if (v) stack.push_back(v);
     while (stack.size() > base) {
         Node* n = stack.back();
         stack.pop_back();
-        if (n->tag & kTagList) {
-            for (; n; n = n->next) {
-                if (n->payload) stack.push_back(n->payload);
-                touch(n);
-            }
-        } else if (n->tag & kTagWord) {
-            for (; n; n = n->next) touch(n);
-        } else {
-            touch(n);
+        const bool list = n->tag & kTagList;
+        const bool chain = list || (n->tag & kTagWord);
+        for (; n && (n->tag & mark); n = chain ? n->next : nullptr) {
+            n->tag &= static_cast<uint8_t>(~mark);
+            if (list && n->payload) stack.push_back(n->payload);
         }
     }
 }
 
-void KeepValue(Node* v) {
-    WalkValue(v, [](Node* n) { n->tag &= static_cast<uint8_t>(~kTagCondemned); });
+// A node that is not condemned is kept already or traced on its own.
+void KeepValue(Node* v) { ClearMarkThrough(v, kTagCondemned); }
+
+// A node still pinned from its making is never condemned, so KeepValue would stop at it: its
+// element and its tail are kept from here.
+void KeepChildren(Node* n) {
+    if (n->tag & kTagList) {
+        KeepValue(n->payload);
+        KeepValue(n->next);
+    } else if (n->tag & kTagWord) {
+        KeepValue(n->next);
+    }
 }
 
 void ResetHeap() {
@@ -129,6 +142,7 @@ void FreeNodeHeap() {
     const bool stress = gHeap.collectEveryAllocation;
     gHeap.blocks.clear();
     gHeap.freeNodes = nullptr;
+    gHeap.inFlight.clear();
     gHeap.roots = LogoRoots{};
     gHeap.primitiveNames = nullptr;
     gHeap.primitiveNameCount = 0;
@@ -155,11 +169,20 @@ Node* AllocNode() {
 }
 
 void Recycle() {
+    std::vector<Node*>& pinned = gHeap.pinnedNodes;
+    pinned.clear();
     for (auto& block : gHeap.blocks) {
         for (int i = 0; i < kNodesPerBlock; ++i) {
-            if (!(block[i].tag & kTagPinned)) block[i].tag |= kTagCondemned;
+            Node& n = block[i];
+            if (n.tag & kTagPinned) {
+                pinned.push_back(&n);
+            } else {
+                n.tag |= kTagCondemned;
+            }
         }
     }
+    for (Node* n : pinned) KeepChildren(n);
+    for (Node* held : gHeap.inFlight) KeepValue(held);
     LogoRoots& r = gHeap.roots;
     KeepValue(r.currentLine);
     for (int i = 0; i < kBuckets; ++i) {
@@ -203,12 +226,29 @@ void SetPrimitiveNameRoots(Node* const* names, int count) {
     gHeap.primitiveNameCount = count;
 }
 
+// A node still pinned from its making protects itself and, through the collector, what it reaches;
+// only an older value needs an entry.
 void PinValue(Node* v) {
-    WalkValue(v, [](Node* n) { n->tag |= kTagPinned; });
+    if (!v || (v->tag & (kTagPinned | kTagHeld))) return;
+    gHeap.inFlight.push_back(v);
+    v->tag |= kTagHeld;
 }
 
+// Drops the pin of `v`, and the pins its fresh nodes carry from their making. The walk goes only
+// through nodes that are still pinned: older nodes are protected by their holders, not by this value.
 void UnpinValue(Node* v) {
-    WalkValue(v, [](Node* n) { n->tag &= static_cast<uint8_t>(~kTagPinned); });
+    if (!v) return;
+    if (v->tag & kTagHeld) {
+        std::vector<Node*>& held = gHeap.inFlight;
+        for (size_t i = held.size(); i-- > 0;) {
+            if (held[i] == v) {
+                held.erase(held.begin() + static_cast<std::ptrdiff_t>(i));
+                break;
+            }
+        }
+        v->tag &= static_cast<uint8_t>(~kTagHeld);
+    }
+    ClearMarkThrough(v, kTagPinned);
 }
 
 Node* MakeWord(std::string_view text) {
@@ -255,17 +295,13 @@ Node* DropFirstChar(const Node* word) {
     return MakeWord(std::string_view(text).substr(1));
 }
 
-// The C library's toupper in its "C" locale, which the language's comparisons use, without the
-// call: property lists and dictionaries compare names on every lookup.
-inline unsigned char UpperAscii(unsigned char c) { return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - 32) : c; }
-
 int CompareWords(const Node* a, const Node* b) {
     if (a == b) return 0;
     for (; a && b; a = a->next, b = b->next) {
         if (std::memcmp(a->chars, b->chars, 4) == 0) continue;
         for (int i = 0; i < 4; ++i) {
-            const signed char ca = static_cast<signed char>(UpperAscii(static_cast<unsigned char>(a->chars[i])));
-            const signed char cb = static_cast<signed char>(UpperAscii(static_cast<unsigned char>(b->chars[i])));
+            const signed char ca = static_cast<signed char>(UpperChar(static_cast<unsigned char>(a->chars[i])));
+            const signed char cb = static_cast<signed char>(UpperChar(static_cast<unsigned char>(b->chars[i])));
             if (ca != cb) return ca < cb ? -1 : 1;
         }
     }
@@ -329,7 +365,7 @@ bool TextIsNumber(const std::string& text) {
     while (digit(i)) ++i;
     if (i < text.size() && text[i] == '.') ++i;
     while (digit(i)) ++i;
-    if (i < text.size() && std::toupper(static_cast<unsigned char>(text[i])) == 'E') {
+    if (i < text.size() && UpperChar(static_cast<unsigned char>(text[i])) == 'E') {
         ++i;
         if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
         if (!digit(i)) return false;

@@ -1,8 +1,9 @@
 // The language's one kind of cell. Every value (word, list, integer, real) and every piece of the
 // interpreter's bookkeeping (procedures, variables, call frames, catch records) is a chain of nodes
 // handed out from blocks of 1000 and taken back by a mark-and-sweep collector. Values in flight on
-// the native stack are not roots: they survive because new nodes come out pinned, and whoever takes
-// a value from the evaluator unpins it when done.
+// the native stack are not roots: they survive because new nodes come out pinned, because a value
+// taken from a variable is pinned by an entry in a table of pinned values, and whoever takes a
+// value from the evaluator unpins it when done.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +14,7 @@ inline constexpr uint8_t kTagList = 1;
 inline constexpr uint8_t kTagWord = 2;
 inline constexpr uint8_t kTagFloat = 4;
 inline constexpr uint8_t kTagInteger = 8;
+inline constexpr uint8_t kTagHeld = 32;  // the node heads a value in the table of pinned values
 inline constexpr uint8_t kTagPinned = 64;
 inline constexpr uint8_t kTagCondemned = 128;
 inline constexpr uint8_t kTagAtom = kTagWord | kTagFloat | kTagInteger;
@@ -34,6 +36,10 @@ struct Node {
     };
     Node() : payload(nullptr) {}
 };
+
+// The language upper-cases the ASCII letters alone, the same on every host whatever the C library's
+// locale; names are compared and hashed through it.
+inline int UpperChar(unsigned char c) { return c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c; }
 
 inline bool IsList(const Node* v) { return v && (v->tag & kTagList); }
 inline bool IsWord(const Node* v) { return v && (v->tag & kTagWord); }

@@ -351,6 +351,9 @@ inline constexpr int kHashBuckets = 361;
 
 struct PrimitiveState {
     Node* names[kPrimitiveRows] = {};
+    // A token that was found once has adopted its row's name node, so the next lookup of the same
+    // token in a run list that is run again answers by the node alone.
+    std::unordered_map<const Node*, int> rowOfName;
     int order[kNamedPrimitiveRows] = {};  // row numbers, sorted by hash
     int hashStart[kHashBuckets] = {};
     int hashCount[kHashBuckets] = {};
@@ -365,7 +368,7 @@ void ResetPrimitives() { gPrimitives = PrimitiveState{}; }
 int PrimitiveBucket(const char* text) {
     int16_t h = 1;
     for (; *text; ++text) {
-        h = static_cast<int16_t>(h * std::toupper(static_cast<unsigned char>(*text)) + 251);
+        h = static_cast<int16_t>(h * UpperChar(static_cast<unsigned char>(*text)) + 251);
         if (h == -32768) h = -32767;
     }
     const int16_t shifted = static_cast<int16_t>(h >> 2);
@@ -383,6 +386,7 @@ void InitPrimitiveTable() {
     for (int row = 0; row < kPrimitiveRows; ++row) {
         p.names[row] = MakeWord(kRows[row].name);
         UnpinValue(p.names[row]);
+        if (row < kNamedPrimitiveRows) p.rowOfName.emplace(p.names[row], row);
     }
     int bucketOf[kNamedPrimitiveRows];
     for (int row = 0; row < kNamedPrimitiveRows; ++row) {
@@ -408,6 +412,7 @@ Node* PrimitiveNameNode(int row) {
 
 int FindPrimitive(Node** word) {
     if (!IsWord(*word)) return -1;
+    if (const auto known = gPrimitives.rowOfName.find(*word); known != gPrimitives.rowOfName.end()) return known->second;
     const std::string text = WordToText(*word);
     const int b = PrimitiveBucket(text.c_str());
     for (int i = 0; i < gPrimitives.hashCount[b]; ++i) {

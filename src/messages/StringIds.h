@@ -22,6 +22,7 @@ inline constexpr int kAlertDiskLocked = 2689;
 
 // The card list and moving between cards.
 inline constexpr int kAlertCardNotFound = 2223;
+inline constexpr int kAlertNoMatch = 2201;
 inline constexpr int kAlertNoMemory = 2224;
 inline constexpr int kAlertPictureNotStored = 2230;
 inline constexpr int kAlertNoMarkedCard = 2242;

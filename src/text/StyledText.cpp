@@ -128,6 +128,52 @@ std::vector<Rect> RangeRects(const StyledDocument& document, const TextLayout& l
     return rects;
 }
 
+namespace {
+
+// The line whose cell holds `y`, or the last.
+size_t LineIndexAt(const TextLayout& layout, int32_t y) {
+    size_t i = 0;
+    while (i + 1 < layout.lines.size() && y >= layout.lines[i].top + layout.lines[i].height) ++i;
+    return i;
+}
+
+}  // namespace
+
+int32_t ScrollLimit(const TextLayout& layout, int32_t visible) {
+    for (const LaidLine& line : layout.lines) {
+        if (layout.height - line.top <= visible) return line.top;
+    }
+    return layout.lines.empty() ? 0 : layout.lines.back().top;
+}
+
+int32_t ScrollToLine(const TextLayout& layout, int32_t value, int32_t visible) {
+    if (layout.lines.empty() || value <= 0) return 0;
+    return std::min(layout.lines[LineIndexAt(layout, value)].top, ScrollLimit(layout, visible));
+}
+
+int32_t ScrollByLines(const TextLayout& layout, int32_t value, int32_t lines, int32_t visible) {
+    if (layout.lines.empty()) return 0;
+    const int64_t at = static_cast<int64_t>(LineIndexAt(layout, value)) + lines;
+    const size_t target = static_cast<size_t>(std::clamp<int64_t>(at, 0, int64_t(layout.lines.size()) - 1));
+    return ScrollToLine(layout, layout.lines[target].top, visible);
+}
+
+int32_t ScrollByPage(const TextLayout& layout, int32_t value, bool forward, int32_t visible) {
+    if (layout.lines.empty()) return 0;
+    const size_t first = LineIndexAt(layout, value);
+    const int32_t top = layout.lines[first].top;
+    if (forward) {
+        size_t next = first + 1;
+        while (next < layout.lines.size() && layout.lines[next].top + layout.lines[next].height <= top + visible) ++next;
+        return next < layout.lines.size() ? ScrollToLine(layout, layout.lines[next].top, visible)
+                                          : ScrollLimit(layout, visible);
+    }
+    size_t back = first;
+    while (back > 0 && layout.lines[back - 1].top >= top - visible) --back;
+    if (back == first && first > 0) --back;
+    return layout.lines[back].top;
+}
+
 const TextStyle& StyledDocument::StyleAt(size_t offset) const {
     return runs.empty() ? kDefaultStyle : runs[RunIndexAt(*this, offset)].style;
 }

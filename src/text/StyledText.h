@@ -63,6 +63,17 @@ TextLayout LayOutDocument(const StyledDocument& document, int32_t width);
 size_t CharacterAt(const StyledDocument& document, const TextLayout& layout, int32_t x, int32_t y);
 // The rectangles, one per line, that the characters [start, end) cover, from the text's top-left.
 std::vector<Rect> RangeRects(const StyledDocument& document, const TextLayout& layout, size_t start, size_t end);
+// Scrolling keeps a line's top at the top of the view. The scroll value is that line's top in
+// pixels, from 0 to ScrollLimit: the top of the first line from which the rest of the text fits in
+// `visible` pixels (0 for a text that fits).
+int32_t ScrollLimit(const TextLayout& layout, int32_t visible);
+// `lines` lines further on (negative: back), kept between 0 and the limit.
+int32_t ScrollByLines(const TextLayout& layout, int32_t value, int32_t lines, int32_t visible);
+// A page on: the first line not wholly in view comes to the top (at least one line moves). A page
+// back: the earliest line whose top is within `visible` pixels above the view's top.
+int32_t ScrollByPage(const TextLayout& layout, int32_t value, bool forward, int32_t visible);
+// The line top nearest above `value`, kept between 0 and the limit.
+int32_t ScrollToLine(const TextLayout& layout, int32_t value, int32_t visible);
 // Draws the lines with the text's top-left corner at (left, top), each aligned in the layout's
 // width; nothing outside `clip` changes, and the background stays as it is.
 void DrawDocument(Surface& surface, const StyledDocument& document, const TextLayout& layout,

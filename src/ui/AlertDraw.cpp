@@ -99,6 +99,21 @@ TextFont AlertFont() {
     return TextFont{"MS Sans Serif", kDialogFontPx, 0};
 }
 
+void DrawDialogLine(Surface& window, const Rect& r, int32_t x, const std::string& text, uint32_t colour) {
+    const TextFont font = AlertFont();
+    const TextMetrics m = GetTextMetrics(font);
+    DrawText(window, font, x, r.top + (r.Height() - m.lineHeight) / 2 + m.ascent, text, colour, r);
+}
+
+void DrawDialogButton(Surface& window, const Rect& clip, const Rect& r, const std::string& label, bool isDefault,
+                      bool pressed) {
+    FillRect(window, clip, r, kDialogFaceColour);
+    FrameRect(window, clip, r, {kBlack, isDefault ? 2 : 1, PenMode::Copy});
+    DrawDialogLine(window, IntersectRect(r, clip), r.left + (r.Width() - MeasureText(AlertFont(), label)) / 2, label,
+                   kBlack);
+    if (pressed) InvertRect(window, clip, InflateRect(r, -2, -2));
+}
+
 void DrawAlert(Surface& target, const Point& origin, const AlertLayout& layout, int pressed) {
     const Rect box{origin.x, origin.y, origin.x + layout.width, origin.y + layout.height};
     const Rect bounds = IntersectRect(box, target.Bounds());

@@ -15,11 +15,8 @@ inline constexpr uint32_t kHighlight = Rgb(0x00, 0x00, 0x80);
 inline constexpr uint32_t kFolderColour = Rgb(0xE8, 0xC8, 0x50);
 inline constexpr uint32_t kBarColour = Rgb(0xE0, 0xE0, 0xE0);
 
-// A line of text centred on the height of `r`, cut at its edges.
 void DrawLine(Surface& window, const Rect& r, int32_t x, const std::string& text, uint32_t colour) {
-    const TextFont font = AlertFont();
-    const TextMetrics m = GetTextMetrics(font);
-    DrawText(window, font, x, r.top + (r.Height() - m.lineHeight) / 2 + m.ascent, text, colour, r);
+    DrawDialogLine(window, r, x, text, colour);
 }
 
 // A long path keeps its end, where the folder's own name is.
@@ -32,12 +29,7 @@ std::string FittedPath(const std::string& path, int32_t width) {
 }
 
 void DrawButton(Surface& window, const Rect& box, int button, const std::string& label, bool pressed) {
-    const Rect r = OffsetRect(ChooserButtonRect(button), box.left, box.top);
-    FillRect(window, box, r, kDialogFaceColour);
-    FrameRect(window, box, r, {kBlack, button == 1 ? 2 : 1, PenMode::Copy});
-    const int32_t x = r.left + (r.Width() - MeasureText(AlertFont(), label)) / 2;
-    DrawLine(window, r, x, label, kBlack);
-    if (pressed) InvertRect(window, box, InflateRect(r, -2, -2));
+    DrawDialogButton(window, box, OffsetRect(ChooserButtonRect(button), box.left, box.top), label, button == 1, pressed);
 }
 
 void DrawRow(Surface& window, const Rect& rowRect, const ChooserRow& row, bool selected) {

@@ -4,6 +4,7 @@
 #include "gfx/Draw.h"
 #include "player/Navigation.h"
 #include "text/Font.h"
+#include "ui/AlertDraw.h"
 #include "ui/ModalLoop.h"
 
 namespace {
@@ -44,16 +45,7 @@ int ButtonAt(const HostEvent& event, const Rect& box) {
 }
 
 void DrawButtonBox(Surface& window, const Rect& box, int button, const char* label, bool pressed) {
-    const Rect r = OffsetRect(ButtonRect(button), box.left, box.top);
-    FillRect(window, box, r, kFaceColour);
-    // OK is the default button: a heavier frame.
-    FrameRect(window, box, r, {kBlack, button == kOk ? 2 : 1, PenMode::Copy});
-    const TextFont font = DialogFont();
-    const TextMetrics m = GetTextMetrics(font);
-    const int32_t x = r.left + (r.Width() - MeasureText(font, label)) / 2;
-    const int32_t baseline = r.top + (r.Height() - m.lineHeight) / 2 + m.ascent;
-    DrawText(window, font, x, baseline, label, kBlack, r);
-    if (pressed) InvertRect(window, box, InflateRect(r, -2, -2));
+    DrawDialogButton(window, box, OffsetRect(ButtonRect(button), box.left, box.top), label, button == kOk, pressed);
 }
 
 void DrawSession(void* context, Surface& window, const Rect& box) {

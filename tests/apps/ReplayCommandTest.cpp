@@ -18,9 +18,11 @@
 #include "EventScript.h"
 #include "OpenForCommand.h"
 #include "PngFile.h"
+#include "card/DisplayList.h"
 #include "host/MainLoop.h"
 #include "host/WindowProc.h"
 #include "platform/headless/HeadlessHost.h"
+#include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "support/CommandFixture.h"
 #include "support/HeardSound.h"
@@ -139,6 +141,25 @@ TEST_F(Replay, AHotWordOfTheDemoGoesToItsCard) {
         ASSERT_EQ(RunQuietly(options), 0) << err_;
         EXPECT_EQ(GetDocument().currentCardId, click.card) << click.x;
     }
+}
+
+// The About card's long field: a press on the track pages, and the lower arrow held down steps on
+// with the tick until the last line is in view.
+TEST_F(Replay, TheDemosLongFieldScrollsToItsEndWithItsBar) {
+    RenderOptions options = Options(Write("scroll.json", R"([
+      {"at": 2000, "event": "mousedown", "x": 390, "y": 380, "mods": []},
+      {"at": 2060, "event": "mouseup", "x": 390, "y": 380, "mods": []},
+      {"at": 5000, "event": "mousedown", "x": 590, "y": 340, "mods": []},
+      {"at": 5060, "event": "mouseup", "x": 590, "y": 340, "mods": []},
+      {"at": 5500, "event": "mousedown", "x": 590, "y": 360, "mods": []},
+      {"at": 6500, "event": "mouseup", "x": 590, "y": 360, "mods": []}])"), "scroll.png");
+    options.path = QB_DEMO_STACK;
+    ASSERT_EQ(RunQuietly(options), 0) << err_;
+    const DisplayItem* field = FindDisplayItem(kItemKindText, 405);
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->scrollValue, ScrollLimit(field->layout, field->textArea.bottom - field->textArea.top));
+    EXPECT_GT(field->scrollValue, 0);
+    EXPECT_EQ(field->pressedArrow, 0);
 }
 
 TEST_F(Replay, BadEventFilesExitTwoAndSayWhy) {

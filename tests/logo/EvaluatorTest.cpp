@@ -126,6 +126,24 @@ TEST(LogoTranscript, ActionScriptsRunThroughTheSubsystemTableAndKeepTheWorkspace
     EXPECT_EQ(gTranscript, "42\n");
 }
 
+size_t LiveNodesAfter(const char* script) {
+    RunLogoLines(script, nullptr, nullptr);
+    RunLogoLines("MAKE \"S 0", nullptr, nullptr);
+    Recycle();
+    return NodeBlockCount() * kNodesPerBlock - FreeNodeCount();
+}
+
+// Values held while they are in flight, a list shared by two holders among them, must all be let
+// go: a pin left behind keeps its whole value alive for the rest of the run.
+TEST(LogoHeap, ValuesInFlightAreLetGoWhenDone) {
+    ResetAllState();
+    LiveNodesAfter("TO R :L :A\nIF EMPTYP :L [OP :A]\nOP R BF :L FPUT FIRST :L :A\nEND");
+    const size_t before = LiveNodesAfter("MAKE \"S R [1 2] []\nMAKE \"L [1 2 3]");
+    const size_t after = LiveNodesAfter(
+        "REPEAT 300 [MAKE \"L FPUT 7 :L]\nMAKE \"S R :L []\nMAKE \"S FPUT :S :S\nMAKE \"L [1 2 3]");
+    EXPECT_EQ(after, before);
+}
+
 TEST(LogoTranscript, WaitPassesTheHostsClock) {
     ResetAllState();
     const uint32_t before = GetHost().GetTickCount();

@@ -44,4 +44,29 @@ TEST(StyledTextTest, LinesBreakAfterSpacesAndInsideLongWords) {
     }
 }
 
+// Ten lines of 10 pixels seen through a view 35 pixels tall: the text scrolls at most to the line at
+// 70, from which the last 30 pixels fit.
+TEST(StyledTextTest, ScrollingKeepsALineAtTheTopAndTheTextInView) {
+    TextLayout layout;
+    for (int32_t i = 0; i < 10; ++i) layout.lines.push_back({size_t(i), size_t(i), size_t(i + 1), i * 10, 10, 8, 0});
+    layout.height = 100;
+    EXPECT_EQ(ScrollLimit(layout, 35), 70);
+    EXPECT_EQ(ScrollLimit(layout, 200), 0);
+    struct Case { const char* what; int32_t got, want; };
+    const Case cases[] = {
+        {"a line on", ScrollByLines(layout, 0, 1, 35), 10},
+        {"from inside a line", ScrollByLines(layout, 65, 1, 35), 70},
+        {"past the end", ScrollByLines(layout, 70, 5, 35), 70},
+        {"before the start", ScrollByLines(layout, 10, -3, 35), 0},
+        {"a page on", ScrollByPage(layout, 0, true, 35), 30},
+        {"a page on near the end", ScrollByPage(layout, 50, true, 35), 70},
+        {"a page back", ScrollByPage(layout, 70, false, 35), 40},
+        {"a page back near the start", ScrollByPage(layout, 10, false, 35), 0},
+        {"a page back in a view shorter than a line", ScrollByPage(layout, 50, false, 5), 40},
+        {"to a line's top", ScrollToLine(layout, 33, 35), 30},
+        {"to the end", ScrollToLine(layout, 95, 35), 70},
+    };
+    for (const Case& c : cases) EXPECT_EQ(c.got, c.want) << c.what;
+}
+
 }  // namespace
