@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 int RunInfo(const std::string& path, bool json);
 // `info --json --raw`: the stack as stored in its file, with the contents behind every head, in the
@@ -54,4 +55,5 @@ int RunPlay(const PlayOptions& options);
 
 // `logo`: runs the file, or the one line, and exits 1 after an uncaught error; with neither, reads
 // lines from stdin ("?" prompts on a terminal, ">" inside TO).
-int RunLogo(const std::string& path, const std::string& line);
+// `allowFiles`: folders a script's files may be in besides the current folder and below it.
+int RunLogo(const std::string& path, const std::string& line, const std::vector<std::string>& allowFiles);

@@ -11,10 +11,13 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Commands.h"
 #include "logo/Evaluator.h"
 #include "platform/Host.h"
+#include "platform/HostFolder.h"
+#include "policy/Policy.h"
 
 namespace {
 
@@ -31,7 +34,8 @@ void WriteError(const std::string& text) {
 
 std::optional<std::string> ReadConsoleLine(char prompt) {
     if (gInteractive) {
-        const char shown[] = {prompt, ' ', '\0'};
+        // A script's own reads (READWORD and the like) show no prompt.
+        const char shown[] = {prompt, prompt ? ' ' : '\0', '\0'};
         char* typed = readline(shown);
         if (!typed) return std::nullopt;
         std::string line(typed);
@@ -49,8 +53,11 @@ std::optional<std::string> NoConsole(char) { return std::nullopt; }
 
 }  // namespace
 
-int RunLogo(const std::string& path, const std::string& line) {
+int RunLogo(const std::string& path, const std::string& line, const std::vector<std::string>& allowFiles) {
     SetLogoErrorSink(WriteError);
+    // A script's files: the current folder and below, and the folders the user allows besides.
+    SetPolicyLanguageFolder(HostCurrentFolder());
+    for (const std::string& folder : allowFiles) AllowPolicyLanguageFolder(folder);
     // Ctrl+C stops the running script, not the program.
     std::signal(SIGINT, [](int) { RequestLogoBreak(); });
     if (!line.empty()) return RunLogoLines(line, NoConsole, WriteOut) ? 1 : 0;

@@ -72,6 +72,8 @@ int main(int argc, char** argv) {
     CLI::App* logoCommand = app.add_subcommand("logo", "Run QuillLogo: a file, one line (-e), or lines typed at the prompt");
     logoCommand->add_option("FILE", path, "the program, run line by line");
     logoCommand->add_option("-e", logoLine, "one line to run");
+    std::vector<std::string> allowFiles;
+    logoCommand->add_option("--allow-files", allowFiles, "a folder the script's files may be in, besides the current one");
 
     CLI11_PARSE(app, argc, argv);
     if (!InitMemRefs() || !InitPathSlots()) return 2;
@@ -88,6 +90,6 @@ int main(int argc, char** argv) {
     if (exportCommand->parsed()) return RunExport(path, output);
     if (renderCommand->parsed()) return render.replay.empty() ? RunRender(render) : RunReplay(render);
     if (playCommand->parsed()) return RunPlay(play);
-    if (logoCommand->parsed()) return RunLogo(path, logoLine);
+    if (logoCommand->parsed()) return RunLogo(path, logoLine, allowFiles);
     return 2;
 }

@@ -2,6 +2,7 @@
 // works in degrees.
 #include <climits>
 #include <cmath>
+#include <cstdio>
 
 #include "logo/LogoErrors.h"
 #include "logo/NodeHeap.h"
@@ -11,6 +12,13 @@ namespace {
 
 inline constexpr double kRadiansPerDegree = 0.017453292519943295;
 inline constexpr double kDegreesPerRadian = 57.2957795131;
+// FORM's limits, and what it uses in place of an input outside them.
+inline constexpr int32_t kFormMaxWidth = 128;
+inline constexpr int32_t kFormDefaultWidth = 16;
+inline constexpr int32_t kFormMaxPlaces = 6;
+// Numbers outside this band of magnitude take the exponent form.
+inline constexpr double kFormFixedLow = 1e-6;
+inline constexpr double kFormFixedHigh = 999999;
 
 // A real to an integer, the nearest end standing for what is out of range.
 int32_t ToInteger(double d) {
@@ -61,3 +69,30 @@ Node* PrimArcCos(PrimitiveCall& call) { return RealOf(call, std::acos, 1.0, kDeg
 Node* PrimArcTan(PrimitiveCall& call) { return RealOf(call, std::atan, 1.0, kDegreesPerRadian); }
 Node* PrimExp(PrimitiveCall& call) { return RealOf(call, std::exp, 1.0, 1.0); }
 Node* PrimLn(PrimitiveCall& call) { return RealOf(call, std::log, 1.0, 1.0); }
+
+// A heading, clockwise from north, of the point (x, y): the point's x comes first.
+Node* PrimArcTan2(PrimitiveCall& call) {
+    const double x = GetFloat(call.in[0], call.row), y = GetFloat(call.in[1], call.row);
+    double heading = 90.0 - std::atan2(y, x) * kDegreesPerRadian;
+    if (heading < 0) heading += 360.0;
+    return MakeFloat(heading);
+}
+
+Node* PrimForm(PrimitiveCall& call) {
+    const double x = GetFloat(call.in[0], call.row);
+    int32_t width = GetInteger(call.in[1], call.row);
+    int32_t places = GetInteger(call.in[2], call.row);
+    if (width < 1 || width > kFormMaxWidth) {
+        ReportErrorAtRow(41, call.row, call.in[1]);
+        width = kFormDefaultWidth;
+    }
+    if (places < 0 || places > kFormMaxPlaces) {
+        ReportErrorAtRow(41, call.row, call.in[2]);
+        places = kFormMaxPlaces;
+    }
+    const double magnitude = std::fabs(x);
+    const bool fixed = magnitude >= kFormFixedLow && magnitude <= kFormFixedHigh;
+    char text[kFormMaxWidth + 32];
+    std::snprintf(text, sizeof text, fixed ? "%*.*f" : "%*.*E", static_cast<int>(width), static_cast<int>(places), x);
+    return MakeWord(text);
+}

@@ -8,6 +8,7 @@
 #include "base/KeyCodes.h"
 #include "base/StateRegistry.h"
 #include "logo/LogoErrors.h"
+#include "logo/LogoFiles.h"
 #include "logo/NodeHeap.h"
 #include "logo/Primitives.h"
 #include "logo/Printer.h"
@@ -497,6 +498,7 @@ bool ThrowTo(Node* tag) {
 }
 
 void OutputText(std::string_view text) {
+    if (WriteToLogoWriter(text)) return;
     std::string out(text);
     for (char& c : out) {
         if (c == '\r') c = '\n';

@@ -43,6 +43,7 @@ std::string LogoErrorMessage(int number, const std::string& a, const std::string
         case 74: return "Math operations don't like " + b + " as input";
         case 75: return a + " cannot be used in a procedure";
         case 76: return a + " cannot be used in a script";
+        case 98: return a + " is not available in this build";
         case 99: return a + " is a reserved primitive for future expansion";
         default: return "Unimplemented error";
     }

@@ -298,6 +298,7 @@ Node* DropFirstChar(const Node* word) {
 int CompareWords(const Node* a, const Node* b) {
     if (a == b) return 0;
     for (; a && b; a = a->next, b = b->next) {
+        if (std::memcmp(a->chars, b->chars, 4) == 0) continue;
         for (int i = 0; i < 4; ++i) {
             const signed char ca = static_cast<signed char>(UpperChar(static_cast<unsigned char>(a->chars[i])));
             const signed char cb = static_cast<signed char>(UpperChar(static_cast<unsigned char>(b->chars[i])));

@@ -18,7 +18,7 @@ using PrimitiveHandler = Node* (*)(PrimitiveCall& call);
 struct PrimitiveRow {
     const char* name;
     int16_t inputs;            // 0 to 4, or -1 for a handler that reads the cursor
-    PrimitiveHandler handler;  // null: not built yet, reports error 99 (the operator rows too)
+    PrimitiveHandler handler;  // null: a reserved row, reports error 99 (the operator rows too)
 };
 
 inline constexpr int kPrimitiveRows = 326;

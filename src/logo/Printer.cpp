@@ -83,16 +83,16 @@ void AppendValueText(std::string& out, const Node* v, bool showVariables) {
     }
 }
 
-void AppendLineText(std::string& out, const Node* v) {
+void AppendLineText(std::string& out, const Node* v, size_t limit) {
     bool first = true;
-    for (const Node* cell = v; cell && out.size() < kLineTextMax; cell = cell->next) {
+    for (const Node* cell = v; cell && out.size() < limit; cell = cell->next) {
         if (!cell->payload && !cell->next && cell == v) break;
         if (!first) out += ' ';
         first = false;
         const Node* e = cell->payload;
         if (IsList(e)) {
             out += '[';
-            AppendLineText(out, e);
+            AppendLineText(out, e, limit);
             out += ']';
         } else if (IsNumber(e)) {
             out += NumberToText(e);
@@ -143,7 +143,13 @@ std::string QuotedValueText(const Node* value, bool showVariables) {
 
 std::string ListToLineText(const Node* list) {
     std::string out;
-    if (IsList(list)) AppendLineText(out, list);
+    if (IsList(list)) AppendLineText(out, list, kLineTextMax);
     if (out.size() > kLineTextMax) out.resize(kLineTextMax);
+    return out;
+}
+
+std::string ProcedureLineText(const Node* list) {
+    std::string out;
+    if (IsList(list)) AppendLineText(out, list, std::string::npos);
     return out;
 }

@@ -17,3 +17,5 @@ std::string ValueText(const Node* value, bool showVariables);
 std::string QuotedValueText(const Node* value, bool showVariables);
 // A list's text for the "At:" line, always escaped, cut at 255 characters.
 std::string ListToLineText(const Node* list);
+// A procedure's line as PO lists it: the same form, whole.
+std::string ProcedureLineText(const Node* list);

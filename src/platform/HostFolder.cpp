@@ -20,6 +20,16 @@ std::string MakePrivateHostFolder(const std::string& parent, const std::string& 
     return name.data();
 }
 
+int32_t MakeHostFolders(const std::string& hostPath) {
+    if (hostPath.empty()) return -1;
+    struct stat info {};
+    if (::stat(hostPath.c_str(), &info) == 0) return S_ISDIR(info.st_mode) ? 0 : -1;
+    const size_t slash = hostPath.find_last_of('/');
+    if (slash != std::string::npos && slash > 0 && MakeHostFolders(hostPath.substr(0, slash)) != 0) return -1;
+    if (!GetFileFaults().lockedFolder.empty() && hostPath.substr(0, slash) == GetFileFaults().lockedFolder) return -1;
+    return ::mkdir(hostPath.c_str(), 0700) == 0 ? 0 : -1;
+}
+
 int32_t RemoveHostFolder(const std::string& hostPath) { return ::rmdir(hostPath.c_str()) == 0 ? 0 : -1; }
 
 std::string HostConfigFolder() {

@@ -9,6 +9,9 @@
 // Makes a new folder inside `parent`, named `prefix` and a unique tail, that only this user can
 // enter; returns its host path, or "" when it can't be made. Honours the file layer's locked folder.
 std::string MakePrivateHostFolder(const std::string& parent, const std::string& prefix);
+// Makes a folder and the folders above it that are missing: 0, or -1. Honours the file layer's
+// locked folder.
+int32_t MakeHostFolders(const std::string& hostPath);
 // Removes an empty folder: 0, or -1 (not empty, missing, or not a folder).
 int32_t RemoveHostFolder(const std::string& hostPath);
 // The user's own folder of the player's settings, extension modules and stack sandboxes:

@@ -23,6 +23,10 @@
 //   beside the stack: its folder may be read-only media or shared by other stacks, and nothing a
 //   stack writes should land among files the user keeps. The hash of the full path keeps two
 //   stacks of one name apart while the same stack finds its files again on the next visit.
+// Language files: the files a script opens, loads, saves or erases live in one folder and below
+//   it, and nowhere else: the stack's sandbox in the player; on the command line the folder it was
+//   started in, and any folder the user names besides. A relative name resolves in that folder;
+//   one that leads out of it, by "..", as an absolute path or through a link, is refused.
 // Load: extension modules by a bare name only (no separator, no drive, no ".."). A module compiled
 //   into the player is always allowed; off the web, also a file of that name in the installation's
 //   NBAs folder, else in the user config folder's. On the web there are no module files at all.
@@ -61,6 +65,8 @@ struct PolicyState {
     std::vector<PolicyLaunchAnswer> launchAnswers;     // the user's answers, per stack and program
     std::vector<PolicyLaunchAnswer> launchesRecorded;  // headless requests, in order, never run
     std::vector<std::string> builtInModules;           // compiled into the player
+    std::string languageFolder;                        // "" in the player: the sandbox
+    std::vector<std::string> languageFoldersAllowed;   // further folders the user opened
 };
 
 PolicyState& GetPolicyState();
@@ -82,6 +88,15 @@ bool PolicyAllowsLoad(const std::string& moduleName, std::string* hostPath);
 bool PolicyAllowsLaunch(const std::string& program);
 // Any act by its subject: a host path, a module name or a program.
 bool PolicyAllows(PolicyAct act, const std::string& subject);
+
+// The command line's folder for the language's files, and further folders it may reach.
+void SetPolicyLanguageFolder(const std::string& hostFolder);
+void AllowPolicyLanguageFolder(const std::string& hostFolder);
+// The folder a script's relative file names resolve in.
+std::string PolicyLanguageFolder();
+// The host path of the file a script names (a relative name, an absolute one, or "C:\..."),
+// normalised; "" when it lies outside what the language may reach.
+std::string PolicyLanguageFilePath(const std::string& name);
 
 // The current stack's sandbox folder (it may not exist yet); "" without a stack or config folder.
 std::string PolicySandboxFolder();

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <string>
@@ -46,6 +47,27 @@ TEST(LogoCommand, RunsALineAFileAndTheRepl) {
         EXPECT_EQ(run.output, c.output) << c.command;
         EXPECT_EQ(run.exitCode, c.exitCode) << c.command;
     }
+}
+
+// A script's files: the current folder and below; --allow-files opens one more folder.
+TEST(LogoCommand, FilesStayInTheCurrentFolderUnlessAnotherIsAllowed) {
+    char work[] = "/tmp/qbLogoCwdXXXXXX";
+    char other[] = "/tmp/qbLogoOtherXXXXXX";
+    ASSERT_TRUE(::mkdtemp(work) && ::mkdtemp(other));
+    const std::string far = std::string(other) + "/far.txt";
+    const std::string write = "OPEN \"" + far + " SETWRITE \"" + far + " TYPE 7 CLOSEALL";
+    const std::string cd = "cd " + std::string(work) + " && " QB_QUILLBROOK " logo ";
+    struct Case {
+        std::string command;
+        std::string output;
+    };
+    const Case cases[] = {
+        {cd + "-e 'OPEN \"near.txt SETWRITE \"near.txt TYPE 5 CLOSEALL OPEN \"near.txt PR FILELEN \"near.txt'", "1\n"},
+        {cd + "-e '" + write + "'", "Logo Error: Can't read from \"" + far + "\n\nAt: " + write + "\n"},
+        {cd + "--allow-files " + other + " -e '" + write + " OPEN \"" + far + " PR FILELEN \"" + far + "'", "1\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(Shell(c.command).output, c.output) << c.command;
+    Shell(std::string("rm -rf ") + work + " " + other);
 }
 
 }  // namespace

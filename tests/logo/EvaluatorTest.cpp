@@ -12,28 +12,13 @@
 #include "platform/Host.h"
 #include "platform/headless/HeadlessHost.h"
 #include "subsystems/Subsystems.h"
+#include "support/LogoTranscript.h"
 
 namespace {
 
 std::string gTranscript;
 
-std::string RunTranscript(const char* script, bool collectAlways) {
-    ResetAllState();
-    SetCollectOnEveryAllocation(collectAlways);
-    gTranscript.clear();
-    SetLogoErrorSink([](const std::string& text) {
-        const size_t at = text.find("\n\nAt: ");
-        gTranscript += "!" + text.substr(12, at == std::string::npos ? std::string::npos : at - 12);
-    });
-    RunLogoLines(script, nullptr, [](std::string_view text) { gTranscript += text; });
-    SetCollectOnEveryAllocation(false);
-    return gTranscript;
-}
-
-struct Case {
-    const char* script;
-    const char* transcript;
-};
+using Case = LogoCase;
 
 const Case kCases[] = {
     {"PR 1 + 2 * 3", "7\n"},
@@ -68,7 +53,7 @@ const Case kCases[] = {
     {"TO FD", "!\"FD is a primitive"},
     {"TO F X", "!TO doesn't like \"X as input"},
     {"TO F\nPR 1", "!You used a TO without an END"},
-    {"FD 10", "!FD is a reserved primitive for future expansion"},
+    {"FD 10", "!FD is not available in this build"},
     {"PR ABS -3\nPR ABS -2.5\nPR INT -3.7\nPR ROUND -2.5\nPR ROUND -0.5", "3\n2.5\n-3\n-2\n0\n"},
     {"PR SIN 30\nPR COS 60\nPR POWER 2 10\nPR ARCTAN 1\nPR SQRT 16", "0.5\n0.5\n1024\n45\n4\n"},
     {"PR SQRT -4", "!SQRT doesn't like -4 as input"},
@@ -113,7 +98,7 @@ const Case kCases[] = {
 TEST(LogoTranscript, ScriptsPrintAndReportAsTyped) {
     for (const bool collectAlways : {false, true}) {
         for (const Case& c : kCases) {
-            EXPECT_EQ(RunTranscript(c.script, collectAlways), c.transcript)
+            EXPECT_EQ(RunLogoTranscript(c.script, collectAlways), c.transcript)
                 << c.script << (collectAlways ? " (collecting at every allocation)" : "");
         }
     }
