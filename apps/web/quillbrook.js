@@ -163,9 +163,21 @@
     return QuillbrookModule({
       qbCanvas: this.canvas,
       qbFontBase: scriptBase + 'fonts/',
+      qbStackUrl: this.url,
       qbSharedFiles: sharedFiles,
       qbOnMessage: function (title, text) { console.log('quillbrook: ' + title + ': ' + text); },
       qbOnAudioBlocked: function (context) { self.offerAudio(context); },
+      qbOnCard: function (text) {
+        self.live.textContent = text;
+        self.canvas.setAttribute('aria-label', 'Quillbrook stack ' + self.url.split('/').pop() + ': ' +
+            text.split('\n')[0]);
+      },
+      // The first frame after the stream has ended is the first card: the page hears of it.
+      qbOnPresent: function () {
+        if (!self.opening || self.shown) return;
+        self.shown = true;
+        self.canvas.dispatchEvent(new CustomEvent('quillbrook:card', {bubbles: true}));
+      },
       instantiateWasm: function (imports, receive) {
         compileWasm().then(function (module) {
           return WebAssembly.instantiate(module, imports).then(function (instance) { receive(instance, module); });
@@ -235,7 +247,10 @@
           } else if (chunk.length) {
             write(chunk);
           }
-          if (part.done) return self.call('QbDestroyStream', ['number'], [0]);
+          if (part.done) {
+            self.opening = true;
+            return self.call('QbDestroyStream', ['number'], [0]);
+          }
           return pump();
         });
       }

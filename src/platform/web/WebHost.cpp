@@ -6,6 +6,7 @@
 
 #include "base/Windows1252.h"
 #include "platform/AlertLayout.h"
+#include "platform/HostInput.h"
 #include "platform/web/WebState.h"
 #include "ui/AlertBox.h"
 
@@ -27,10 +28,6 @@ uint32_t WebTickCount() {
     return static_cast<uint32_t>(emscripten_get_now() - gState.startMs);
 }
 
-bool Accepts(HostEventMatch match, const HostEvent& event) {
-    return !match || match(event);
-}
-
 bool WebPollEvent(HostEvent* event) {
     if (gState.events.empty()) return false;
     *event = gState.events.front();
@@ -39,19 +36,11 @@ bool WebPollEvent(HostEvent* event) {
 }
 
 bool WebPeekEvent(HostEventMatch match, HostEvent* event) {
-    const auto& events = gState.events;
-    const auto found = std::find_if(events.begin(), events.end(),
-                                    [match](const HostEvent& e) { return Accepts(match, e); });
-    if (found == events.end()) return false;
-    *event = *found;
-    return true;
+    return PeekQueuedEvent(gState.events, match, event);
 }
 
 void WebDropEvents(HostEventMatch match) {
-    auto& events = gState.events;
-    events.erase(std::remove_if(events.begin(), events.end(),
-                                [match](const HostEvent& e) { return Accepts(match, e); }),
-                 events.end());
+    DropQueuedEvents(gState.events, match);
 }
 
 // The browser gets its turn first, even when the deadline has passed: a loop that only polls must
@@ -80,6 +69,7 @@ void WebPresent(const Rect& dirty) {
     if (part.IsEmpty()) return;
     QbJsPresent(gState.surface.pixels.data(), gState.surface.width, gState.surface.height, part.left,
                 part.top, part.right, part.bottom);
+    DescribeCardIfChanged();
 }
 
 void WebSetTitle(const std::string& title) {

@@ -56,6 +56,10 @@ Module.qbSetTitle = function (title) {
   if (Module.qbOnTitle) Module.qbOnTitle(title);
 };
 
+Module.qbDescribeCard = function (text) {
+  if (Module.qbOnCard) Module.qbOnCard(text);
+};
+
 Module.qbSetCursor = function (wait) {
   if (Module.qbCanvas) Module.qbCanvas.style.cursor = wait ? 'wait' : 'default';
 };
@@ -65,25 +69,28 @@ Module.qbMessage = function (title, text) {
   else console.log((title ? title + ': ' : '') + text);
 };
 
-// Font files: fetched from beside the player's script the first time a face is used, once per
-// page (every player shares the download), and written into this module's memory file system.
-Module.qbFetchFile = function (path) {
-  var prefix = '/fonts/';
-  if (path.indexOf(prefix) !== 0 || !Module.qbFontBase) return Promise.resolve(0);
-  var url = new URL(path.slice(prefix.length), Module.qbFontBase).href;
+// Files fetched on first use and written into this module's memory file system: font files from
+// beside the player's script (`base` 0; one download serves every player of the page), and files a
+// streamed stack names beside itself, relative to the stack's URL (`base` 1).
+Module.qbFetchFile = function (path, base, relative) {
+  var root = base === 0 ? Module.qbFontBase : Module.qbStackUrl;
+  if (!root || !relative) return Promise.resolve(0);
+  var url = new URL(relative.split('/').map(encodeURIComponent).join('/'), root).href;
   var shared = Module.qbSharedFiles || (Module.qbSharedFiles = new Map());
-  if (!shared.has(url)) {
-    shared.set(url, fetch(url).then(function (response) {
+  var download = base === 0 ? shared.get(url) : null;
+  if (!download) {
+    download = fetch(url).then(function (response) {
       if (!response.ok) throw new Error(url + ': HTTP ' + response.status);
       return response.arrayBuffer();
-    }));
+    });
+    if (base === 0) shared.set(url, download);
   }
-  return shared.get(url).then(function (buffer) {
+  return download.then(function (buffer) {
     FS.mkdirTree(path.slice(0, path.lastIndexOf('/')));
     FS.writeFile(path, new Uint8Array(buffer));
     return 1;
   }, function (error) {
-    console.warn('quillbrook: ' + error.message);
+    if (base === 0) console.warn('quillbrook: ' + error.message);
     return 0;
   });
 };

@@ -5,33 +5,11 @@
 
 #include <string>
 
-#include "base/KeyCodes.h"
 #include "base/Windows1252.h"
+#include "platform/HostInput.h"
 #include "platform/web/WebState.h"
 
 namespace {
-
-inline constexpr uint8_t kCharBackspace = 8;
-inline constexpr uint8_t kCharTab = 9;
-inline constexpr uint8_t kCharReturn = 13;
-inline constexpr uint8_t kCharEscape = 27;
-
-
-// The keys whose character the system sends with the key although no text is typed.
-uint8_t ControlCharOf(uint16_t key) {
-    switch (key) {
-        case kVkReturn:
-            return kCharReturn;
-        case kVkBack:
-            return kCharBackspace;
-        case kVkTab:
-            return kCharTab;
-        case kVkEscape:
-            return kCharEscape;
-        default:
-            return 0;
-    }
-}
 
 HostEvent Stamped(HostEventKind kind, uint32_t mods) {
     HostEvent event;
@@ -78,7 +56,7 @@ EMSCRIPTEN_KEEPALIVE void QbWebKey(int down, int key, int mods) {
     HostEvent event = Stamped(down ? HostEventKind::KeyDown : HostEventKind::KeyUp, static_cast<uint32_t>(mods));
     event.key = static_cast<uint16_t>(key);
     QueueWebEvent(event);
-    const uint8_t ch = ControlCharOf(event.key);
+    const uint8_t ch = ControlCharOfKey(event.key);
     if (down && ch != 0 && (event.mods & (kModCtrl | kModAlt)) == 0) {
         event.kind = HostEventKind::Char;
         event.key = 0;

@@ -29,6 +29,8 @@ void QueueWebEvent(const HostEvent& event);
 uint32_t WebDetectAudio();
 uint32_t WebOpenAudio(uint32_t rate, AudioPull pull);
 void WebCloseAudio();
+// WebAccess.cpp: tells the page what the card on show says, when another card has come up.
+void DescribeCardIfChanged();
 // WebFiles.cpp
 void WebFetchFile(const std::string& hostPath);
 bool WebChooseFile(const FileChoice& choice, std::string* hostPath);
