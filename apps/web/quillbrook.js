@@ -16,10 +16,14 @@
 
   function compileWasm() {
     if (!compiledWasm) {
+      // Compiled as it downloads where the server names the type; from the whole file elsewhere.
       compiledWasm = fetch(scriptBase + 'quillbrook.wasm').then(function (response) {
         if (!response.ok) throw new Error('quillbrook.wasm: HTTP ' + response.status);
-        return response.arrayBuffer();
-      }).then(function (bytes) { return WebAssembly.compile(bytes); });
+        if (WebAssembly.compileStreaming && /application\/wasm/.test(response.headers.get('Content-Type') || '')) {
+          return WebAssembly.compileStreaming(response);
+        }
+        return response.arrayBuffer().then(function (bytes) { return WebAssembly.compile(bytes); });
+      });
     }
     return compiledWasm;
   }
@@ -73,6 +77,9 @@
     element.parentNode.replaceChild(holder, element);
     this.loop = null;
     this.queue = Promise.resolve();
+    // The stack downloads while the player starts; its chunks go in once the player is there.
+    this.download = fetch(this.url);
+    this.download.catch(function () {});
     this.ready = this.start();
   }
 
@@ -201,7 +208,7 @@
   // stack, or an HTTP error, never reaches the player.
   Player.prototype.stream = function () {
     var self = this, module = this.module;
-    return fetch(this.url).then(function (response) {
+    return this.download.then(function (response) {
       if (!response.ok) {
         self.showMessage('The stack ' + self.url + ' could not be loaded (HTTP ' + response.status + ' ' +
             response.statusText + ').');
