@@ -116,6 +116,13 @@ EMSCRIPTEN_KEEPALIVE void QbRun() {
 
 EMSCRIPTEN_KEEPALIVE void QbRequestYield() { SetWebYieldRequested(true); }
 
+// The element left the page: the instance goes, as when a browser leaves a page.
+EMSCRIPTEN_KEEPALIVE int QbDestroy() {
+    WebBrowser& b = gBrowser;
+    NPSavedData* saved = nullptr;
+    return b.plugin.destroy(&b.instance, &saved);
+}
+
 // Whether the first bytes of a file could start a stack: the page shows its own message for a file
 // that is no stack at all, and leaves a damaged stack to the player's alerts.
 EMSCRIPTEN_KEEPALIVE int QbLooksLikeStack(const uint8_t* bytes, uint32_t length) {

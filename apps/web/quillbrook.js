@@ -109,12 +109,34 @@
       return Promise.resolve(stopping).then(function () {
         return module.ccall(name, 'number', argTypes, args, {async: true});
       }).then(function (result) {
-        self.loop = Promise.resolve(module.ccall('QbRun', null, [], [], {async: true}));
+        self.loop = self.destroyed ? null : Promise.resolve(module.ccall('QbRun', null, [], [], {async: true}));
         return result;
       });
     });
     this.queue = run.catch(function () {});
     return run;
+  };
+
+  // The player's element left the page: the loop stops and the instance is destroyed.
+  Player.prototype.destroy = function () {
+    if (this.destroyed) return;
+    this.destroyed = true;
+    var self = this;
+    this.queue = Promise.all([this.ready, this.queue]).then(function () {
+      var module = self.module;
+      if (!module) return;
+      var stopping = self.loop;
+      self.loop = null;
+      if (stopping) {
+        module._QbRequestYield();
+        if (module.qbWake) module.qbWake();
+      }
+      return Promise.resolve(stopping).then(function () {
+        module._QbDestroy();
+        module.qbCloseAudio();
+        if (module.qbAudioContext) module.qbAudioContext.close();
+      });
+    });
   };
 
   Player.prototype.input = function (name, args) {
@@ -133,6 +155,13 @@
 
   Player.prototype.listen = function () {
     var self = this, canvas = this.canvas;
+    // A click or a key on the player is the gesture browsers wait for before they let sound out.
+    function wakeAudio() {
+      var context = self.module && self.module.qbAudioContext;
+      if (context && context.state === 'suspended') context.resume();
+    }
+    canvas.addEventListener('mousedown', wakeAudio);
+    canvas.addEventListener('keydown', wakeAudio);
     function mouse(kind) {
       return function (event) {
         var button = event.button === 0 ? 1 : event.button === 2 ? 2 : 0;
@@ -304,6 +333,12 @@
     new MutationObserver(function (changes) {
       changes.forEach(function (change) {
         change.addedNodes.forEach(function (node) { if (node.nodeType === 1) takeOver(node); });
+      });
+      // A player taken off the page (not merely moved) ends.
+      players.slice().forEach(function (player) {
+        if (player.holder.isConnected || player.destroyed || !player.module) return;
+        player.destroy();
+        players.splice(players.indexOf(player), 1);
       });
     }).observe(document.documentElement, {childList: true, subtree: true});
   }

@@ -112,8 +112,15 @@ function check(name, ok, detail = '') {
 // --- The cases ---------------------------------------------------------------------------------
 const { server, url } = await serve(site);
 const browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: CHROMIUM_FLAGS });
-async function open(name) {
-  const tab = await browser.newPage({ viewport: { width: 1400, height: 1000 } });
+// A browser that holds sound back until the person touches the page, as browsers do by default.
+let strictBrowser = null;
+async function open(name, strict) {
+  if (strict && !strictBrowser) {
+    strictBrowser = await chromium.launch({ executablePath: '/usr/bin/chromium',
+      args: CHROMIUM_FLAGS.filter((flag) => !flag.startsWith('--autoplay-policy')).concat(
+        ['--autoplay-policy=document-user-activation-required']) });
+  }
+  const tab = await (strict ? strictBrowser : browser).newPage({ viewport: { width: 1400, height: 1000 } });
   tab.on('pageerror', (error) => failures.push(`${name}: page error ${error.message}`));
   await tab.goto(url + name);
   return tab;
@@ -183,6 +190,26 @@ const CASES = [
       performance.getEntriesByType('resource').filter((entry) => /\/demo\.stk$/.test(entry.name)).length);
     return [diff === 0 && fetched === 2, `${diff} pixels differ from the first card, demo.stk fetched ${fetched} times`];
   }],
+  ['the drag-and-drop page plays a picked file, and offers the demo', 'index.html', async (tab) => {
+    await tab.setInputFiles('#pick', join(site, 'second.stk'));
+    const picked = await settlesOn(tab, 0, 'second.png');
+    await tab.click('#demo');
+    const demoCard = await settlesOn(tab, 0, 'welcome.png');
+    const canvases = await tab.locator('canvas').count();
+    // The first player went with its canvas.
+    const players = await tab.evaluate(() => Quillbrook.players.length);
+    return [picked === 0 && demoCard === 0 && canvases === 1 && players === 1,
+      `${picked} ${demoCard} ${canvases} canvases ${players} players`];
+  }],
+  ['where the browser holds sound back, a click on the offer lets it out', 'one.html', async (tab) => {
+    const offer = tab.locator('.quillbrook-audio');
+    const offered = await offer.waitFor({ timeout: 8000 }).then(() => true, () => false);
+    if (offered) await offer.click();
+    const running = await tab.waitForFunction(() =>
+      Quillbrook.players[0].module.qbAudioContext.state === 'running', null, { timeout: 3000 }).then(() => true, () => false);
+    const gone = await offer.count() === 0;
+    return [offered && running && gone, `offered ${offered}, running ${running}, offer gone ${gone}`];
+  }, true],
   ['two embeds play two stacks, each on its own', 'two.html', async (tab) => {
     const first = await settlesOn(tab, 0, 'welcome.png');
     const second = await settlesOn(tab, 1, 'second.png');
@@ -238,9 +265,9 @@ const CASES = [
 ];
 
 const only = process.env.QB_WEB_TEST_FILTER;
-for (const [name, pageName, run] of CASES) {
+for (const [name, pageName, run, strict] of CASES) {
   if (only && !name.includes(only)) continue;
-  const tab = await open(pageName);
+  const tab = await open(pageName, strict);
   try {
     const [ok, detail] = await run(tab);
     check(name, ok, detail);
@@ -250,6 +277,7 @@ for (const [name, pageName, run] of CASES) {
   await tab.close();
 }
 await browser.close();
+if (strictBrowser) await strictBrowser.close();
 server.kill();
 console.log(failures.length ? `${failures.length} web player test(s) failed` : 'All web player tests passed');
 process.exit(failures.length ? 1 : 0);
