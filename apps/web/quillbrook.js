@@ -186,7 +186,8 @@
         self.input('QbWebText', [text, MODIFIERS(event)]);
         self.module._free(text);
       }
-      if (!event.metaKey) event.preventDefault();
+      // The browser keeps its own reload and developer keys.
+      if (!event.metaKey && event.keyCode !== 116 && event.keyCode !== 123) event.preventDefault();
     });
     canvas.addEventListener('keyup', function (event) {
       self.input('QbWebKey', [0, event.keyCode, MODIFIERS(event)]);
