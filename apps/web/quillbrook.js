@@ -360,6 +360,8 @@
       return player;
     },
   };
+  // The wasm downloads and compiles while the rest of the page loads.
+  compileWasm().catch(function () {});
   if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', watch);
   else watch();
 })();
