@@ -7,7 +7,10 @@ QB := build/release/apps/quillbrook/quillbrook
 DEMO := build/release/examples/demo/demo.stk
 DEMO_PNGS := build/release/demo-cards
 
-.PHONY: all deps deps-web run test test-native test-asan test-wasm build-release coverage fuzz bench format clean
+WEB_PORT ?= 8000
+WEB_SITE := build/web-site
+
+.PHONY: all deps deps-web run test test-native test-asan test-wasm test-web web build-web bench-web build-release coverage fuzz bench format clean
 
 all: build-release
 
@@ -30,7 +33,7 @@ run: build-release
 	  echo "The demo's cards are in $(DEMO_PNGS)/ (contact-sheet.png shows them all)."; \
 	fi
 
-test: deps-web test-native test-asan test-wasm
+test: deps-web test-native test-asan test-wasm test-web
 
 test-native: build-release
 	ctest --preset release -j $(JOBS)
@@ -46,6 +49,30 @@ test-wasm: deps-web
 	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null
 	@cmake --build --preset wasm -j $(JOBS)
 	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
+
+# The web player (wasm build, target qb_web_player) put together with the fonts, the pages and the
+# demo stack (from the release build) as a site in $(WEB_SITE).
+build-web: deps-web build-release
+	@scripts/build-web-deps.sh
+	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null
+	@cmake --build --preset wasm -j $(JOBS) --target qb_web_player
+	@rm -rf $(WEB_SITE)
+	@scripts/web-site.sh build/wasm $(DEMO) $(WEB_SITE)
+
+# Serves the web player and the demo on 127.0.0.1 until interrupted.
+web: build-web
+	@echo "The web player: http://127.0.0.1:$(WEB_PORT)/  (drop a .stk on the page, or play the demo)"
+	python3 -m http.server $(WEB_PORT) --bind 127.0.0.1 --directory $(WEB_SITE)
+
+# The web player in Debian's Chromium, driven by playwright-core (tests/web).
+test-web: build-web
+	@rm -rf build/web-test-site && cp -r $(WEB_SITE) build/web-test-site
+	cd tests/web && node web-player.test.mjs $(abspath build/web-test-site) $(abspath $(QB)) \
+	  $(FIXTURES)/sample-cards.stk $(abspath examples/demo)
+
+# The web player's size (gzipped wasm and js) and the time from page load to the first card.
+bench-web: build-web
+	cd tests/web && node ../../bench/web-bench.mjs $(abspath $(WEB_SITE))
 
 # The unit tests in a --coverage build (build/coverage), then the line coverage of src/ by gcovr:
 # the summary on the terminal, the table by file in build/coverage/coverage.txt. Counters of an

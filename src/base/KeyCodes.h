@@ -5,6 +5,7 @@
 
 // Virtual-key codes, as the system numbers them.
 inline constexpr uint16_t kVkBack = 0x08;
+inline constexpr uint16_t kVkTab = 0x09;
 inline constexpr uint16_t kVkReturn = 0x0D;
 inline constexpr uint16_t kVkShift = 0x10;
 inline constexpr uint16_t kVkControl = 0x11;

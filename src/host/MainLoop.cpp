@@ -54,7 +54,7 @@ void PostCloseRequest() { gLoop.closePosted = true; }
 
 void PumpOneMessage() { ServeDueTick(); }
 
-int RunMainLoop(uint32_t untilMs) {
+int RunMainLoop(uint32_t untilMs, bool (*stop)()) {
     Host& host = GetHost();
     void* window = host.window;
     host.SetTimer(kTickMs);
@@ -62,6 +62,7 @@ int RunMainLoop(uint32_t untilMs) {
         uint32_t deadline = ServeDueTick();
         if (GetWindowProcState().closed || gLoop.closePosted) continue;
         if (untilMs && Reached(GetHost().GetTickCount(), untilMs)) break;
+        if (stop && stop()) break;
         if (untilMs && !Reached(untilMs, deadline)) deadline = untilMs;
         // The host sleeps until the next tick or until input comes: no busy waiting.
         host.WaitUntil(deadline);

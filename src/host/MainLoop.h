@@ -6,8 +6,9 @@
 inline constexpr uint32_t kTickMs = 55;
 
 // Runs until the window is closed, or until GetTickCount reaches `untilMs` when it is given
-// (headless replays). Returns the process's exit code.
-int RunMainLoop(uint32_t untilMs = 0);
+// (headless replays), or until `stop`, asked after each round, says so (the web player gives the
+// page its turn). Returns the process's exit code.
+int RunMainLoop(uint32_t untilMs = 0, bool (*stop)() = nullptr);
 // Serves the timer work that is due and leaves input queued: what long-running code calls.
 void PumpOneMessage();
 

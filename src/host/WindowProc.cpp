@@ -8,6 +8,7 @@
 #include "card/DisplayList.h"
 #include "card/OffscreenCard.h"
 #include "host/ButtonPress.h"
+#include "host/KeyFocus.h"
 #include "host/MainLoop.h"
 #include "host/MenuTable.h"
 #include "memory/MemRef.h"
@@ -208,6 +209,12 @@ int32_t OnKey(void* window, const HostEvent& event) {
 }
 
 int32_t OnChar(void* window, const HostEvent& event) {
+    if (event.ch == '\t' && Browsing()) {
+        MoveKeyFocus((event.mods & kModShift) != 0);
+        return 1;
+    }
+    // The button with the focus ring comes first; without one, Return runs the default button.
+    if ((event.ch == '\r' || event.ch == ' ') && PressFocusedButton(window)) return 1;
     if (event.ch == '\r' && RunDefaultButton(window)) return 1;
     // The language's keyboard input and the active text field take the other characters.
     return 1;

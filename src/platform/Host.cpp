@@ -32,6 +32,7 @@ constexpr Host MakeNullHost() {
     host.OpenAudio = [](uint32_t, AudioPull) { return 0u; };
     host.CloseAudio = [] {};
     host.LockAudio = [](bool) {};
+    host.FetchFile = [](const std::string&) {};
     return host;
 }
 
@@ -72,4 +73,5 @@ void SetHost(const Host& host) {
     FillEmpty(gHost.OpenAudio, null.OpenAudio);
     FillEmpty(gHost.CloseAudio, null.CloseAudio);
     FillEmpty(gHost.LockAudio, null.LockAudio);
+    FillEmpty(gHost.FetchFile, null.FetchFile);
 }

@@ -126,6 +126,10 @@ struct Host {
     uint32_t (*OpenAudio)(uint32_t rate, AudioPull pull) = nullptr;
     void (*CloseAudio)() = nullptr;
     void (*LockAudio)(bool lock) = nullptr;
+    // Makes sure a file the core is about to read is in the host's file system, for a host that
+    // keeps such files elsewhere until they are needed (the web player's font files come over the
+    // network on first use). May wait; a file that cannot be had is simply left missing.
+    void (*FetchFile)(const std::string& hostPath) = nullptr;
     // How long closing the player shows the end splash: kEndSplashMs on the desktop, 0 (close at
     // once) for the command line and the web.
     uint32_t endSplashMs = 0;

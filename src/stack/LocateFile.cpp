@@ -16,10 +16,13 @@ inline constexpr int kFirstNamedTitle = 2413;
 inline constexpr int kLastNamedTitle = 2418;
 inline constexpr char kDriveOrder[] = "CDABEFGHI";
 
-// A candidate counts only where the stack may read it.
+// A candidate counts only where the stack may read it. Only then may a host that keeps the stack's
+// neighbours elsewhere (the web, beside the stack's URL) bring it in.
 bool Exists(const std::string& dosPath) {
     const std::string host = HostPathFromDos(dosPath);
-    return !host.empty() && GetHostFileStatus(host).exists && PolicyAllowsRead(host);
+    if (host.empty() || !PolicyAllowsRead(host)) return false;
+    GetHost().FetchFile(host);
+    return GetHostFileStatus(host).exists;
 }
 
 std::vector<std::string> Split(const std::string& path) {

@@ -15,6 +15,7 @@
 #include <tuple>
 
 #include "base/Windows1252.h"
+#include "platform/Host.h"
 #include "text/Fontmap.h"
 
 namespace {
@@ -84,6 +85,8 @@ std::unique_ptr<SizedFace> OpenFace(const FontFile& file, int32_t px) {
     FT_Library library = Library();
     if (!library) return nullptr;
     auto sized = std::make_unique<SizedFace>();
+    // A host may keep the font files elsewhere until a face is first used.
+    GetHost().FetchFile(file.path);
     if (FT_New_Face(library, file.path.c_str(), 0, &sized->face) != 0) return nullptr;
     FT_Face face = sized->face;
     if (FT_Select_Charmap(face, FT_ENCODING_UNICODE) != 0 ||

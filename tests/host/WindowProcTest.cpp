@@ -7,6 +7,8 @@
 #include "base/ByteOrder.h"
 #include "card/OffscreenCard.h"
 #include "host/ActionRecorder.h"
+#include "host/KeyFocus.h"
+#include "platform/headless/HeadlessHost.h"
 #include "host/MenuTable.h"
 #include "platform/HostPath.h"
 #include "player/StackFlows.h"
@@ -90,6 +92,38 @@ TEST_F(WindowProcTest, ReturnRunsTheRingedButton) {
     HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, 0, 'a'));
     HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, 0, '\r'));
     EXPECT_EQ(RecordedCalls(), "item 7");
+}
+
+TEST_F(WindowProcTest, TabRingsTheVisibleItemsInDrawingOrderAndSpaceOrReturnPressTheButton) {
+    AddTestItem(kItemKindButton, 5, {10, 10, 30, 30});
+    AddTestItem(kItemKindGraphic, 9, {40, 10, 60, 30});
+    AddTestItem(kItemKindText, 8, {70, 10, 90, 30});
+    AddTestItem(kItemKindButton, 6, {100, 10, 120, 30}, 0, kItemFlagHidden);
+    AddTestItem(kItemKindButton, 7, {130, 10, 150, 30}, 0, 0, 1);
+    struct Step { uint8_t ch; uint32_t mods; int16_t focused; const char* runs; };
+    const Step steps[] = {
+        {'\t', 0, 5, ""},         {'\t', 0, 8, ""},  {'\t', 0, 7, ""},
+        {'\t', 0, 0, ""},         // past the last: nothing, so the card's own Return is back
+        {'\r', 0, 0, "item 7"},   // the default button
+        {'\t', kModShift, 7, ""}, {'\t', kModShift, 8, ""},
+        {'\r', 0, 8, "item 7"},   // a field has the ring: Return keeps its meaning
+        {' ', 0, 8, ""},           {'\t', kModShift, 5, ""},
+        {' ', 0, 5, "item 5"},     {'\r', 0, 5, "item 5"},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(testing::Message() << "char " << int{step.ch} << " mods " << step.mods);
+        HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, step.mods, step.ch));
+        EXPECT_EQ(FocusedItemId(), step.focused);
+        EXPECT_EQ(RecordedCalls(), step.runs);
+    }
+    // The ring is drawn inverted around the item, and goes when the focus moves on.
+    const Surface& window = GetHeadlessState().window;
+    EXPECT_EQ(window.Row(20)[33] & kWhite, 0u);
+    HandleWindowMessage(nullptr, KeyEvent(HostEventKind::Char, 0, 0, '\t'));
+    EXPECT_EQ(window.Row(20)[33] & kWhite, kWhite);
+    // On another card nothing has the focus.
+    GetDocument().currentCardId = 42;
+    EXPECT_EQ(FocusedItemId(), 0);
 }
 
 TEST_F(WindowProcTest, CursorComesFromTheItemThenTheCardThenTheStack) {

@@ -5,7 +5,9 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
+#include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
 #include "policy/Policy.h"
@@ -63,6 +65,39 @@ TEST_F(LocatePolicyTest, OtherStacksComeOnlyFromAllowedFolders) {
     EXPECT_EQ(GetPolicyState().context.stackPath, home);
     NewStack(false);
     EXPECT_EQ(GetPolicyState().context.stackPath, "");
+}
+
+// A host that keeps files elsewhere (the web) is asked for a missing file only where the stack may
+// read; what it brings in is then found like any file.
+struct FetchRecorder {
+    std::vector<std::string> asked;
+    std::string bringsIn;  // written when asked for
+    Bytes bytes;
+};
+FetchRecorder gFetch;
+
+TEST_F(LocatePolicyTest, MissingFilesAreFetchedOnlyWhereTheStackMayRead) {
+    const std::string home = WriteTempFile("home.stk", StoredStack({}, {StoredCard(1, "")}, {}));
+    const std::string beside = fs::path(home).replace_filename("fetched.stk").string();
+    const std::string far = (outside_ / "far.stk").string();
+    gFetch = FetchRecorder{{}, beside, StoredStack({}, {StoredCard(1, "")}, {})};
+    GetHost().FetchFile = [](const std::string& path) {
+        gFetch.asked.push_back(path);
+        if (path == gFetch.bringsIn) WriteWholeHostFile(path, gFetch.bytes.data(), gFetch.bytes.size());
+    };
+    SetSlotPath(kSlotStack, DosPathFromHost(home));
+    ASSERT_EQ(OpenStack(false), kResultOk);
+
+    SetSlotPath(kSlotOtherStack, DosPathFromHost(far));
+    EXPECT_EQ(GoToStack(kSlotOtherStack, 1, kPlainEffect, kPlainSpeed, false, false), kStackMoveStopped);
+    for (const std::string& path : gFetch.asked) EXPECT_EQ(path.find(outside_.string()), std::string::npos) << path;
+
+    SetSlotPath(kSlotOtherStack, DosPathFromHost(beside));
+    EXPECT_EQ(GoToStack(kSlotOtherStack, 1, kPlainEffect, kPlainSpeed, false, false), kResultOk);
+    EXPECT_EQ(GetDocument().stackName, "fetched.stk");
+    CloseStack();
+    fs::remove(beside);
+    GetHost().FetchFile = [](const std::string&) {};
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Windows1252.h"
+#include "platform/HostInput.h"
 #include "platform/sdl/SdlState.h"
 
 namespace {
@@ -49,26 +50,14 @@ bool SdlPollEvent(HostEvent* event) {
     return true;
 }
 
-bool Accepts(HostEventMatch match, const HostEvent& event) {
-    return !match || match(event);
-}
-
 bool SdlPeekEvent(HostEventMatch match, HostEvent* event) {
     PumpSdlEvents();
-    const auto& events = gState.events;
-    const auto found = std::find_if(events.begin(), events.end(),
-                                    [match](const HostEvent& e) { return Accepts(match, e); });
-    if (found == events.end()) return false;
-    *event = *found;
-    return true;
+    return PeekQueuedEvent(gState.events, match, event);
 }
 
 void SdlDropEvents(HostEventMatch match) {
     PumpSdlEvents();
-    auto& events = gState.events;
-    events.erase(std::remove_if(events.begin(), events.end(),
-                                [match](const HostEvent& e) { return Accepts(match, e); }),
-                 events.end());
+    DropQueuedEvents(gState.events, match);
 }
 
 // Sleeps in SDL until the deadline or until something new for the main loop arrives; window

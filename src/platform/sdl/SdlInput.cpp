@@ -3,15 +3,11 @@
 #include <string>
 
 #include "base/Windows1252.h"
+#include "platform/HostInput.h"
 #include "platform/sdl/KeyNames.h"
 #include "platform/sdl/SdlState.h"
 
 namespace {
-
-inline constexpr uint8_t kCharBackspace = 8;
-inline constexpr uint8_t kCharTab = 9;
-inline constexpr uint8_t kCharReturn = 13;
-inline constexpr uint8_t kCharEscape = 27;
 
 uint32_t ModsFrom(Uint16 mod) {
     uint32_t mods = 0;
@@ -98,23 +94,6 @@ void TakeMouseMotion(const SDL_MouseMotionEvent& m) {
     QueueMove(event);
 }
 
-// The keys whose character the system sends with the key although no text is typed.
-uint8_t ControlCharOf(SDL_Keycode sym) {
-    switch (sym) {
-        case SDLK_RETURN:
-        case SDLK_KP_ENTER:
-            return kCharReturn;
-        case SDLK_BACKSPACE:
-            return kCharBackspace;
-        case SDLK_TAB:
-            return kCharTab;
-        case SDLK_ESCAPE:
-            return kCharEscape;
-        default:
-            return 0;
-    }
-}
-
 // F11 and Alt+Return switch fullscreen; the card never sees them.
 bool IsFullscreenKey(const SDL_KeyboardEvent& k) {
     return k.keysym.sym == SDLK_F11 || (k.keysym.sym == SDLK_RETURN && (k.keysym.mod & KMOD_ALT));
@@ -133,7 +112,7 @@ void TakeKey(const SDL_KeyboardEvent& k, bool down) {
     event.key = key;
     event.mods = ModsFrom(k.keysym.mod);
     Queue(event);
-    const uint8_t ch = ControlCharOf(k.keysym.sym);
+    const uint8_t ch = ControlCharOfKey(key);
     if (down && ch != 0 && (event.mods & (kModCtrl | kModAlt)) == 0) {
         event.kind = HostEventKind::Char;
         event.key = 0;

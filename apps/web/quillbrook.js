@@ -1,0 +1,367 @@
+// quillbrook.js: one script tag brings embedded stacks back. On load, and for every element added
+// later, each <object> and <embed> whose type is application/qbrk or whose data/src ends in .stk
+// gives way to a player of its size: a canvas with its own module instance, into which the stack
+// streams through the plug-in's entry points. The player's files (quillbrook.wasm, fonts/) are
+// fetched from beside this script. Built after the module's own code, in the same file.
+(function () {
+  'use strict';
+  if (typeof window === 'undefined' || window.Quillbrook) return;
+
+  var STACK_TYPE = 'application/qbrk';
+  var script = document.currentScript;
+  var scriptBase = new URL('.', script && script.src ? script.src : document.baseURI).href;
+  var sharedFiles = new Map();  // font files, fetched once for every player of the page
+  var compiledWasm = null;
+  var players = [];
+
+  function compileWasm() {
+    if (!compiledWasm) {
+      // Compiled as it downloads where the server names the type; from the whole file elsewhere.
+      compiledWasm = fetch(scriptBase + 'quillbrook.wasm').then(function (response) {
+        if (!response.ok) throw new Error('quillbrook.wasm: HTTP ' + response.status);
+        if (WebAssembly.compileStreaming && /application\/wasm/.test(response.headers.get('Content-Type') || '')) {
+          return WebAssembly.compileStreaming(response);
+        }
+        return response.arrayBuffer().then(function (bytes) { return WebAssembly.compile(bytes); });
+      });
+    }
+    return compiledWasm;
+  }
+
+  function stackUrlOf(element) {
+    return element.tagName === 'OBJECT' ? element.getAttribute('data') : element.getAttribute('src');
+  }
+
+  function isStackElement(element) {
+    var type = (element.getAttribute('type') || '').toLowerCase();
+    var url = stackUrlOf(element) || '';
+    return type === STACK_TYPE || /\.stk([?#].*)?$/i.test(url);
+  }
+
+  function sizeOf(element, name, fallback) {
+    var value = parseInt(element.getAttribute(name), 10);
+    if (value > 0) return value;
+    var box = element.getBoundingClientRect();
+    var measured = Math.round(name === 'width' ? box.width : box.height);
+    return measured > 0 ? measured : fallback;
+  }
+
+  var MODIFIERS = function (event) {
+    return (event.shiftKey ? 1 : 0) | (event.ctrlKey ? 2 : 0) | (event.altKey ? 4 : 0);
+  };
+
+  // One element's player: its place on the page, its module, and the order of its entry points.
+  function Player(element, url) {
+    this.url = new URL(url, document.baseURI).href;
+    this.width = sizeOf(element, 'width', 640);
+    this.height = sizeOf(element, 'height', 480);
+    var holder = this.holder = document.createElement('div');
+    holder.className = 'quillbrook-player';
+    holder.style.cssText = 'display:inline-block;position:relative;width:' + this.width + 'px;height:' +
+        this.height + 'px';
+    var canvas = this.canvas = document.createElement('canvas');
+    canvas.width = this.width;
+    canvas.height = this.height;
+    canvas.tabIndex = 0;
+    canvas.setAttribute('role', 'application');
+    canvas.setAttribute('aria-label', 'Quillbrook stack ' + this.url.split('/').pop());
+    canvas.style.cssText = 'display:block;outline:none';
+    holder.appendChild(canvas);
+    // What the card says, for screen readers: kept up to date by the player, never seen.
+    var live = this.live = document.createElement('div');
+    live.setAttribute('aria-live', 'polite');
+    live.className = 'quillbrook-live';
+    live.style.cssText = 'position:absolute;left:-10000px;top:auto;width:1px;height:1px;overflow:hidden';
+    holder.appendChild(live);
+    holder.quillbrook = this;
+    element.parentNode.replaceChild(holder, element);
+    this.loop = null;
+    this.queue = Promise.resolve();
+    // The stack downloads while the player starts; its chunks go in once the player is there.
+    this.download = fetch(this.url);
+    this.download.catch(function () {});
+    this.ready = this.start();
+  }
+
+  Player.prototype.showMessage = function (text) {
+    var box = document.createElement('div');
+    box.className = 'quillbrook-message';
+    box.setAttribute('role', 'alert');
+    box.style.cssText = 'box-sizing:border-box;width:' + this.width + 'px;height:' + this.height + 'px;' +
+        'display:flex;align-items:center;justify-content:center;text-align:center;padding:1em;' +
+        'font:14px sans-serif;background:#eee;color:#222;border:1px solid #999';
+    box.textContent = text;
+    if (this.holder.parentNode) this.holder.parentNode.replaceChild(box, this.holder);
+    this.holder = box;
+    if (this.module) this.module.qbCanvas = null;
+  };
+
+  // An entry point that may wait runs while the main loop is away; the loop starts again after it.
+  Player.prototype.call = function (name, argTypes, args) {
+    var self = this;
+    var run = this.queue.then(function () {
+      var module = self.module;
+      var stopping = self.loop;
+      if (stopping) {
+        module._QbRequestYield();
+        if (module.qbWake) module.qbWake();
+      }
+      return Promise.resolve(stopping).then(function () {
+        return module.ccall(name, 'number', argTypes, args, {async: true});
+      }).then(function (result) {
+        self.loop = self.destroyed ? null : Promise.resolve(module.ccall('QbRun', null, [], [], {async: true}));
+        return result;
+      });
+    });
+    this.queue = run.catch(function () {});
+    return run;
+  };
+
+  // The player's element left the page: the loop stops and the instance is destroyed.
+  Player.prototype.destroy = function () {
+    if (this.destroyed) return;
+    this.destroyed = true;
+    var self = this;
+    this.queue = Promise.all([this.ready, this.queue]).then(function () {
+      var module = self.module;
+      if (!module) return;
+      var stopping = self.loop;
+      self.loop = null;
+      if (stopping) {
+        module._QbRequestYield();
+        if (module.qbWake) module.qbWake();
+      }
+      return Promise.resolve(stopping).then(function () {
+        module._QbDestroy();
+        module.qbCloseAudio();
+        if (module.qbAudioContext) module.qbAudioContext.close();
+      });
+    });
+  };
+
+  Player.prototype.input = function (name, args) {
+    var module = this.module;
+    if (!module) return;
+    module['_' + name].apply(null, args);
+    if (module.qbWake) module.qbWake();
+  };
+
+  Player.prototype.point = function (event) {
+    var box = this.canvas.getBoundingClientRect();
+    var x = (event.clientX - box.left) * this.canvas.width / (box.width || 1);
+    var y = (event.clientY - box.top) * this.canvas.height / (box.height || 1);
+    return [Math.floor(x), Math.floor(y)];
+  };
+
+  Player.prototype.listen = function () {
+    var self = this, canvas = this.canvas;
+    // A click or a key on the player is the gesture browsers wait for before they let sound out.
+    function wakeAudio() {
+      var context = self.module && self.module.qbAudioContext;
+      if (context && context.state === 'suspended') context.resume();
+    }
+    canvas.addEventListener('mousedown', wakeAudio);
+    canvas.addEventListener('keydown', wakeAudio);
+    function mouse(kind) {
+      return function (event) {
+        var button = event.button === 0 ? 1 : event.button === 2 ? 2 : 0;
+        if (kind !== 2 && button === 0) return;
+        if (kind === 2) button = event.buttons & 1 ? 1 : event.buttons & 2 ? 2 : 0;
+        if (kind === 0) canvas.focus();
+        var p = self.point(event);
+        var clicks = kind === 0 && event.detail >= 2 && event.detail % 2 === 0 ? 2 : 1;
+        self.input('QbWebMouse', [kind, p[0], p[1], button, MODIFIERS(event), clicks]);
+        if (kind !== 2) event.preventDefault();
+      };
+    }
+    canvas.addEventListener('mousedown', mouse(0));
+    canvas.addEventListener('mouseup', mouse(1));
+    canvas.addEventListener('mousemove', mouse(2));
+    canvas.addEventListener('contextmenu', function (event) { event.preventDefault(); });
+    canvas.addEventListener('keydown', function (event) {
+      self.input('QbWebKey', [1, event.keyCode, MODIFIERS(event)]);
+      // Printable characters go in as text; the page keeps its own shortcuts for Ctrl and Alt.
+      if (event.key && event.key.length === 1 && !event.ctrlKey && !event.altKey && !event.metaKey) {
+        var text = self.module.allocateUTF8(event.key);
+        self.input('QbWebText', [text, MODIFIERS(event)]);
+        self.module._free(text);
+      }
+      // The browser keeps its own reload and developer keys.
+      if (!event.metaKey && event.keyCode !== 116 && event.keyCode !== 123) event.preventDefault();
+    });
+    canvas.addEventListener('keyup', function (event) {
+      self.input('QbWebKey', [0, event.keyCode, MODIFIERS(event)]);
+    });
+    canvas.addEventListener('blur', function () { self.input('QbWebFocusLost', []); });
+  };
+
+  Player.prototype.start = function () {
+    var self = this;
+    return QuillbrookModule({
+      qbCanvas: this.canvas,
+      qbFontBase: scriptBase + 'fonts/',
+      qbStackUrl: this.url,
+      qbSharedFiles: sharedFiles,
+      qbOnMessage: function (title, text) { console.log('quillbrook: ' + title + ': ' + text); },
+      qbOnAudioBlocked: function (context) { self.offerAudio(context); },
+      qbOnCard: function (text) {
+        self.live.textContent = text;
+        self.canvas.setAttribute('aria-label', 'Quillbrook stack ' + self.url.split('/').pop() + ': ' +
+            text.split('\n')[0]);
+      },
+      // The first frame after the stream has ended is the first card: the page hears of it.
+      qbOnPresent: function () {
+        if (!self.opening || self.shown) return;
+        self.shown = true;
+        self.canvas.dispatchEvent(new CustomEvent('quillbrook:card', {bubbles: true}));
+      },
+      instantiateWasm: function (imports, receive) {
+        compileWasm().then(function (module) {
+          return WebAssembly.instantiate(module, imports).then(function (instance) { receive(instance, module); });
+        }).catch(function (error) { self.showMessage('The player could not start: ' + error.message); });
+        return {};
+      },
+    }).then(function (module) {
+      self.module = module;
+      self.listen();
+      var error = module._QbNew(self.width, self.height);
+      if (error) throw new Error('NPP_New answered ' + error);
+      return self.call('QbSetWindow', [], []);
+    }).then(function () {
+      return self.stream();
+    }).catch(function (error) {
+      self.showMessage('The stack ' + self.url + ' could not be played: ' + error.message);
+    });
+  };
+
+  // The file arrives chunk by chunk and each goes to NPP_Write as it comes; a file that is no
+  // stack, or an HTTP error, never reaches the player.
+  Player.prototype.stream = function () {
+    var self = this, module = this.module;
+    return this.download.then(function (response) {
+      if (!response.ok) {
+        self.showMessage('The stack ' + self.url + ' could not be loaded (HTTP ' + response.status + ' ' +
+            response.statusText + ').');
+        return;
+      }
+      var length = parseInt(response.headers.get('Content-Length'), 10) || 0;
+      var reader = response.body.getReader();
+      var offset = 0, started = false, head = new Uint8Array(0);
+      function write(bytes) {
+        var ptr = module._malloc(bytes.length);
+        module.HEAPU8.set(bytes, ptr);
+        module._QbWrite(offset, bytes.length, ptr);
+        module._free(ptr);
+        offset += bytes.length;
+      }
+      function notAStack() {
+        self.showMessage(self.url.split('/').pop() + ' is not a Quillbrook stack.');
+      }
+      function checkHead(chunk, done) {
+        var joined = new Uint8Array(head.length + chunk.length);
+        joined.set(head);
+        joined.set(chunk, head.length);
+        head = joined;
+        if (head.length < 128 && !done) return true;
+        var ptr = module._malloc(head.length);
+        module.HEAPU8.set(head, ptr);
+        var plausible = module._QbLooksLikeStack(ptr, head.length);
+        module._free(ptr);
+        if (!plausible) { notAStack(); return false; }
+        var url = module.allocateUTF8(self.url);
+        var error = module._QbNewStream(url, length);
+        module._free(url);
+        if (error) throw new Error('NPP_NewStream answered ' + error);
+        started = true;
+        write(head);
+        return true;
+      }
+      function pump() {
+        return reader.read().then(function (part) {
+          var chunk = part.value || new Uint8Array(0);
+          if (!started) {
+            if (!checkHead(chunk, part.done)) return reader.cancel();
+          } else if (chunk.length) {
+            write(chunk);
+          }
+          if (part.done) {
+            self.opening = true;
+            return self.call('QbDestroyStream', ['number'], [0]);
+          }
+          return pump();
+        });
+      }
+      return pump();
+    });
+  };
+
+  // Browsers hold sound back until the person has touched the page: a click on the overlay
+  // starts it.
+  Player.prototype.offerAudio = function (context) {
+    if (this.audioOverlay || context.state === 'running') return;
+    var overlay = this.audioOverlay = document.createElement('button');
+    overlay.type = 'button';
+    overlay.className = 'quillbrook-audio';
+    overlay.textContent = '\u{1F50A} Click for sound';
+    overlay.style.cssText = 'position:absolute;right:8px;bottom:8px;font:13px sans-serif;padding:4px 8px';
+    var self = this;
+    function gone() {
+      if (overlay.parentNode) overlay.parentNode.removeChild(overlay);
+      self.audioOverlay = null;
+    }
+    overlay.addEventListener('click', function () { context.resume().then(gone); self.canvas.focus(); });
+    context.addEventListener('statechange', function () { if (context.state === 'running') gone(); });
+    this.holder.appendChild(overlay);
+  };
+
+  // An <object> goes first, so that an <embed> inside it (the old fallback) gives no second player.
+  function takeOver(root) {
+    var found = [];
+    var scope = root.querySelectorAll ? root : document;
+    if (root.tagName === 'OBJECT' || root.tagName === 'EMBED') found.push(root);
+    Array.prototype.push.apply(found, scope.querySelectorAll('object'));
+    Array.prototype.push.apply(found, scope.querySelectorAll('embed'));
+    found.forEach(function (element) {
+      if (element.quillbrookSeen || !element.parentNode || !isStackElement(element)) return;
+      element.quillbrookSeen = true;
+      if (element.tagName === 'EMBED' && element.closest('object') && element.closest('object').quillbrookSeen) return;
+      players.push(new Player(element, stackUrlOf(element)));
+    });
+  }
+
+  function watch() {
+    takeOver(document);
+    new MutationObserver(function (changes) {
+      changes.forEach(function (change) {
+        change.addedNodes.forEach(function (node) { if (node.nodeType === 1) takeOver(node); });
+      });
+      // A player taken off the page (not merely moved) ends.
+      players.slice().forEach(function (player) {
+        if (player.holder.isConnected || player.destroyed || !player.module) return;
+        player.destroy();
+        players.splice(players.indexOf(player), 1);
+      });
+    }).observe(document.documentElement, {childList: true, subtree: true});
+  }
+
+  window.Quillbrook = {
+    players: players,
+    // Plays a stack given as bytes (a dropped or picked file) in place of `element`.
+    playFile: function (element, file) {
+      var url = URL.createObjectURL(file);
+      var player = new Player(element, url);
+      player.name = file.name;
+      players.push(player);
+      return player;
+    },
+    play: function (element, url) {
+      var player = new Player(element, url);
+      players.push(player);
+      return player;
+    },
+  };
+  // The wasm downloads and compiles while the rest of the page loads.
+  compileWasm().catch(function () {});
+  if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', watch);
+  else watch();
+})();

@@ -1,0 +1,50 @@
+// The web player's weight and speed: the gzipped size of quillbrook.wasm and quillbrook.js (fonts
+// are fetched apart, on first use), and the time from the start of a page's load to the first
+// card painted on the demo stack, in headless Chromium, best and median of five cold loads.
+// Targets: at most 1.5 MB gzipped; at most 400 ms to the first card.
+// Usage: node bench/web-bench.mjs SITE_DIR   (make bench-web)
+import { spawn } from 'node:child_process';
+import { readFileSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { gzipSync } from 'node:zlib';
+
+const { chromium } = await import(new URL('../tests/web/node_modules/playwright-core/index.mjs', import.meta.url));
+const site = process.argv[2];
+const RUNS = 5;
+const SIZE_TARGET = 1.5 * 1024 * 1024;
+const TIME_TARGET_MS = 400;
+
+const gz = (name) => gzipSync(readFileSync(join(site, name)), { level: 9 }).length;
+const size = gz('quillbrook.wasm') + gz('quillbrook.js');
+console.log(`size: quillbrook.wasm ${gz('quillbrook.wasm')} + quillbrook.js ${gz('quillbrook.js')} = ` +
+  `${(size / 1024 / 1024).toFixed(2)} MB gzipped (target <= 1.5 MB) ${size <= SIZE_TARGET ? 'ok' : 'OVER'}`);
+
+writeFileSync(join(site, 'bench.html'), '<!DOCTYPE html><html><head><script src="quillbrook.js"></script></head>' +
+  '<body><embed src="demo.stk" type="application/qbrk" width="640" height="480"></body></html>');
+const server = spawn('python3', ['-u', '-m', 'http.server', '0', '--bind', '127.0.0.1', '--directory', site],
+  { stdio: ['ignore', 'pipe', 'ignore'] });
+const url = await new Promise((resolve) => server.stdout.on('data', (data) => {
+  const port = /port (\d+)/.exec(String(data));
+  if (port) resolve(`http://127.0.0.1:${port[1]}/bench.html`);
+}));
+
+const browser = await chromium.launch({ executablePath: '/usr/bin/chromium',
+  args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking'] });
+const times = [];
+for (let run = 0; run < RUNS; ++run) {
+  const context = await browser.newContext();  // a cold cache each time
+  const page = await context.newPage();
+  await page.addInitScript(() => {
+    document.addEventListener('quillbrook:card', () => { window.firstCardMs = performance.now(); }, true);
+  });
+  await page.goto(url);
+  await page.waitForFunction(() => window.firstCardMs > 0, null, { timeout: 20000 });
+  times.push(await page.evaluate(() => window.firstCardMs));
+  await context.close();
+}
+await browser.close();
+server.kill();
+times.sort((a, b) => a - b);
+const median = times[Math.floor(times.length / 2)];
+console.log(`first card: best ${times[0].toFixed(0)} ms, median ${median.toFixed(0)} ms of ${RUNS} cold loads ` +
+  `(target <= ${TIME_TARGET_MS} ms) ${median <= TIME_TARGET_MS ? 'ok' : 'OVER'}`);

@@ -1,0 +1,171 @@
+// The page's half of the web backend, inside each player's module: the C++ half calls these
+// through EM_JS. A player sets Module.qbCanvas (and, optionally, the qbOn* hooks) before the
+// module starts; Module.qbFontBase is the URL the font files are fetched from.
+
+// Our surface is 0x00RRGGBB in 32-bit words; the canvas wants R, G, B, A bytes.
+Module.qbPresent = function (ptr, width, height, left, top, right, bottom) {
+  var canvas = Module.qbCanvas;
+  if (!canvas) return;
+  if (canvas.width !== width || canvas.height !== height) {
+    canvas.width = width;
+    canvas.height = height;
+    Module.qbImage = null;
+  }
+  var context = Module.qbContext || (Module.qbContext = canvas.getContext('2d'));
+  var image = Module.qbImage;
+  if (!image) image = Module.qbImage = context.createImageData(width, height);
+  var out = new Uint32Array(image.data.buffer);
+  var source = HEAPU32;
+  var base = ptr >> 2;
+  for (var y = top; y < bottom; ++y) {
+    for (var i = y * width + left, end = y * width + right; i < end; ++i) {
+      var p = source[base + i];
+      out[i] = 0xFF000000 | ((p & 0xFF) << 16) | (p & 0xFF00) | ((p >>> 16) & 0xFF);
+    }
+  }
+  context.putImageData(image, 0, 0, left, top, right - left, bottom - top);
+  if (Module.qbOnPresent) Module.qbOnPresent();
+};
+
+// A wait of the core: resolves at the deadline, or at once when the page wakes the player (new
+// input, a request to give way). A wait of 0 still lets the page run its queued tasks first.
+Module.qbWait = function (ms) {
+  return new Promise(function (resolve) {
+    var timer = 0;
+    var done = false;
+    function finish() {
+      if (done) return;
+      done = true;
+      if (timer) clearTimeout(timer);
+      if (Module.qbWake === finish) Module.qbWake = null;
+      resolve();
+    }
+    Module.qbWake = finish;
+    if (ms > 0) {
+      timer = setTimeout(finish, ms);
+    } else {
+      var channel = new MessageChannel();
+      channel.port1.onmessage = finish;
+      channel.port2.postMessage(0);
+    }
+  });
+};
+
+Module.qbSetTitle = function (title) {
+  Module.qbTitle = title;
+  if (Module.qbOnTitle) Module.qbOnTitle(title);
+};
+
+Module.qbDescribeCard = function (text) {
+  if (Module.qbOnCard) Module.qbOnCard(text);
+};
+
+Module.qbSetCursor = function (wait) {
+  if (Module.qbCanvas) Module.qbCanvas.style.cursor = wait ? 'wait' : 'default';
+};
+
+Module.qbMessage = function (title, text) {
+  if (Module.qbOnMessage) Module.qbOnMessage(title, text);
+  else console.log((title ? title + ': ' : '') + text);
+};
+
+// Files fetched on first use and written into this module's memory file system: font files from
+// beside the player's script (`base` 0; one download serves every player of the page), and files a
+// streamed stack names beside itself, relative to the stack's URL (`base` 1).
+Module.qbFetchFile = function (path, base, relative) {
+  var root = base === 0 ? Module.qbFontBase : Module.qbStackUrl;
+  if (!root || !relative) return Promise.resolve(0);
+  var url = new URL(relative.split('/').map(encodeURIComponent).join('/'), root).href;
+  var shared = Module.qbSharedFiles || (Module.qbSharedFiles = new Map());
+  var download = base === 0 ? shared.get(url) : null;
+  if (!download) {
+    download = fetch(url).then(function (response) {
+      if (!response.ok) throw new Error(url + ': HTTP ' + response.status);
+      return response.arrayBuffer();
+    });
+    if (base === 0) shared.set(url, download);
+  }
+  return download.then(function (buffer) {
+    FS.mkdirTree(path.slice(0, path.lastIndexOf('/')));
+    FS.writeFile(path, new Uint8Array(buffer));
+    return 1;
+  }, function (error) {
+    if (base === 0) console.warn('quillbrook: ' + error.message);
+    return 0;
+  });
+};
+
+// The host's open dialog is the page's file input: the file picked is copied into memory.
+Module.qbChooseFile = function (pattern) {
+  return new Promise(function (resolve) {
+    var input = document.createElement('input');
+    input.type = 'file';
+    var extension = /\*(\.\w+)$/.exec(pattern || '');
+    if (extension) input.accept = extension[1];
+    input.addEventListener('cancel', function () { resolve(''); });
+    input.addEventListener('change', function () {
+      var file = input.files && input.files[0];
+      if (!file) { resolve(''); return; }
+      file.arrayBuffer().then(function (buffer) {
+        FS.mkdirTree('/chosen');
+        var path = '/chosen/' + file.name.replace(/[\/\\]/g, '_');
+        FS.writeFile(path, new Uint8Array(buffer));
+        resolve(path);
+      }, function () { resolve(''); });
+    });
+    input.click();
+  });
+};
+
+// Sound: a ScriptProcessor pulls the mix as the graph plays. The graph runs through a tap (an
+// AnalyserNode the page may look at) to the speakers. A context the browser holds suspended
+// (no gesture yet) is reported, so that the page can offer a click to start it.
+Module.qbAudioAvailable = function () {
+  return typeof AudioContext !== 'undefined' && !Module.qbNoAudio;
+};
+
+Module.qbOpenAudio = function (rate) {
+  try {
+    var context = Module.qbAudioContext;
+    if (!context || context.sampleRate !== rate) {
+      if (context) context.close();
+      context = Module.qbAudioContext = new AudioContext({sampleRate: rate});
+    }
+    var frames = 2048;
+    var processor = context.createScriptProcessor(frames, 1, 2);
+    processor.onaudioprocess = function (event) {
+      var out = event.outputBuffer;
+      var count = out.length;
+      var ptr = Module._QbWebPullAudio(count) >> 1;
+      var left = out.getChannelData(0), right = out.getChannelData(1);
+      var samples = HEAP16;
+      for (var i = 0; i < count; ++i) {
+        left[i] = samples[ptr + 2 * i] / 32768;
+        right[i] = samples[ptr + 2 * i + 1] / 32768;
+      }
+    };
+    var tap = context.createAnalyser();
+    tap.fftSize = 2048;
+    processor.connect(tap);
+    tap.connect(context.destination);
+    Module.qbAudioProcessor = processor;
+    Module.qbAudioTap = tap;
+    if (context.state !== 'running') {
+      context.resume();
+      if (Module.qbOnAudioBlocked) Module.qbOnAudioBlocked(context);
+    }
+    return context.sampleRate;
+  } catch (error) {
+    console.warn('quillbrook: no sound: ' + error.message);
+    return 0;
+  }
+};
+
+Module.qbCloseAudio = function () {
+  if (Module.qbAudioProcessor) {
+    Module.qbAudioProcessor.onaudioprocess = null;
+    Module.qbAudioProcessor.disconnect();
+  }
+  if (Module.qbAudioTap) Module.qbAudioTap.disconnect();
+  Module.qbAudioProcessor = Module.qbAudioTap = null;
+};

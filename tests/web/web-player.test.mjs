@@ -1,0 +1,299 @@
+// The web player in Debian's Chromium, driven by playwright-core: pages on 127.0.0.1 embed stacks
+// the way old pages did, and the canvas must show what `quillbrook render` draws.
+// Usage: node web-player.test.mjs SITE_DIR QUILLBROOK_CLI SECOND_STACK DEMO_SOURCE_DIR
+import { execFileSync, spawn } from 'node:child_process';
+import { copyFileSync, cpSync, mkdtempSync, readFileSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+import { chromium } from 'playwright-core';
+
+const [site, cli, secondStack, demoSource] = process.argv.slice(2);
+const CHROMIUM_FLAGS = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
+  '--disable-background-networking', '--disable-component-update', '--disable-sync',
+  '--autoplay-policy=no-user-gesture-required'];
+
+// --- The site: the player, the stacks, the reference frames, and one page per case ----------------
+copyFileSync(secondStack, join(site, 'second.stk'));
+writeFileSync(join(site, 'notastack.stk'), 'This is a text file, not a stack.\n'.repeat(20));
+const demo = readFileSync(join(site, 'demo.stk'));
+writeFileSync(join(site, 'damaged.stk'), demo.subarray(0, 4096));
+// The demo's cards hide the menu, and with it the moving keys; this copy shows it.
+const menuDemo = mkdtempSync(join(tmpdir(), 'qb-menu-demo-'));
+cpSync(demoSource, menuDemo, { recursive: true });
+const description = JSON.parse(readFileSync(join(menuDemo, 'demo.json'), 'utf8'));
+for (const card of description.cards) card.menuShown = 1;
+writeFileSync(join(menuDemo, 'demo.json'), JSON.stringify(description));
+execFileSync(cli, ['build', join(menuDemo, 'demo.json'), '-o', join(site, 'menu.stk')]);
+
+const references = join(site, 'ref');
+const render = (stack, card, out) =>
+  execFileSync(cli, ['render', join(site, stack), '--card', String(card), '-o', join(site, 'ref', out)]);
+execFileSync('mkdir', ['-p', references]);
+const DEMO_CARDS = { welcome: 1, pictures: 2, shapes: 7, transitions: 11, about: 12, arrived: 13 };
+for (const [name, card] of Object.entries(DEMO_CARDS)) render('demo.stk', card, `${name}.png`);
+render('second.stk', 1, 'second.png');
+render('menu.stk', 2, 'menu-2.png');
+
+const page = (body) => `<!DOCTYPE html><html><head><script src="quillbrook.js"></script></head>` +
+  `<body style="margin:0">${body}<button id="ping" onclick="window.pinged = performance.now()">ping</button></body></html>`;
+const EMBED = (src, extra = '') => `<embed src="${src}" type="application/qbrk" width="640" height="480"${extra}>`;
+const PAGES = {
+  'one.html': EMBED('demo.stk'),
+  'menu.html': EMBED('menu.stk'),
+  'two.html': EMBED('demo.stk') + EMBED('second.stk'),
+  'object.html': `<object data="demo.stk" type="application/qbrk" width="640" height="480">${EMBED('demo.stk')}</object>`,
+  'errors.html': EMBED('missing.stk') + EMBED('notastack.stk'),
+  'damaged.html': EMBED('damaged.stk'),
+  'later.html': '<div id="slot"></div><script>setTimeout(() => { document.getElementById("slot").innerHTML = ' +
+    `'${EMBED('second.stk')}'; }, 300);</script>`,
+};
+for (const [name, body] of Object.entries(PAGES)) writeFileSync(join(site, name), page(body));
+
+// --- Helpers -----------------------------------------------------------------------------------
+function serve(dir) {
+  const server = spawn('python3', ['-u', '-m', 'http.server', '0', '--bind', '127.0.0.1', '--directory', dir],
+    { stdio: ['ignore', 'pipe', 'ignore'] });
+  return new Promise((resolve, reject) => {
+    server.stdout.on('data', (data) => {
+      const port = /port (\d+)/.exec(String(data));
+      if (port) resolve({ server, url: `http://127.0.0.1:${port[1]}/` });
+    });
+    server.on('exit', () => reject(new Error('the HTTP server did not start')));
+  });
+}
+
+// Differing pixels between the `index`th canvas and a reference PNG; -1 when the sizes differ.
+function differences(tab, index, png) {
+  return tab.evaluate(async ([i, src]) => {
+    const image = new Image();
+    image.src = src;
+    await image.decode();
+    const canvas = document.querySelectorAll('canvas')[i];
+    if (!canvas || canvas.width !== image.width || canvas.height !== image.height) return -1;
+    const scratch = document.createElement('canvas');
+    scratch.width = image.width;
+    scratch.height = image.height;
+    const context = scratch.getContext('2d');
+    context.drawImage(image, 0, 0);
+    const want = context.getImageData(0, 0, image.width, image.height).data;
+    const have = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+    let count = 0;
+    for (let p = 0; p < want.length; p += 4) {
+      if (want[p] !== have[p] || want[p + 1] !== have[p + 1] || want[p + 2] !== have[p + 2]) ++count;
+    }
+    return count;
+  }, [index, `ref/${png}`]);
+}
+
+// Waits until the canvas matches the reference (but for `allowed` pixels); the last count of
+// differing pixels otherwise.
+async function settlesOn(tab, index, png, ms = 8000, allowed = 0) {
+  const end = Date.now() + ms;
+  let diff = -2;
+  while (Date.now() < end) {
+    diff = await differences(tab, index, png);
+    if (diff >= 0 && diff <= allowed) return 0;
+    await tab.waitForTimeout(100);
+  }
+  return diff;
+}
+
+async function clickCanvas(tab, index, x, y) {
+  const box = await tab.locator('canvas').nth(index).boundingBox();
+  await tab.mouse.click(box.x + x, box.y + y);
+}
+
+const failures = [];
+function check(name, ok, detail = '') {
+  console.log(`${ok ? 'ok  ' : 'FAIL'} ${name}${ok ? '' : ` (${detail})`}`);
+  if (!ok) failures.push(name);
+}
+
+// --- The cases ---------------------------------------------------------------------------------
+const { server, url } = await serve(site);
+const browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: CHROMIUM_FLAGS });
+// Headless Chromium lets sound out without a gesture whatever it is told (and playwright's evaluate
+// counts as one); a page opened `strict` gets an AudioContext that, as browsers do by default,
+// stays suspended until the person has pressed the mouse on the page.
+function holdSoundBack() {
+  const Real = window.AudioContext;
+  let touched = false;
+  addEventListener('mousedown', (event) => { touched = touched || event.isTrusted; }, true);
+  window.AudioContext = class extends Real {
+    constructor(options) {
+      super(options);
+      this.held = true;
+      super.suspend();
+    }
+    get state() { return this.held ? 'suspended' : super.state; }
+    resume() {
+      if (!touched) return Promise.resolve();
+      this.held = false;
+      return super.resume().then(() => this.dispatchEvent(new Event('statechange')));
+    }
+  };
+}
+async function open(name, strict) {
+  const tab = await browser.newPage({ viewport: { width: 1400, height: 1000 } });
+  if (strict) await tab.addInitScript(holdSoundBack);
+  tab.on('pageerror', (error) => failures.push(`${name}: page error ${error.message}`));
+  await tab.goto(url + name);
+  return tab;
+}
+
+const CASES = [
+  ['the first card is drawn as quillbrook render draws it', 'one.html', async (tab) => {
+    const diff = await settlesOn(tab, 0, 'welcome.png');
+    return [diff === 0, `${diff} pixels differ`];
+  }],
+  ['a click on a button goes to its card', 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    await clickCanvas(tab, 0, 250, 330);  // "Button shapes"
+    const diff = await settlesOn(tab, 0, 'shapes.png');
+    return [diff === 0, `${diff} pixels differ from the Shapes card`];
+  }],
+  ['after a click gives focus, the right arrow goes to the next card', 'menu.html', async (tab) => {
+    await tab.waitForTimeout(1000);
+    await clickCanvas(tab, 0, 600, 460);  // no button there
+    await tab.keyboard.press('ArrowRight');
+    const diff = await settlesOn(tab, 0, 'menu-2.png');
+    return [diff === 0, `${diff} pixels differ from the Pictures card`];
+  }],
+  ['Tab reaches a button, Return presses it, and the live region tells the new card', 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    const before = await tab.locator('.quillbrook-live').textContent();
+    await clickCanvas(tab, 0, 600, 460);
+    await tab.keyboard.press('Tab');  // the welcome text
+    await tab.keyboard.press('Tab');  // "Pictures"
+    await tab.keyboard.press('Enter');
+    const diff = await settlesOn(tab, 0, 'pictures.png');
+    const after = await tab.locator('.quillbrook-live').textContent();
+    const role = await tab.locator('canvas').getAttribute('role');
+    const ok = diff === 0 && /Card: Welcome/.test(before) && /Buttons: .*Contents.*Next >/.test(after) &&
+      /Card: Pictures/.test(after) && role === 'application';
+    return [ok, `${diff} pixels differ; live region before ${JSON.stringify(before)}, after ${JSON.stringify(after)}`];
+  }],
+  ["a button's sound reaches the WebAudio graph", 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    // The welcome chime first dies away, so that what is heard next is the button's click.
+    const loudestWithin = (ms) => tab.evaluate(async (wait) => {
+      const module = Quillbrook.players[0].module;
+      let loudest = 0;
+      for (const end = performance.now() + wait; performance.now() < end;) {
+        await new Promise((resolve) => setTimeout(resolve, 20));
+        const tap = module.qbAudioTap;
+        if (!tap) continue;
+        const samples = new Float32Array(tap.fftSize);
+        tap.getFloatTimeDomainData(samples);
+        for (const sample of samples) loudest = Math.max(loudest, Math.abs(sample));
+      }
+      return loudest;
+    }, ms);
+    let quiet = 1;
+    for (let i = 0; i < 20 && quiet > 0.0001; ++i) quiet = await loudestWithin(200);
+    await clickCanvas(tab, 0, 250, 330);  // a button that clicks
+    const loudest = await loudestWithin(1000);
+    return [quiet <= 0.0001 && loudest > 0.001, `before the click ${quiet}, after it ${loudest}`];
+  }],
+  ['a stack the card names is fetched beside the stack', 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    await clickCanvas(tab, 0, 390, 380);  // "About"
+    await settlesOn(tab, 0, 'about.png');
+    await clickCanvas(tab, 0, 320, 400);  // "Start over": demo.stk by a file reference
+    const diff = await settlesOn(tab, 0, 'welcome.png');
+    const fetched = await tab.evaluate(() =>
+      performance.getEntriesByType('resource').filter((entry) => /\/demo\.stk$/.test(entry.name)).length);
+    return [diff === 0 && fetched === 2, `${diff} pixels differ from the first card, demo.stk fetched ${fetched} times`];
+  }],
+  ['the drag-and-drop page plays a picked file, and offers the demo', 'index.html', async (tab) => {
+    await tab.setInputFiles('#pick', join(site, 'second.stk'));
+    const picked = await settlesOn(tab, 0, 'second.png');
+    await tab.click('#demo');
+    const demoCard = await settlesOn(tab, 0, 'welcome.png');
+    const canvases = await tab.locator('canvas').count();
+    // The first player went with its canvas.
+    const players = await tab.evaluate(() => Quillbrook.players.length);
+    return [picked === 0 && demoCard === 0 && canvases === 1 && players === 1,
+      `${picked} ${demoCard} ${canvases} canvases ${players} players`];
+  }],
+  ['where the browser holds sound back, a click on the offer lets it out', 'one.html', async (tab) => {
+    const offer = tab.locator('.quillbrook-audio');
+    const offered = await offer.waitFor({ timeout: 8000 }).then(() => true, () => false);
+    const heldAtFirst = await tab.evaluate(() => Quillbrook.players[0].module.qbAudioContext.state === 'suspended');
+    if (offered) await offer.click();
+    const running = await tab.waitForFunction(() =>
+      Quillbrook.players[0].module.qbAudioContext.state === 'running', null, { timeout: 3000 }).then(() => true, () => false);
+    const gone = await offer.count() === 0;
+    return [offered && heldAtFirst && running && gone,
+      `offered ${offered}, held ${heldAtFirst}, running ${running}, offer gone ${gone}`];
+  }, true],
+  ['two embeds play two stacks, each on its own', 'two.html', async (tab) => {
+    const first = await settlesOn(tab, 0, 'welcome.png');
+    const second = await settlesOn(tab, 1, 'second.png');
+    await clickCanvas(tab, 0, 250, 330);
+    const moved = await settlesOn(tab, 0, 'shapes.png');
+    const stayed = await differences(tab, 1, 'second.png');
+    return [first === 0 && second === 0 && moved === 0 && stayed === 0, `${first} ${second} ${moved} ${stayed}`];
+  }],
+  ['an <object> wrapping an <embed> gives one player', 'object.html', async (tab) => {
+    const diff = await settlesOn(tab, 0, 'welcome.png');
+    const canvases = await tab.locator('canvas').count();
+    return [diff === 0 && canvases === 1, `${canvases} canvases, ${diff} pixels differ`];
+  }],
+  ['a missing file and a file that is no stack each leave a message', 'errors.html', async (tab) => {
+    const messages = tab.locator('.quillbrook-message');
+    await messages.nth(1).waitFor({ timeout: 8000 }).catch(() => {});
+    const texts = await messages.allTextContents();
+    const ok = texts.length === 2 && texts.some((t) => /404/.test(t)) &&
+      texts.some((t) => /notastack\.stk is not a Quillbrook stack/.test(t));
+    return [ok, JSON.stringify(texts)];
+  }],
+  ['a damaged stack shows the alert in the canvas and the page lives on', 'damaged.html', async (tab) => {
+    await tab.waitForTimeout(1500);
+    const drawn = await tab.evaluate(() => {
+      const canvas = document.querySelector('canvas');
+      if (!canvas) return 0;
+      const data = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+      let dark = 0;
+      for (let p = 0; p < data.length; p += 4) if (data[p + 3] === 255 && data[p] < 128) ++dark;
+      return dark;
+    });
+    await tab.click('#ping');
+    const pinged = await tab.evaluate(() => window.pinged > 0);
+    return [drawn > 100 && pinged, `${drawn} dark pixels, page answered: ${pinged}`];
+  }],
+  ['a stack added to the page later is played', 'later.html', async (tab) => {
+    const diff = await settlesOn(tab, 0, 'second.png');
+    return [diff === 0, `${diff} pixels differ`];
+  }],
+  ['the page answers a click during a slow dissolve', 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    await clickCanvas(tab, 0, 390, 330);  // "Transitions"
+    await settlesOn(tab, 0, 'transitions.png');
+    await clickCanvas(tab, 0, 460, 140);  // "Dissolve (slow)"
+    const clicked = Date.now();
+    await tab.click('#ping', { timeout: 2000 });
+    const answered = Date.now() - clicked;
+    const midway = await differences(tab, 0, 'arrived.png');
+    // A dissolve never reaches the last few values of its walk: those pixels keep the old card.
+    const arrived = await settlesOn(tab, 0, 'arrived.png', 8000, 16);
+    return [answered < 1000 && midway > 0 && arrived === 0, `answered in ${answered} ms, ${midway} pixels still to change, ${arrived} at the end`];
+  }],
+];
+
+const only = process.env.QB_WEB_TEST_FILTER;
+for (const [name, pageName, run, strict] of CASES) {
+  if (only && !name.includes(only)) continue;
+  const tab = await open(pageName, strict);
+  try {
+    const [ok, detail] = await run(tab);
+    check(name, ok, detail);
+  } catch (error) {
+    check(name, false, error.message.split('\n')[0]);
+  }
+  await tab.close();
+}
+await browser.close();
+server.kill();
+console.log(failures.length ? `${failures.length} web player test(s) failed` : 'All web player tests passed');
+process.exit(failures.length ? 1 : 0);
