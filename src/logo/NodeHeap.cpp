@@ -37,6 +37,7 @@ struct HeapState {
     // is looked for from the end.
     std::vector<Node*> inFlight;
     std::vector<Node*> pinnedNodes;  // the collector's list of nodes still pinned from their making
+    size_t freedLast = 0;            // nodes the last collection freed
 };
 
 HeapState gHeap;
@@ -152,10 +153,19 @@ void FreeNodeHeap() {
 
 void SetNodeBlockLimit(size_t blocks) { gHeap.blockLimit = blocks ? blocks : kMaxNodeBlocks; }
 
+// The heap grows when a collection frees less than half of it, by half again: a program that keeps
+// much alive then collects once per so many allocations as it holds, not once per block, so that
+// building a long list stays linear. The ceiling still ends a runaway with error 23.
 Node* AllocNode() {
     if (gHeap.collectEveryAllocation) Recycle();
-    if (!gHeap.freeNodes) Recycle();
-    if (!gHeap.freeNodes) AddBlock();
+    if (!gHeap.freeNodes) {
+        Recycle();
+        const size_t blocks = gHeap.blocks.size();
+        if (gHeap.freedLast < blocks * kNodesPerBlock / 2) {
+            for (size_t added = 0; added < std::max<size_t>(1, blocks / 2) && AddBlock(); ++added) {
+            }
+        }
+    }
     if (!gHeap.freeNodes) {
         ReportError(23, nullptr, nullptr);
         return nullptr;
@@ -198,6 +208,7 @@ void Recycle() {
     KeepValue(r.currentRunList);
     for (int i = 0; i < gHeap.primitiveNameCount; ++i) KeepValue(gHeap.primitiveNames[i]);
     gHeap.freeNodes = nullptr;
+    gHeap.freedLast = 0;
     for (auto it = gHeap.blocks.rbegin(); it != gHeap.blocks.rend(); ++it) {
         for (int i = 0; i < kNodesPerBlock; ++i) {
             Node& n = (*it)[i];
@@ -207,6 +218,7 @@ void Recycle() {
             n.payload = nullptr;
             n.next = gHeap.freeNodes;
             gHeap.freeNodes = &n;
+            ++gHeap.freedLast;
         }
     }
 }
