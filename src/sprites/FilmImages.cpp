@@ -8,6 +8,8 @@
 
 namespace {
 
+inline constexpr uint64_t kMaxFilmPixels = uint64_t{1} << 24;
+
 // A stored picture blob as a surface; false for one the codec refuses.
 bool DecodeBlob(const std::vector<uint8_t>& blob, Surface* out) {
     if (blob.size() < kPixPakHeadSize) return false;
@@ -70,9 +72,13 @@ int32_t MakeFilmImages(const SpriteFilm& film, FilmImages* images) {
     const uint32_t transparent =
         Rgb(static_cast<uint8_t>(film.transparent[0] >> 8), static_cast<uint8_t>(film.transparent[1] >> 8),
             static_cast<uint8_t>(film.transparent[2] >> 8));
+    // Frames may share the strip's pixels, but their cut-outs together stay within a plausible film.
+    uint64_t pixels = 0;
     for (const FilmFrame& f : film.frames) {
         const Rect r = IntersectRect(f.sourceRect, strip.Bounds());
         if (r.IsEmpty() || r != f.sourceRect) return kSpriteDamaged;
+        pixels += static_cast<uint64_t>(r.Width()) * static_cast<uint64_t>(r.Height());
+        if (pixels > kMaxFilmPixels) return kSpriteDamaged;
         images->frames.push_back(CutOut(strip, r));
         // A mask picture is black where the film shows.
         images->masks.push_back(hasMask ? OpaqueMask(CutOut(maskPicture, r), kWhite)

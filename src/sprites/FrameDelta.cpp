@@ -65,12 +65,13 @@ bool ApplyDeltaFrame(const uint8_t* data, uint32_t size, const DeltaHead& head, 
     const uint32_t s = DeltaStoredRowBytes(head);
     const uint32_t p = DeltaRowBytes(head);
     const auto height = static_cast<uint32_t>(head.height);
-    picture->resize(static_cast<size_t>(p) * height);
     const uint8_t* body = nullptr;
     uint32_t length = 0;
+    // The first frame holds the whole picture, so the picture is never larger than the payload.
+    if (!FindFrame(data, size, head, 1, &body, &length) || length / s < height) return false;
+    picture->resize(static_cast<size_t>(p) * height);
     if (!FindFrame(data, size, head, number, &body, &length)) return false;
     if (number == 1) {
-        if (length / s < height) return false;
         for (uint32_t y = 0; y < height; ++y) {
             std::memcpy(picture->data() + static_cast<size_t>(y) * p, body + static_cast<size_t>(y) * s, std::min(s, p));
         }
