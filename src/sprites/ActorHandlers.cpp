@@ -1,6 +1,7 @@
 // The rows of handlers an actor is bound to: how its frames advance, how it steps along its path,
 // when it ends. Each is chosen by index from the record when the actor starts.
 #include <cstdlib>
+#include <iterator>
 
 #include "gfx/Blit.h"
 #include "sprites/Stage.h"
@@ -9,25 +10,20 @@ namespace {
 
 bool StillGoing(Actor& a) { return !a.h.stillGoing || a.h.stillGoing(a); }
 
-// Frames.
-bool FrameForward(Actor& a) {
-    const int32_t was = a.frame;
-    a.frame += a.frameStep;
-    if (a.frame >= static_cast<int32_t>(a.record.endFrame)) {
-        ++a.frameLoops;
-        a.frame = StillGoing(a) ? static_cast<int32_t>(a.record.firstFrame) : was;
-    }
-    SelectFrame(a);
-    return a.frame != was;
+// One step of an index in [first, end): past either end it counts a loop and, if the actor goes
+// on, wraps to the end it comes in from (forward to first, backward to the last); else it stays.
+int32_t StepWithin(Actor& a, int32_t index, int32_t step, uint32_t first, uint32_t end, uint32_t* loops) {
+    const int32_t next = index + step;
+    if (next >= static_cast<int32_t>(first) && next < static_cast<int32_t>(end)) return next;
+    ++*loops;
+    if (!StillGoing(a)) return index;
+    return step > 0 ? static_cast<int32_t>(first) : static_cast<int32_t>(end) - 1;
 }
 
-bool FrameBackward(Actor& a) {
+// Frames, forward or backward by the sign of the step.
+bool FrameWithin(Actor& a) {
     const int32_t was = a.frame;
-    a.frame += a.frameStep;
-    if (a.frame < static_cast<int32_t>(a.record.firstFrame)) {
-        ++a.frameLoops;
-        a.frame = StillGoing(a) ? static_cast<int32_t>(a.record.endFrame) - 1 : was;
-    }
+    a.frame = StepWithin(a, a.frame, a.frameStep, a.record.firstFrame, a.record.endFrame, &a.frameLoops);
     SelectFrame(a);
     return a.frame != was;
 }
@@ -45,7 +41,7 @@ bool FrameHold(Actor& a) {
     return false;
 }
 
-bool (*const kFrameAdvancers[])(Actor&) = {nullptr, FrameForward, FrameBackward, FrameFree, FrameHold};
+bool (*const kFrameAdvancers[])(Actor&) = {nullptr, FrameWithin, FrameWithin, FrameFree, FrameHold};
 
 // Paths.
 void PlaceAtPoint(Actor& a) {
@@ -53,23 +49,9 @@ void PlaceAtPoint(Actor& a) {
     PlaceActor(a, p.x, p.y);
 }
 
-void PathForward(Actor& a) {
-    const int32_t was = a.pathIndex;
-    a.pathIndex += a.pathStep;
-    if (a.pathIndex >= static_cast<int32_t>(a.record.endPoint)) {
-        ++a.pathLoops;
-        a.pathIndex = StillGoing(a) ? static_cast<int32_t>(a.record.firstPoint) : was;
-    }
-    PlaceAtPoint(a);
-}
-
-void PathBackward(Actor& a) {
-    const int32_t was = a.pathIndex;
-    a.pathIndex += a.pathStep;
-    if (a.pathIndex < static_cast<int32_t>(a.record.firstPoint)) {
-        ++a.pathLoops;
-        a.pathIndex = StillGoing(a) ? static_cast<int32_t>(a.record.endPoint) - 1 : was;
-    }
+// Forward or backward by the sign of the step, ending (or wrapping) at the path's ends.
+void PathWithin(Actor& a) {
+    a.pathIndex = StepWithin(a, a.pathIndex, a.pathStep, a.record.firstPoint, a.record.endPoint, &a.pathLoops);
     PlaceAtPoint(a);
 }
 
@@ -120,7 +102,7 @@ void PathPingPong(Actor& a) {
     PlaceAtPoint(a);
 }
 
-void (*const kPathSteppers[])(Actor&) = {nullptr, PathForward, PathBackward, PathPingPong, PathLoop};
+void (*const kPathSteppers[])(Actor&) = {nullptr, PathWithin, PathWithin, PathPingPong, PathLoop};
 
 // The linked form: one frame for each step on the path.
 void StepPathAndFrame(Actor& a) {

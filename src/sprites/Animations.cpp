@@ -1,5 +1,6 @@
 #include "sprites/Animations.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "base/StateRegistry.h"
