@@ -157,6 +157,68 @@ TEST_F(SpriteStageTest, FramesAdvanceOnTheirOwnTimer) {
     EXPECT_EQ(Window().Row(5)[30], kWhite) << "the transparent corner shows what is under it";
 }
 
+// At the far end of a ping-pong path the return leg's settings come in: a change of overItems hides
+// the actor for the one step of the turn, and a film that mirrors shows its frames flipped.
+TEST_F(SpriteStageTest, APingPongTurnTakesTheReturnLegsSettings) {
+    SpriteSpec spec;
+    spec.frameColors = {kRed};
+    spec.points = {{0, 10, 0}, {20, 10, 0}, {40, 10, 0}};
+    spec.fields = {{kSprtPathMode, 2, 3}, {kSprtOverItems + 2, 1, 1}, {kSprtMirrorAtEnd, 1, 1}, {kSprtPathLoopLimit, 4, 2}};
+    Start(spec);
+    std::vector<std::string> seen;
+    for (uint32_t t = 100; t <= 400; t += 100) {
+        StepAt(t);
+        ASSERT_EQ(ActorCount(), 1u) << t;
+        const Actor& a = *GetSpriteState().stage->layers[0].actors[0];
+        seen.push_back(std::to_string(a.rect.left) + (a.visible ? "" : " hidden") + (a.overItems ? " over" : "") +
+                       (a.images.showingMirrored ? " mirrored" : ""));
+        if (t == 300) {
+            EXPECT_EQ(Window().Row(10)[27], kWhite) << "a mirrored frame's transparent corner at its top right";
+            EXPECT_EQ(Window().Row(10)[20], kRed);
+        }
+    }
+    // Back at the start the forward leg comes in again, unmirrored.
+    EXPECT_EQ(seen, (std::vector<std::string>{"20", "40 hidden over mirrored", "20 over mirrored", "0 hidden"}));
+}
+
+// Behaviour 4 links the frames to the path: one frame for each step, whatever the frame timer says.
+TEST_F(SpriteStageTest, TheLinkedFormAdvancesAFrameWithEachStep) {
+    SpriteSpec spec;
+    spec.frameColors = {kRed, kBlue, 0x20C020};
+    spec.fields = {{kSprtBehaviour, 2, 4}, {kSprtFrameRate, 4, 1000}};
+    Start(spec);
+    std::vector<uint32_t> colors;
+    for (uint32_t t = 50; t <= 350; t += 50) {
+        StepAt(t);
+        const Rect r = FirstActorRect();
+        colors.push_back(Window().Row(r.top + 4)[r.left + 4]);
+    }
+    EXPECT_EQ(colors, (std::vector<uint32_t>{kRed, kBlue, kBlue, 0x20C020, 0x20C020, kRed, kRed}));
+}
+
+TEST_F(SpriteStageTest, AFilmShownWithItsCardStampsItsFirstFrame) {
+    for (const uint32_t show : {0u, 1u}) {
+        SpriteSpec spec;
+        spec.frameColors = {kBlue, kRed};
+        spec.fields = {{kSprtShowWithCard, 1, show}};
+        Bytes sub(32, 0);
+        WriteBE16(&sub[0], 56);
+        const Bytes film = SpriteBytes(spec);
+        sub.insert(sub.end(), film.begin(), film.end());
+        WriteBE32(&sub[12], static_cast<uint32_t>(sub.size()));
+        WriteBE16(&sub[22], 0);
+        const Bytes stack = StoredStack({.depth = 32, .cardWidth = 120, .cardHeight = 40},
+                                        {StoredCard(1, "Film", {StoredButton(3, kButton, 2, "B", 0, sub)})}, {});
+        LoadFault fault;
+        ASSERT_EQ(ReadStackFile(WriteTempFile("shown.stk", stack), &fault), 0) << fault.detail;
+        Surface card(120, 40);
+        DrawCardSprites(GetCardByPosition(1), card);
+        EXPECT_EQ(card.Row(14)[4], show ? kBlue : kWhite) << show;
+        EXPECT_EQ(card.Row(10)[0], kWhite) << "its transparent corner";
+        ResetAllState();
+    }
+}
+
 TEST_F(SpriteStageTest, FilmsPassBehindItemsUnlessOverItems) {
     ShowCardWithButton();
     const Surface buttonBefore = Part(Window(), kButton);
