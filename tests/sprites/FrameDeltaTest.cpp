@@ -2,6 +2,7 @@
 // word lists with their base markers, and lists that lie about their lengths stay inside.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/ByteOrder.h"
@@ -22,7 +23,7 @@ Bytes DeltaPayload(const DeltaHead& head, const std::vector<Bytes>& pictures, bo
         Bytes data;
         if (n == 0) {
             data.assign(static_cast<size_t>(s) * head.height, 0xEE);  // the stored rows' padding is junk
-            for (int32_t y = 0; y < head.height; ++y) std::memcpy(&data[y * s], &pictures[0][y * p], p);
+            for (int32_t y = 0; y < head.height; ++y) std::memcpy(&data[y * s], &pictures[0][y * p], std::min(s, p));
         } else {
             EXPECT_TRUE(MakeChangeList(pictures[n - 1], pictures[n], head, words, &data));
         }
