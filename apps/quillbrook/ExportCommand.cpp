@@ -33,11 +33,14 @@
 #include "platform/HostFile.h"
 #include "platform/HostPath.h"
 #include "platform/headless/HeadlessHost.h"
+#include "sprites/SpriteRecord.h"
+#include "sprites/Stage.h"
 #include "player/StackFlows.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
+#include "stack/SubRecord.h"
 
 namespace {
 
@@ -84,7 +87,7 @@ std::vector<uint8_t> ToRgba(const uint8_t* dib) {
     return rgba;
 }
 
-enum class JobKind { Background, Graphic, Sound, Text };
+enum class JobKind { Background, Graphic, Film, Sound, Text };
 
 // One picture or sound to write: where it comes from and the file it becomes.
 struct Job {
@@ -113,6 +116,13 @@ std::vector<Job> GraphicJobs(MemRef card, int32_t position) {
         const int16_t kind = ReadS16(item + kItemKind);
         const uint32_t length = Read32(item + kItemLength);
         if (kind == 0 || length < kItemCommonHeadSize || offset + length > size) break;
+        uint32_t sub = 0;
+        if (kind == kItemKindButton && length >= kActionHeadSize && FindSubRecord(item, length, kTagAnimation, &sub) &&
+            IsSpriteFilm(item + sub + kSubHeadSize, SubRecordPayloadSize(item + sub))) {
+            const int16_t id = ReadS16(item + kItemId);
+            jobs.push_back({position, JobKind::Film, id, static_cast<uint32_t>(offset + sub),
+                            fmt::format("card-{:03}-button-{}-frame-", position, id)});
+        }
         if (kind == kItemKindGraphic && length >= kGraphicHeadSize && Read32(item + kGraphicPictureSize) != 0) {
             const int16_t id = ReadS16(item + kItemId);
             jobs.push_back({position, JobKind::Graphic, id, static_cast<uint32_t>(offset), fmt::format("card-{:03}-graphic-{}.png", position, id)});
@@ -120,6 +130,37 @@ std::vector<Job> GraphicJobs(MemRef card, int32_t position) {
         offset += length;
     }
     return jobs;
+}
+
+// The frames of the film in the animation step at `subOffset` of the card, each as RGBA with its
+// see-through pixels clear; none with *problem set.
+std::vector<std::vector<uint8_t>> FilmFrameRgba(MemRef card, uint32_t subOffset, int32_t* width, int32_t* height,
+                                                std::string* problem) {
+    std::vector<std::vector<uint8_t>> frames;
+    MemRefLock lock(card);
+    const uint8_t* sub = lock.data() + subOffset;
+    SpriteRecord record;
+    FilmImages images;
+    if (ExpandSpriteRecord(sub + kSubHeadSize, SubRecordPayloadSize(sub), &record) != 0 ||
+        MakeFilmImages(record.film, &images) != 0) {
+        *problem = "its film can't be read";
+        return frames;
+    }
+    for (size_t f = 0; f < images.frames.size(); ++f) {
+        const Surface& picture = images.frames[f];
+        std::vector<uint8_t> rgba(static_cast<size_t>(picture.width) * picture.height * 4);
+        for (int32_t y = 0; y < picture.height; ++y) {
+            for (int32_t x = 0; x < picture.width; ++x) {
+                uint8_t* out = &rgba[(static_cast<size_t>(y) * picture.width + x) * 4];
+                const uint32_t c = picture.Row(y)[x];
+                out[0] = RedOf(c), out[1] = GreenOf(c), out[2] = BlueOf(c);
+                out[3] = images.masks[f].Get(x, y) ? 255 : 0;
+            }
+        }
+        *width = picture.width, *height = picture.height;
+        frames.push_back(std::move(rgba));
+    }
+    return frames;
 }
 
 // The pixels of a background, top-down, or an empty vector with *problem set.
@@ -296,6 +337,30 @@ int RunExport(const std::string& path, const std::string& outDir) {
                     fmt::print("{} ({} Hz, {}-bit, {})\n", file, info.rate, info.bits, info.channels == 2 ? "stereo" : "mono");
                 }
             }
+            continue;
+        }
+        if (job.kind == JobKind::Film) {
+            int32_t width = 0, height = 0;
+            std::string problem;
+            const auto frames = FilmFrameRgba(GetCardByPosition(job.position), job.itemOffset, &width, &height, &problem);
+            const std::string what = fmt::format("card {}: button {}'s film", job.position, job.id);
+            if (frames.empty()) {
+                progress.Clear();
+                fmt::print(stderr, "{}: {}: {}; skipped\n", path, what, problem);
+                ++skipped;
+            }
+            for (size_t f = 0; f < frames.size() && !failed; ++f) {
+                const std::string frameFile = file + fmt::format("{}.png", f + 1);
+                if (!WritePng(frameFile, width, height, frames[f])) {
+                    progress.Clear();
+                    fmt::print(stderr, "{}: {}: cannot write {}\n", path, what, frameFile);
+                    failed = true;
+                    break;
+                }
+                ++pictures;
+                if (!progress.terminal()) fmt::print("{} ({}x{})\n", frameFile, width, height);
+            }
+            if (failed) break;
             continue;
         }
         const bool background = job.kind == JobKind::Background;

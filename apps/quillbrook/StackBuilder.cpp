@@ -10,6 +10,7 @@
 
 #include "IconBuilder.h"
 #include "PngFile.h"
+#include "SpriteBuilder.h"
 #include "StackJson.h"
 #include "base/ByteOrder.h"
 #include "base/Windows1252.h"
@@ -398,7 +399,25 @@ uint32_t SubFieldWidth(int64_t type, uint32_t offset) {
 
 // A sub-record: its stored bytes (or a zero head), with the file references, rectangle and fields
 // written over them, and last the type and the length, which the builder always owns.
-Bytes BuildSubRecord(const Node& sub) {
+// The body of an animation step from PNG files: a sprite film or a frame-delta animation.
+Bytes AnimationBody(const Node& sub, const BuildState& st) {
+    const bool film = sub.Has("sprite");
+    const char* key = film ? "sprite" : "frameDelta";
+    if (sub.Has("sprite") && sub.Has("frameDelta")) sub.Fail("give either sprite or frameDelta, not both");
+    if (sub.Has("hex")) sub[key].Fail("give either the animation's PNG files or its stored bytes (hex), not both");
+    const AnimationCard card{st.depth, st.cardColors.empty() ? DefaultColors() : st.cardColors};
+    Bytes payload;
+    AnimationBuildError error;
+    const bool built = film ? BuildSpriteFilm(sub[key].value(), st.baseDir, card, &payload, &error)
+                            : BuildFrameDelta(sub[key].value(), st.baseDir, card, &payload, &error);
+    if (!built) {
+        if (error.key.empty()) sub[key].Fail(error.text);
+        sub[key].FailAt(error.key, error.text);
+    }
+    return payload;
+}
+
+Bytes BuildSubRecord(const Node& sub, const BuildState& st) {
     if (!sub.value().is_object()) sub.Fail("must be an object");
     if (!sub.Has("type")) sub.FailAt("type", "needs the sub-record's type");
     const int64_t type = sub["type"].Int(0, kMax16);
@@ -406,6 +425,14 @@ Bytes BuildSubRecord(const Node& sub) {
     Bytes s = sub.Has("hex") ? sub["hex"].Hex() : Bytes(headSize, 0);
     if (s.size() < headSize) {
         sub["hex"].Fail(fmt::format("a type {} sub-record has at least {} bytes, not {}", type, headSize, s.size()));
+    }
+    const bool animation = sub.Has("sprite") || sub.Has("frameDelta");
+    if (animation) {
+        if (type != kTagAnimation) sub.Fail(fmt::format("only an animation step (type 56) takes sprite or frameDelta, not type {}", type));
+        Append(s, AnimationBody(sub, st));
+        const bool odd = s.size() % 2 != 0;
+        if (odd) s.push_back(0);
+        WriteBE16(&s[kSubFlags], static_cast<uint16_t>((ReadBE16(&s[kSubFlags]) & ~kSubFlagOddPad) | (odd ? kSubFlagOddPad : 0)));
     }
 
     const bool document = sub.Has("path");
@@ -620,7 +647,7 @@ Bytes BuildItem(const Node& item, BuildState& st, const int64_t* actionId = null
         if (kind != kItemKindText) item["text"].Fail("only a text field (kind 96) takes text");
         body = TextFieldBody(item, st);
     } else if (kind == kItemKindButton && !item.Has("raw") && !item.Has("rawFile")) {
-        for (const Node& sub : item.Elements("subRecords")) Append(body, BuildSubRecord(sub));
+        for (const Node& sub : item.Elements("subRecords")) Append(body, BuildSubRecord(sub, st));
     } else {
         body = Content(item, "raw", "rawFile", st.baseDir);
     }

@@ -534,7 +534,7 @@ def stack_sound(sound_id, flags=0):
 
 
 WELCOME, SHAPES, PICTURE_BUTTONS, ABOUT, PICTURES, PHOTO, GARDEN, ROSES, POND, ICONS, HIDDEN, \
-    TRANSITIONS, ARRIVED = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13
+    TRANSITIONS, ARRIVED, SPRITES = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14
 
 # Transitions by number, as the authoring dialogs name them.
 TRANSITION_SET = [(1, "Left to right"), (5, "Fade to black"), (7, "Blocks"), (10, "Blinds"), (13, "Rain"),
@@ -666,12 +666,13 @@ def cards(photo_colours):
         fill, text = (RED, WHITE_I) if number == 27 else (LIGHT_GREY, BLACK_I)
         transitions["items"].append(button(1202 + i, [x, y, x + 240, y + 40], name, ARRIVED, number, 0, fill, text,
                                            **extra))
-    transitions["items"] += nav(1212, HIDDEN, WELCOME, ABOUT)
+    transitions["items"] += nav(1212, HIDDEN, WELCOME, SPRITES)
 
     about = {"id": ABOUT, "name": "About", "items": [
         field(401, ABOUT, [40, 40, 600, 200], "About this stack",
-              "Thirteen cards: pictures from PNG and JPEG, a group, buttons of all eight shapes with "
-              "colours and icons, hidden items and transitions, sounds, and a font table. Start over reopens "
+              "Fourteen cards: pictures from PNG and JPEG, a group, buttons of all eight shapes with "
+              "colours and icons, hidden items and transitions, sprite films and a frame-delta animation, "
+              "sounds, and a font table. Start over reopens "
               "demo.stk at its first card through a file reference."),
         scrolling_field(405, ABOUT, [40, 210, 600, 366], "What each card shows", [
             "Welcome: a picture, a styled text with a hot word, a chime on arrival and a panel of buttons "
@@ -697,7 +698,69 @@ def cards(photo_colours):
         button(1302, [230, 270, 410, 306], "Back", -4, 3, 0, BLUE, WHITE_I),
     ]}
     return [welcome, pictures, photo, garden, roses, pond, shapes, picture_buttons, icons, hidden, transitions,
-            about, arrived]
+            sprites_card(), about, arrived]
+
+
+# The sprite card: a tall post in the middle; films cross behind it and in front of it, a ball
+# bounces between two points, and a flag waves by frame-delta.
+POST = [300, 140, 340, 340]
+
+
+def film_step(sprite, rect=(0, 0, 0, 0)):
+    """A type 56 sub-record that plays a sprite film built from PNG frames."""
+    return {"type": 56, "rect": list(rect), "sprite": sprite}
+
+
+def sprites_card():
+    line = lambda y, x0, x1, step: [[x, y] for x in range(x0, x1 + 1, step)]
+    items = [
+        field(1401, SPRITES, [40, 20, 600, 120], "Sprites",
+              "A bird flies behind the post and a balloon in front of it; the ball bounces between the "
+              "walls, and the flag waves frame by frame. Press a button to start each."),
+        button(1402, POST, "Post", 0, 0, 0, BROWN, WHITE_I, actionFlags=0),
+        button(1403, [40, 370, 170, 406], "Bird", 0, 0, 2, SKY, BLACK_I, actionFlags=0x80,
+               subRecords=[film_step({"frames": ["sprites/bird-1.png", "sprites/bird-2.png"],
+                                      "points": line(200, 40, 580, 20), "pathRate": 60, "frameRate": 120})]),
+        button(1404, [180, 370, 310, 406], "Balloon", 0, 0, 2, RED, WHITE_I, actionFlags=0x80,
+               subRecords=[film_step({"frames": ["sprites/balloon.png"], "points": line(250, 580, 40, -20),
+                                      "pathRate": 80, "overItems": True})]),
+        button(1405, [320, 370, 450, 406], "Ball", 0, 0, 2, GREEN, WHITE_I, actionFlags=0x80,
+               subRecords=[film_step({"frames": ["sprites/ball.png"], "points": line(300, 200, 420, 20),
+                                      "path": "pingpong", "pathRate": 50, "loops": 2})]),
+        button(1406, [460, 370, 590, 406], "Flag", 0, 0, 2, YELLOW, BLACK_I, actionFlags=0x80,
+               subRecords=[{"type": 56, "rect": [500, 140, 548, 172],
+                            "frameDelta": {"frames": ["sprites/flag-%d.png" % n for n in range(1, 5)],
+                                           "tickDelay": 8, "repeats": 3}}]),
+    ]
+    return {"id": SPRITES, "name": "Sprites", "items": items + nav(1407, TRANSITIONS, WELCOME, ABOUT)}
+
+
+def sprite_pictures():
+    """The films' frames (transparent around their shapes) and the flag's four pictures."""
+    os.makedirs(os.path.join(HERE, "sprites"), exist_ok=True)
+    for n, lift in [(1, -6), (2, 6)]:
+        bird = Canvas(32, 24)
+        bird.ellipse(16, 14, 10, 6, FIXED[BLUE - 1])
+        bird.polygon([(10, 12), (18, 12), (14 + lift // 2, 12 + lift)], FIXED[SKY - 1])
+        bird.circle(25, 11, 4, FIXED[BLUE - 1])
+        bird.put(26, 10, BLACK)
+        bird.polygon([(28, 10), (32, 12), (28, 13)], FIXED[ORANGE - 1])
+        write_rgba("sprites/bird-%d.png" % n, bird)
+    balloon = Canvas(28, 40)
+    balloon.ellipse(14, 14, 12, 14, FIXED[RED - 1])
+    balloon.rect(13, 28, 15, 40, FIXED[DARK_GREY - 1])
+    write_rgba("sprites/balloon.png", balloon)
+    ball = Canvas(20, 20)
+    ball.circle(10, 10, 9, FIXED[GREEN - 1])
+    ball.circle(7, 7, 3, FIXED[0])
+    write_rgba("sprites/ball.png", ball)
+    for n in range(1, 5):
+        flag = Canvas(48, 32, FIXED[0])
+        flag.rect(0, 0, 3, 32, FIXED[BROWN - 1])
+        for x in range(3, 48):
+            dy = int(3 * math.sin((x / 8.0) + n * math.pi / 2))
+            flag.rect(x, 4 + dy, x + 1, 20 + dy, FIXED[RED - 1] if (x // 6) % 2 else FIXED[YELLOW - 1])
+        write_rgba("sprites/flag-%d.png" % n, flag)
 
 
 # Font 20 is Arial: the stack's font table.
@@ -763,6 +826,8 @@ def main():
     for _, icon in icons:
         palette.add(icon, transparent=True)
     write_indexed("icons-card.png", paper, palette)
+
+    sprite_pictures()
 
     os.makedirs(os.path.join(HERE, "sounds"), exist_ok=True)
     write_wav("sounds/welcome.wav", welcome_chime(), 16)

@@ -31,9 +31,6 @@ namespace {
 
 inline constexpr uint16_t kButtonTabNba = 3145;
 inline constexpr int32_t kNbaRunMessage = 4;
-inline constexpr uint32_t kAnimationBlockSize = 34;
-inline constexpr uint32_t kAnimationFlags = 12;
-inline constexpr uint16_t kAnimationFramesInOwner = 0x0100;
 inline constexpr int kSlotLaunchProgram = 9;
 inline constexpr int kSlotLaunchDocument = 15;
 inline constexpr int kStringFindSound = 2414;
@@ -220,22 +217,9 @@ bool StartAnimation(MemRef record, uint32_t offset, uint16_t itemId) {
         film = lock && size >= 4 && std::memcmp(lock.data(), "Sprt", 4) == 0;
     }
     if (film) return s.PlaySpriteFilm(copy, itemId) != 0;
-    // A frame-delta animation: a head of its own, the frames staying in the owner.
-    const MemRef block = NewMemRef(kAnimationBlockSize);
-    if (block) {
-        MemRefLock to(block);
-        MemRefLock from(copy);
-        std::memset(to.data(), 0, kAnimationBlockSize);
-        std::memcpy(to.data(), from.data(), std::min(size, kAnimationBlockSize));
-        Write16(to.data() + kAnimationFlags,
-                Read16(to.data() + kAnimationFlags) | kAnimationFramesInOwner);
-    }
-    FreeMemRef(copy);
-    if (!block) {
-        Alert(kAlertNoMemory);
-        return false;
-    }
-    s.AddAnimation(block, rect, itemId);
+    // A frame-delta animation: the list keeps the copy, head and frames, so that nothing of the
+    // owner has to be found again while it plays.
+    s.AddAnimation(copy, rect, itemId);
     return true;
 }
 

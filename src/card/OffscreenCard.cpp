@@ -48,20 +48,6 @@ void PresentRect(const Rect& r) {
     host.Present(r);
 }
 
-// The 256 colours pictures of 8 bits and under are drawn with: IncomingPalette, else
-// CurrentPalette, else the default palette before there is any.
-void ColorsInUse(uint32_t colors[kPaletteSize]) {
-    PaletteEntry entries[kPaletteSize] = {};
-    if (const Palette* palette = PaletteInUse()) {
-        std::copy(palette->entries, palette->entries + std::min(palette->count, kPaletteSize),
-                  entries);
-    } else {
-        DefaultPaletteEntries(entries);
-    }
-    for (uint32_t i = 0; i < kPaletteSize; ++i)
-        colors[i] = Rgb(entries[i].red, entries[i].green, entries[i].blue);
-}
-
 // The menu bar follows the card; its rebuilding comes with the menus. What the card is left with
 // is stored back into it when it is left, so the setting must be the card's own.
 void UpdateMenuBarForCard(MemRef card) {

@@ -5,6 +5,7 @@
 
 #include "base/StateRegistry.h"
 #include "gfx/DisplayDepth.h"
+#include "gfx/Surface.h"
 #include "platform/Host.h"
 #include "stack/Document.h"
 
@@ -176,6 +177,16 @@ int32_t InitPalette() {
 }
 
 const Palette* PaletteInUse() { return gPalette.incoming ? gPalette.incoming.get() : gPalette.current.get(); }
+
+void ColorsInUse(uint32_t colors[kPaletteSize]) {
+    PaletteEntry entries[kPaletteSize] = {};
+    if (const Palette* palette = PaletteInUse()) {
+        std::copy(palette->entries, palette->entries + std::min(palette->count, kPaletteSize), entries);
+    } else {
+        DefaultPaletteEntries(entries);
+    }
+    for (uint32_t i = 0; i < kPaletteSize; ++i) colors[i] = Rgb(entries[i].red, entries[i].green, entries[i].blue);
+}
 
 uint32_t NearestColorIndex(const PaletteEntry* entries, uint32_t count, uint8_t red, uint8_t green, uint8_t blue) {
     uint32_t best = 0;

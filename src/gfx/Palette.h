@@ -107,6 +107,9 @@ void GetSystemPaletteEntries(PaletteEntry* entries);
 int32_t InitPalette();
 // IncomingPalette if there is one, else CurrentPalette; null before InitPalette.
 const Palette* PaletteInUse();
+// The 256 colours pictures of 8 bits and under are drawn with: those of PaletteInUse, else the
+// default palette before there is any; 0x00RRGGBB.
+void ColorsInUse(uint32_t colors[kPaletteSize]);
 
 // The entry nearest to a colour by the sum of squared channel differences; the lowest index wins
 // a tie. 0 for an empty palette.

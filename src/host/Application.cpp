@@ -9,6 +9,8 @@
 #include "logo/Evaluator.h"
 #include "media/SoundPlayback.h"
 #include "player/Navigation.h"
+#include "sprites/Animations.h"
+#include "sprites/Sprites.h"
 #include "subsystems/Subsystems.h"
 #include "ui/EndSplash.h"
 #include "ui/FindDialog.h"
@@ -117,6 +119,16 @@ Subsystems ApplicationSubsystems() {
     s.UpdateSounds = SoundTick;
     s.RunLogoText = RunLogoText;
     s.StopLogoProcedures = StopLogoProcedures;
+    s.PlaySpriteFilm = PlaySpriteFilm;
+    s.StopSprites = StopSprites;
+    s.SpriteStep = StepSprites;
+    s.RunSpriteTimers = TickSpriteTimers;
+    s.IsSpriteFilmRunning = IsSpriteRunning;
+    s.AddAnimation = AddAnimation;
+    s.StepAnimations = StepAnimations;
+    s.StopAllAnimations = StopAllAnimations;
+    s.IsAnimationDone = IsAnimationDone;
+    s.DrawCardAnimations = DrawCardSprites;
     return s;
 }
 

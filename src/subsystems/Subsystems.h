@@ -72,8 +72,8 @@ struct Subsystems {
     // The browse-time sprites of a card that has just come up.
     void (*StartBrowseSprites)();
 
-    // Frame-delta animations: the 34-byte block is handed over (freed by the list, also on
-    // failure); `rect` is left, top, right, bottom.
+    // Frame-delta animations: a copy of the whole payload, head and frames, is handed over (freed
+    // by the list, also on failure); `rect` is left, top, right, bottom.
     int32_t (*AddAnimation)(MemRef block, const int16_t rect[4], uint16_t itemId);
     void (*StepAnimations)(void* window);
     void (*StopAllAnimations)();

@@ -20,6 +20,7 @@
 #include "pictures/PackedPixels.h"
 #include "support/CommandFixture.h"
 #include "support/PictureMaker.h"
+#include "support/SpriteBytes.h"
 #include "support/StackBytes.h"
 
 namespace {
@@ -189,6 +190,26 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
 #ifdef QB_WITH_SOUND_TOOLS
 // Files made by sox, built into records and exported, come back as the same files; a record that
 // holds no sound is reported and skipped.
+// A button's film comes out a PNG a frame, clear where the film is transparent.
+TEST_F(Export, FilmFramesComeOutOneFileEach) {
+    SpriteSpec spec;
+    spec.frameColors = {0x2040C0, 0xC04020};
+    Bytes sub(32, 0);
+    PutBE16(sub, 0, 56);
+    const Bytes film = SpriteBytes(spec);
+    sub.insert(sub.end(), film.begin(), film.end());
+    PutBE32(sub, 12, static_cast<uint32_t>(sub.size()));
+    const Bytes stack = StoredStack({.depth = 32, .cardWidth = 120, .cardHeight = 40},
+                                    {StoredCard(1, "Film", {StoredButton(7, {0, 0, 40, 20}, 2, "B", 0, sub)})}, {});
+    const Outcome o = ExportTo(WriteTempFile("film.stk", stack), dir_);
+    ASSERT_EQ(o.code, 0) << o.err;
+    const Png first = Read(dir_ / "card-001-button-7-frame-1.png"), second = Read(dir_ / "card-001-button-7-frame-2.png");
+    EXPECT_EQ(first.At(3, 3), (Rgb{0x20, 0x40, 0xC0}));
+    EXPECT_EQ(second.At(3, 3), (Rgb{0xC0, 0x40, 0x20}));
+    EXPECT_EQ(first.rgba[3], 0) << "the transparent corner";
+    EXPECT_EQ(first.rgba[7], 255);
+}
+
 TEST_F(Export, SoundFilesComeBackOutOfTheirRecords) {
     fs::create_directories(dir_);
     for (const char* args : {"-r 11025 -n -b 8 -c 1 sound-1.wav synth 1001s sine 300",  // odd, and shorter than a played sound

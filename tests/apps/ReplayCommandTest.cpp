@@ -26,6 +26,9 @@
 #include "stack/Document.h"
 #include "support/CommandFixture.h"
 #include "support/HeardSound.h"
+#if QB_GOLDEN_TESTS
+#include "support/Golden.h"
+#endif
 
 namespace {
 
@@ -161,6 +164,41 @@ TEST_F(Replay, TheDemosLongFieldScrollsToItsEndWithItsBar) {
     EXPECT_GT(field->scrollValue, 0);
     EXPECT_EQ(field->pressedArrow, 0);
 }
+#if QB_GOLDEN_TESTS
+// The demo's Sprites card (reached through Transitions and Next) with all four of its animations
+// started: the bird behind the post, the balloon in front, the ball bouncing, the flag waving. Three
+// moments after the last press, compared as pixels.
+TEST_F(Replay, TheDemosSpritesMoveOverTheirCard) {
+    const std::string events = Write("sprites.json", R"([
+      {"at": 100, "event": "mousedown", "x": 390, "y": 330, "mods": []},
+      {"at": 160, "event": "mouseup", "x": 390, "y": 330, "mods": []},
+      {"at": 3000, "event": "mousedown", "x": 555, "y": 450, "mods": []},
+      {"at": 3060, "event": "mouseup", "x": 555, "y": 450, "mods": []},
+      {"at": 6000, "event": "mousedown", "x": 100, "y": 388, "mods": []},
+      {"at": 6060, "event": "mouseup", "x": 100, "y": 388, "mods": []},
+      {"at": 6100, "event": "mousedown", "x": 240, "y": 388, "mods": []},
+      {"at": 6160, "event": "mouseup", "x": 240, "y": 388, "mods": []},
+      {"at": 6200, "event": "mousedown", "x": 380, "y": 388, "mods": []},
+      {"at": 6260, "event": "mouseup", "x": 380, "y": 388, "mods": []},
+      {"at": 6300, "event": "mousedown", "x": 520, "y": 388, "mods": []},
+      {"at": 6360, "event": "mouseup", "x": 520, "y": 388, "mods": []}])");
+    for (const int32_t settle : {200, 700, 1200}) {
+        RenderOptions options = Options(events, "sprites.png");
+        options.path = QB_DEMO_STACK;
+        options.settleMs = settle;
+        ASSERT_EQ(RunQuietly(options), 0) << err_;
+        EXPECT_EQ(GetDocument().currentCardId, 14);
+        PngImage png;
+        std::string error;
+        ASSERT_TRUE(ReadPng(options.output, &png, &error)) << error;
+        Surface shown(png.width, png.height);
+        for (size_t i = 0; i < shown.pixels.size(); ++i) {
+            shown.pixels[i] = Rgb(png.rgba[4 * i], png.rgba[4 * i + 1], png.rgba[4 * i + 2]);
+        }
+        ExpectMatchesGolden(shown, fmt::format("demo-sprites-{}", settle));
+    }
+}
+#endif
 
 TEST_F(Replay, BadEventFilesExitTwoAndSayWhy) {
     EXPECT_EQ(RunQuietly(Options(Write("bad.json", "[{\"at\": 1, \"event\": \"keydown\", \"key\": \"Nope\"}]"), "x.png")), 2);

@@ -1,0 +1,110 @@
+// Stored 'Sprt' payloads for the sprite tests: a film of solid frames in one strip (each frame's
+// top-left pixel in the transparent colour, white), a path of points, and the record's fields as
+// a builder sets them, with any field overridden by offset.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "base/ByteOrder.h"
+#include "gfx/DibImage.h"
+#include "pictures/PixPak.h"
+#include "sprites/SpriteRecord.h"
+#include "support/StackBytes.h"
+
+struct SpriteField {
+    uint32_t offset;
+    uint32_t width;  // 1, 2 or 4 bytes
+    uint32_t value;
+};
+
+struct SpriteSpec {
+    int32_t frameWidth = 8, frameHeight = 8;
+    std::vector<uint32_t> frameColors = {0xC02020};
+    std::vector<PathPoint> points = {{0, 10, 100}, {20, 10, 100}, {40, 10, 100}, {60, 10, 100}};
+    std::vector<SpriteField> fields;
+};
+
+// A strip of the frames side by side as a 32-bit PixPak record.
+inline Bytes SpriteStrip(const SpriteSpec& spec) {
+    const auto count = static_cast<int32_t>(spec.frameColors.size());
+    OffscreenImage image;
+    NewOffscreenImage(&image, spec.frameWidth * count, spec.frameHeight, 32);
+    {
+        MemRefLock lock(image.bitmap);
+        uint8_t* dib = lock.data();
+        const uint32_t rowBytes = DibImageRowBytes(dib);
+        for (int32_t y = 0; y < spec.frameHeight; ++y) {
+            // Display rows run bottom-up.
+            uint8_t* row = DibPixels(dib) + rowBytes * static_cast<uint32_t>(spec.frameHeight - 1 - y);
+            for (int32_t x = 0; x < spec.frameWidth * count; ++x) {
+                const bool corner = x % spec.frameWidth == 0 && y == 0;
+                Write32(row + 4 * x, corner ? 0xFFFFFFu : spec.frameColors[static_cast<size_t>(x / spec.frameWidth)]);
+            }
+        }
+    }
+    MemRef record = 0;
+    uint32_t size = 0;
+    EncodePixPak(image, 4, &record, &size);
+    FreeOffscreenImage(&image);
+    MemRefLock lock(record);
+    Bytes out(lock.data(), lock.data() + size);
+    FreeMemRef(record);
+    return out;
+}
+
+inline Bytes SpriteBytes(const SpriteSpec& spec) {
+    const auto frames = static_cast<uint32_t>(spec.frameColors.size());
+    const auto points = static_cast<uint32_t>(spec.points.size());
+    Bytes path(kPathPoints + kPathPointSize * points, 0);
+    std::memcpy(path.data(), "Path", 4);
+    WriteBE32(&path[4], static_cast<uint32_t>(path.size()));
+    WriteBE16(&path[8], kSpriteBlockVersion);
+    WriteBE32(&path[kPathPointCount], points);
+    for (uint32_t i = 0; i < points; ++i) {
+        uint8_t* p = &path[kPathPoints + kPathPointSize * i];
+        WriteBE16(p, static_cast<uint16_t>(spec.points[i].x));
+        WriteBE16(p + 2, static_cast<uint16_t>(spec.points[i].y));
+        WriteBE32(p + kPathPointTime, spec.points[i].timeMs);
+    }
+    const Bytes strip = SpriteStrip(spec);
+    Bytes film(kFilmBlobs + kFilmFrameRowSize * frames, 0);
+    std::memcpy(film.data(), "Film", 4);
+    WriteBE16(&film[8], kSpriteBlockVersion);
+    for (uint32_t i = 0; i < 3; ++i) WriteBE16(&film[kFilmTransparent + 2 * i], 0xFFFF);
+    WriteBE32(&film[kFilmFrameCount], frames);
+    WriteBE32(&film[kFilmBlobSizes], static_cast<uint32_t>(strip.size()));
+    for (uint32_t i = 0; i < frames; ++i) {
+        uint8_t* row = &film[kFilmFrameRows + kFilmFrameRowSize * i];
+        WriteBE16(row, 0);
+        WriteBE16(row + 2, static_cast<uint16_t>(spec.frameWidth * static_cast<int32_t>(i)));
+        WriteBE16(row + 4, static_cast<uint16_t>(spec.frameHeight));
+        WriteBE16(row + 6, static_cast<uint16_t>(spec.frameWidth * static_cast<int32_t>(i + 1)));
+    }
+    film.insert(film.end(), strip.begin(), strip.end());
+    WriteBE32(&film[4], static_cast<uint32_t>(film.size()));
+
+    Bytes out(kSprtFixedSize, 0);
+    std::memcpy(out.data(), "Sprt", 4);
+    WriteBE16(&out[kSprtVersion], kSpriteBlockVersion);
+    const SpriteField defaults[] = {
+        {kSprtBehaviour, 2, kBehaviourPick}, {kSprtEndMode, 2, 5},         {kSprtEndVisible, 1, 1},
+        {kSprtFrameTimeMode, 2, 2},          {kSprtFrameMode, 2, 1},       {kSprtFrameRate, 4, 100},
+        {kSprtFrameStep, 4, 1},              {kSprtFrameLoopLimit, 4, 1},  {kSprtEndFrame, 4, frames},
+        {kSprtPathTimeMode, 2, 2},           {kSprtPathMode, 2, 1},        {kSprtPathRate, 4, 100},
+        {kSprtSpeedPercent, 4, 100},         {kSprtPathStep, 4, 1},        {kSprtPathLoopLimit, 4, 1},
+        {kSprtEndPoint, 4, points},          {kSprtPathSize, 4, static_cast<uint32_t>(path.size())},
+        {kSprtFilmSize, 4, static_cast<uint32_t>(film.size())}};
+    const auto put = [&](const SpriteField& f) {
+        if (f.width == 1) out[f.offset] = static_cast<uint8_t>(f.value);
+        if (f.width == 2) WriteBE16(&out[f.offset], static_cast<uint16_t>(f.value));
+        if (f.width == 4) WriteBE32(&out[f.offset], f.value);
+    };
+    for (const SpriteField& f : defaults) put(f);
+    for (const SpriteField& f : spec.fields) put(f);
+    out.insert(out.end(), path.begin(), path.end());
+    out.insert(out.end(), film.begin(), film.end());
+    if (out.size() % 2) out.push_back(0);
+    WriteBE32(&out[kSprtSize], static_cast<uint32_t>(out.size()));
+    return out;
+}
