@@ -31,16 +31,16 @@ void IgnorePresent(const Rect&) {}
 // Films on closed loops across the card, each its own way round, on a 17 ms timer.
 void StartFilms() {
     for (int32_t i = 0; i < kActors; ++i) {
-        SpriteSpec spec;
-        spec.frameWidth = spec.frameHeight = kSide;
-        spec.frameColors = {static_cast<uint32_t>(0x203040 * (i + 1)) & 0xFFFFFF, 0x808080};
-        spec.points.clear();
+        SpriteParts parts;
+        parts.frameWidth = parts.frameHeight = kSide;
+        parts.frameColors = {static_cast<uint32_t>(0x203040 * (i + 1)) & 0xFFFFFF, 0x808080};
+        parts.points.clear();
         for (int32_t k = 0; k < 40; ++k) {
             const int32_t x = (i * 29 + k * 13) % (kWidth - kSide), y = (i * 23 + k * 7 * (i % 3 + 1)) % (kHeight - kSide);
-            spec.points.push_back({static_cast<int16_t>(x), static_cast<int16_t>(y), kTickMs});
+            parts.points.push_back({static_cast<int16_t>(x), static_cast<int16_t>(y), kTickMs});
         }
-        spec.fields = {{kSprtPathMode, 2, 4}, {kSprtEndMode, 2, 0}, {kSprtPathRate, 4, kTickMs}, {kSprtFrameRate, 4, kTickMs}};
-        const Bytes bytes = SpriteBytes(spec);
+        parts.fields = {{kSprtPathMode, 2, 4}, {kSprtEndMode, 2, 0}, {kSprtPathRate, 4, kTickMs}, {kSprtFrameRate, 4, kTickMs}};
+        const Bytes bytes = SpriteBytes(parts);
         StartActor(bytes.data(), static_cast<uint32_t>(bytes.size()), static_cast<uint16_t>(i + 1));
     }
 }

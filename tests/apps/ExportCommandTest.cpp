@@ -192,11 +192,11 @@ TEST_F(Export, PicturesOfEveryKindAreWrittenAndDamagedOnesReportedAndSkipped) {
 // holds no sound is reported and skipped.
 // A button's film comes out a PNG a frame, clear where the film is transparent.
 TEST_F(Export, FilmFramesComeOutOneFileEach) {
-    SpriteSpec spec;
-    spec.frameColors = {0x2040C0, 0xC04020};
+    SpriteParts parts;
+    parts.frameColors = {0x2040C0, 0xC04020};
     Bytes sub(32, 0);
     PutBE16(sub, 0, 56);
-    const Bytes film = SpriteBytes(spec);
+    const Bytes film = SpriteBytes(parts);
     sub.insert(sub.end(), film.begin(), film.end());
     PutBE32(sub, 12, static_cast<uint32_t>(sub.size()));
     const Bytes stack = StoredStack({.depth = 32, .cardWidth = 120, .cardHeight = 40},

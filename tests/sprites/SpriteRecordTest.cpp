@@ -10,11 +10,11 @@
 namespace {
 
 TEST(SpriteRecordTest, ReadsTheNamedFieldsThePathAndTheFilm) {
-    SpriteSpec spec;
-    spec.frameColors = {0x102030, 0x405060, 0x708090};
-    spec.fields = {{kSprtRestartable, 1, 1}, {kSprtLayerNumber, 2, 0xFFFE}, {kSprtPathStep, 4, 0xFFFFFFFF},
+    SpriteParts parts;
+    parts.frameColors = {0x102030, 0x405060, 0x708090};
+    parts.fields = {{kSprtRestartable, 1, 1}, {kSprtLayerNumber, 2, 0xFFFE}, {kSprtPathStep, 4, 0xFFFFFFFF},
                    {kSprtOverItems + 2, 1, 1}, {kSprtEndAngles, 2, 180}};
-    const Bytes bytes = SpriteBytes(spec);
+    const Bytes bytes = SpriteBytes(parts);
     SpriteRecord r;
     ASSERT_EQ(ExpandSpriteRecord(bytes.data(), static_cast<uint32_t>(bytes.size()), &r), 0);
     EXPECT_EQ(r.behaviour, kBehaviourPick);
@@ -29,16 +29,16 @@ TEST(SpriteRecordTest, ReadsTheNamedFieldsThePathAndTheFilm) {
     ASSERT_EQ(r.film.frames.size(), 3u);
     EXPECT_EQ(r.film.frames[1].sourceRect, (Rect{8, 0, 16, 8}));
     EXPECT_EQ(r.film.transparent[0], 0xFFFF);
-    EXPECT_EQ(r.film.strip.size(), SpriteStrip(spec).size());
+    EXPECT_EQ(r.film.strip.size(), SpriteStrip(parts).size());
     EXPECT_EQ(r.endFrame, 3u);
 }
 
 // The ranges are cut to what the film and path hold, so no index can leave them.
 TEST(SpriteRecordTest, RangesStayInsideTheFilmAndPath) {
-    SpriteSpec spec;
-    spec.fields = {{kSprtEndFrame, 4, 9}, {kSprtStartFrame, 4, 7}, {kSprtEndPoint, 4, 100},
+    SpriteParts parts;
+    parts.fields = {{kSprtEndFrame, 4, 9}, {kSprtStartFrame, 4, 7}, {kSprtEndPoint, 4, 100},
                    {kSprtFirstPoint, 4, 200}, {kSprtStartPathIndex, 4, 3}};
-    const Bytes bytes = SpriteBytes(spec);
+    const Bytes bytes = SpriteBytes(parts);
     SpriteRecord r;
     ASSERT_EQ(ExpandSpriteRecord(bytes.data(), static_cast<uint32_t>(bytes.size()), &r), 0);
     EXPECT_EQ(r.endFrame, 1u);
@@ -78,11 +78,11 @@ TEST(SpriteRecordTest, DamagedRecordsAreRefused) {
 }
 
 TEST(SpriteRecordTest, PackingGivesBackTheStoredBytes) {
-    SpriteSpec spec;
-    spec.frameColors = {1, 2, 3};
+    SpriteParts parts;
+    parts.frameColors = {1, 2, 3};
     // Unnamed fields and run-time areas as another writer left them.
-    spec.fields = {{54, 2, 0xBEEF}, {212, 4, 0x01020304}, {472, 4, 0xDEADBEEF}, {kSprtEndFrame, 4, 40}};
-    Bytes bytes = SpriteBytes(spec);
+    parts.fields = {{54, 2, 0xBEEF}, {212, 4, 0x01020304}, {472, 4, 0xDEADBEEF}, {kSprtEndFrame, 4, 40}};
+    Bytes bytes = SpriteBytes(parts);
     const uint32_t filmAt = kSprtFixedSize + ReadBE32(&bytes[kSprtPathSize]);
     bytes[filmAt + 200] = 0x5A;  // inside the film's kept area
     SpriteRecord r;

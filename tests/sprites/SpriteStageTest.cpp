@@ -56,8 +56,8 @@ protected:
         doc.currentCard = GetCardByPosition(1);
         DrawCard(doc.currentCard, kTransitionFastest, 8, true);
     }
-    static void Start(const SpriteSpec& spec, uint16_t owner = 7) {
-        const Bytes bytes = SpriteBytes(spec);
+    static void Start(const SpriteParts& parts, uint16_t owner = 7) {
+        const Bytes bytes = SpriteBytes(parts);
         ASSERT_EQ(StartActor(bytes.data(), static_cast<uint32_t>(bytes.size()), owner), 0);
     }
     // Steps at `ms` after the start of the test's clock.
@@ -114,9 +114,9 @@ TEST_F(SpriteStageTest, ActorsFollowTheirPathAndTimers) {
     for (const auto& c : cases) {
         ResetAllState();
         elapsed_ = 0;
-        SpriteSpec spec;
-        spec.fields = c.fields;
-        Start(spec);
+        SpriteParts parts;
+        parts.fields = c.fields;
+        Start(parts);
         std::vector<int32_t> lefts = {FirstActorRect().left};
         for (uint32_t t = 100; lefts.size() < c.lefts.size(); t += 100) {
             StepAt(t);
@@ -130,9 +130,9 @@ TEST_F(SpriteStageTest, ActorsFollowTheirPathAndTimers) {
 }
 
 TEST_F(SpriteStageTest, EndTimerRunsItsSeconds) {
-    SpriteSpec spec;
-    spec.fields = {{kSprtPathMode, 2, 4}, {kSprtEndMode, 2, 2}, {kSprtEndSeconds, 4, 1}};
-    Start(spec);
+    SpriteParts parts;
+    parts.fields = {{kSprtPathMode, 2, 4}, {kSprtEndMode, 2, 2}, {kSprtEndSeconds, 4, 1}};
+    Start(parts);
     StepAt(999);
     EXPECT_EQ(ActorCount(), 1u);
     StepAt(1000);
@@ -142,11 +142,11 @@ TEST_F(SpriteStageTest, EndTimerRunsItsSeconds) {
 
 // Frames: red, blue, red again; frame loops end it after one pass of the three.
 TEST_F(SpriteStageTest, FramesAdvanceOnTheirOwnTimer) {
-    SpriteSpec spec;
-    spec.frameColors = {kRed, kBlue, 0x20C020};
-    spec.points = {{30, 5, 0}};
-    spec.fields = {{kSprtEndMode, 2, 4}};
-    Start(spec);
+    SpriteParts parts;
+    parts.frameColors = {kRed, kBlue, 0x20C020};
+    parts.points = {{30, 5, 0}};
+    parts.fields = {{kSprtEndMode, 2, 4}};
+    Start(parts);
     std::vector<uint32_t> colors;
     for (uint32_t t = 0; t <= 300; t += 100) {
         StepAt(t);
@@ -160,11 +160,11 @@ TEST_F(SpriteStageTest, FramesAdvanceOnTheirOwnTimer) {
 // At the far end of a ping-pong path the return leg's settings come in: a change of overItems hides
 // the actor for the one step of the turn, and a film that mirrors shows its frames flipped.
 TEST_F(SpriteStageTest, APingPongTurnTakesTheReturnLegsSettings) {
-    SpriteSpec spec;
-    spec.frameColors = {kRed};
-    spec.points = {{0, 10, 0}, {20, 10, 0}, {40, 10, 0}};
-    spec.fields = {{kSprtPathMode, 2, 3}, {kSprtOverItems + 2, 1, 1}, {kSprtMirrorAtEnd, 1, 1}, {kSprtPathLoopLimit, 4, 2}};
-    Start(spec);
+    SpriteParts parts;
+    parts.frameColors = {kRed};
+    parts.points = {{0, 10, 0}, {20, 10, 0}, {40, 10, 0}};
+    parts.fields = {{kSprtPathMode, 2, 3}, {kSprtOverItems + 2, 1, 1}, {kSprtMirrorAtEnd, 1, 1}, {kSprtPathLoopLimit, 4, 2}};
+    Start(parts);
     std::vector<std::string> seen;
     for (uint32_t t = 100; t <= 400; t += 100) {
         StepAt(t);
@@ -183,10 +183,10 @@ TEST_F(SpriteStageTest, APingPongTurnTakesTheReturnLegsSettings) {
 
 // Behaviour 4 links the frames to the path: one frame for each step, whatever the frame timer says.
 TEST_F(SpriteStageTest, TheLinkedFormAdvancesAFrameWithEachStep) {
-    SpriteSpec spec;
-    spec.frameColors = {kRed, kBlue, 0x20C020};
-    spec.fields = {{kSprtBehaviour, 2, 4}, {kSprtFrameRate, 4, 1000}};
-    Start(spec);
+    SpriteParts parts;
+    parts.frameColors = {kRed, kBlue, 0x20C020};
+    parts.fields = {{kSprtBehaviour, 2, 4}, {kSprtFrameRate, 4, 1000}};
+    Start(parts);
     std::vector<uint32_t> colors;
     for (uint32_t t = 50; t <= 350; t += 50) {
         StepAt(t);
@@ -198,12 +198,12 @@ TEST_F(SpriteStageTest, TheLinkedFormAdvancesAFrameWithEachStep) {
 
 TEST_F(SpriteStageTest, AFilmShownWithItsCardStampsItsFirstFrame) {
     for (const uint32_t show : {0u, 1u}) {
-        SpriteSpec spec;
-        spec.frameColors = {kBlue, kRed};
-        spec.fields = {{kSprtShowWithCard, 1, show}};
+        SpriteParts parts;
+        parts.frameColors = {kBlue, kRed};
+        parts.fields = {{kSprtShowWithCard, 1, show}};
         Bytes sub(32, 0);
         WriteBE16(&sub[0], 56);
-        const Bytes film = SpriteBytes(spec);
+        const Bytes film = SpriteBytes(parts);
         sub.insert(sub.end(), film.begin(), film.end());
         WriteBE32(&sub[12], static_cast<uint32_t>(sub.size()));
         WriteBE16(&sub[22], 0);
@@ -226,10 +226,10 @@ TEST_F(SpriteStageTest, FilmsPassBehindItemsUnlessOverItems) {
         ResetAllState();
         ShowCardWithButton();
         elapsed_ = 0;
-        SpriteSpec spec;
-        spec.points = {{40, 10, 0}, {56, 10, 0}, {66, 10, 0}, {76, 10, 0}, {90, 10, 0}};
-        spec.fields = {{kSprtOverItems + 1, 1, over}};
-        Start(spec);
+        SpriteParts parts;
+        parts.points = {{40, 10, 0}, {56, 10, 0}, {66, 10, 0}, {76, 10, 0}, {90, 10, 0}};
+        parts.fields = {{kSprtOverItems + 1, 1, over}};
+        Start(parts);
         bool buttonTouched = false;
         for (uint32_t t = 100; t <= 500; t += 100) {
             StepAt(t);
@@ -243,12 +243,12 @@ TEST_F(SpriteStageTest, FilmsPassBehindItemsUnlessOverItems) {
 
 // A still red actor and a blue one moving over it: the red keeps every pixel where blue has left.
 TEST_F(SpriteStageTest, OverlappingActorsKeepEachOtherIntact) {
-    SpriteSpec still;
+    SpriteParts still;
     still.frameWidth = 16;
     still.points = {{40, 10, 0}};
     still.fields = {{kSprtEndMode, 2, 0}};
     Start(still, 1);
-    SpriteSpec moving;
+    SpriteParts moving;
     moving.frameColors = {kBlue};
     moving.points = {{30, 14, 0}, {38, 14, 0}, {46, 14, 0}, {54, 14, 0}, {70, 14, 0}};
     moving.fields = {{kSprtLayerMode, 2, 1}};
@@ -269,9 +269,9 @@ TEST_F(SpriteStageTest, OverlappingActorsKeepEachOtherIntact) {
 
 TEST_F(SpriteStageTest, StampsLeaveATrailUntilTheCardIsRedrawn) {
     ShowCardWithButton();
-    SpriteSpec spec;
-    spec.fields = {{kSprtStamps + 1, 1, 1}, {kSprtEndVisible, 1, 0}};
-    Start(spec);
+    SpriteParts parts;
+    parts.fields = {{kSprtStamps + 1, 1, 1}, {kSprtEndVisible, 1, 0}};
+    Start(parts);
     for (uint32_t t = 50; t <= 450; t += 100) StepAt(t);
     EXPECT_EQ(ActorCount(), 0u);
     // Every place it stood, though it vanished at its end.
@@ -284,11 +284,11 @@ TEST_F(SpriteStageTest, StampsLeaveATrailUntilTheCardIsRedrawn) {
 TEST_F(SpriteStageTest, ASecondStartRunsASecondActorOnlyWhenRestartable) {
     for (const uint32_t restartable : {0u, 1u}) {
         ResetAllState();
-        SpriteSpec spec;
-        spec.fields = {{kSprtRestartable, 1, restartable}};
-        Start(spec, 5);
-        Start(spec, 5);
-        Start(spec, 6);
+        SpriteParts parts;
+        parts.fields = {{kSprtRestartable, 1, restartable}};
+        Start(parts, 5);
+        Start(parts, 5);
+        Start(parts, 6);
         EXPECT_EQ(ActorCount(), restartable ? 3u : 2u) << restartable;
     }
 }
@@ -305,9 +305,9 @@ TEST_F(SpriteStageTest, RunningMeansWaitedFor) {
     };
     for (const auto& c : cases) {
         ResetAllState();
-        SpriteSpec spec;
-        spec.fields = c.fields;
-        Start(spec, 9);
+        SpriteParts parts;
+        parts.fields = c.fields;
+        Start(parts, 9);
         EXPECT_EQ(IsSpriteRunning(9), c.running) << c.what;
         EXPECT_FALSE(IsSpriteRunning(8)) << c.what;
     }
@@ -331,9 +331,9 @@ TEST_F(SpriteStageTest, AnActionWaitsForItsFilm) {
         s.RunSpriteTimers = TickSpriteTimers;
         s.IsSpriteFilmRunning = IsSpriteRunning;
         s.StopSprites = StopSprites;
-        SpriteSpec spec;
-        spec.fields = c.fields;
-        ASSERT_EQ(s.PlaySpriteFilm(BlockOf(SpriteBytes(spec)), 4), 1);
+        SpriteParts parts;
+        parts.fields = c.fields;
+        ASSERT_EQ(s.PlaySpriteFilm(BlockOf(SpriteBytes(parts)), 4), 1);
         const uint32_t start = GetHost().GetTickCount();
         WaitForActionMedia(true, false, false, 4);
         EXPECT_EQ(GetHost().GetTickCount() - start, c.waitedMs) << c.what;

@@ -18,7 +18,7 @@ struct SpriteField {
     uint32_t value;
 };
 
-struct SpriteSpec {
+struct SpriteParts {
     int32_t frameWidth = 8, frameHeight = 8;
     std::vector<uint32_t> frameColors = {0xC02020};
     std::vector<PathPoint> points = {{0, 10, 100}, {20, 10, 100}, {40, 10, 100}, {60, 10, 100}};
@@ -26,20 +26,20 @@ struct SpriteSpec {
 };
 
 // A strip of the frames side by side as a 32-bit PixPak record.
-inline Bytes SpriteStrip(const SpriteSpec& spec) {
-    const auto count = static_cast<int32_t>(spec.frameColors.size());
+inline Bytes SpriteStrip(const SpriteParts& parts) {
+    const auto count = static_cast<int32_t>(parts.frameColors.size());
     OffscreenImage image;
-    NewOffscreenImage(&image, spec.frameWidth * count, spec.frameHeight, 32);
+    NewOffscreenImage(&image, parts.frameWidth * count, parts.frameHeight, 32);
     {
         MemRefLock lock(image.bitmap);
         uint8_t* dib = lock.data();
         const uint32_t rowBytes = DibImageRowBytes(dib);
-        for (int32_t y = 0; y < spec.frameHeight; ++y) {
+        for (int32_t y = 0; y < parts.frameHeight; ++y) {
             // Display rows run bottom-up.
-            uint8_t* row = DibPixels(dib) + rowBytes * static_cast<uint32_t>(spec.frameHeight - 1 - y);
-            for (int32_t x = 0; x < spec.frameWidth * count; ++x) {
-                const bool corner = x % spec.frameWidth == 0 && y == 0;
-                Write32(row + 4 * x, corner ? 0xFFFFFFu : spec.frameColors[static_cast<size_t>(x / spec.frameWidth)]);
+            uint8_t* row = DibPixels(dib) + rowBytes * static_cast<uint32_t>(parts.frameHeight - 1 - y);
+            for (int32_t x = 0; x < parts.frameWidth * count; ++x) {
+                const bool corner = x % parts.frameWidth == 0 && y == 0;
+                Write32(row + 4 * x, corner ? 0xFFFFFFu : parts.frameColors[static_cast<size_t>(x / parts.frameWidth)]);
             }
         }
     }
@@ -53,9 +53,9 @@ inline Bytes SpriteStrip(const SpriteSpec& spec) {
     return out;
 }
 
-inline Bytes SpriteBytes(const SpriteSpec& spec) {
-    const auto frames = static_cast<uint32_t>(spec.frameColors.size());
-    const auto points = static_cast<uint32_t>(spec.points.size());
+inline Bytes SpriteBytes(const SpriteParts& parts) {
+    const auto frames = static_cast<uint32_t>(parts.frameColors.size());
+    const auto points = static_cast<uint32_t>(parts.points.size());
     Bytes path(kPathPoints + kPathPointSize * points, 0);
     std::memcpy(path.data(), "Path", 4);
     WriteBE32(&path[4], static_cast<uint32_t>(path.size()));
@@ -63,11 +63,11 @@ inline Bytes SpriteBytes(const SpriteSpec& spec) {
     WriteBE32(&path[kPathPointCount], points);
     for (uint32_t i = 0; i < points; ++i) {
         uint8_t* p = &path[kPathPoints + kPathPointSize * i];
-        WriteBE16(p, static_cast<uint16_t>(spec.points[i].x));
-        WriteBE16(p + 2, static_cast<uint16_t>(spec.points[i].y));
-        WriteBE32(p + kPathPointTime, spec.points[i].timeMs);
+        WriteBE16(p, static_cast<uint16_t>(parts.points[i].x));
+        WriteBE16(p + 2, static_cast<uint16_t>(parts.points[i].y));
+        WriteBE32(p + kPathPointTime, parts.points[i].timeMs);
     }
-    const Bytes strip = SpriteStrip(spec);
+    const Bytes strip = SpriteStrip(parts);
     Bytes film(kFilmBlobs + kFilmFrameRowSize * frames, 0);
     std::memcpy(film.data(), "Film", 4);
     WriteBE16(&film[8], kSpriteBlockVersion);
@@ -77,9 +77,9 @@ inline Bytes SpriteBytes(const SpriteSpec& spec) {
     for (uint32_t i = 0; i < frames; ++i) {
         uint8_t* row = &film[kFilmFrameRows + kFilmFrameRowSize * i];
         WriteBE16(row, 0);
-        WriteBE16(row + 2, static_cast<uint16_t>(spec.frameWidth * static_cast<int32_t>(i)));
-        WriteBE16(row + 4, static_cast<uint16_t>(spec.frameHeight));
-        WriteBE16(row + 6, static_cast<uint16_t>(spec.frameWidth * static_cast<int32_t>(i + 1)));
+        WriteBE16(row + 2, static_cast<uint16_t>(parts.frameWidth * static_cast<int32_t>(i)));
+        WriteBE16(row + 4, static_cast<uint16_t>(parts.frameHeight));
+        WriteBE16(row + 6, static_cast<uint16_t>(parts.frameWidth * static_cast<int32_t>(i + 1)));
     }
     film.insert(film.end(), strip.begin(), strip.end());
     WriteBE32(&film[4], static_cast<uint32_t>(film.size()));
@@ -101,7 +101,7 @@ inline Bytes SpriteBytes(const SpriteSpec& spec) {
         if (f.width == 4) WriteBE32(&out[f.offset], f.value);
     };
     for (const SpriteField& f : defaults) put(f);
-    for (const SpriteField& f : spec.fields) put(f);
+    for (const SpriteField& f : parts.fields) put(f);
     out.insert(out.end(), path.begin(), path.end());
     out.insert(out.end(), film.begin(), film.end());
     if (out.size() % 2) out.push_back(0);
