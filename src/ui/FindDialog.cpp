@@ -39,8 +39,7 @@ struct FindSession {
     std::string text;
     uint16_t options = kFindAllFields;
     Control answer = kNone;
-    Control tracking = kNone;
-    Control pressed = kNone;
+    DialogPress press;
 };
 
 uint16_t RadioBit(Control c) {
@@ -124,7 +123,7 @@ void DrawSession(void* context, Surface& window, const Rect& box) {
             case kWrap: DrawChoice(window, box, row, (s.options & kFindWrap) != 0, false); break;
             default:
                 DrawDialogButton(window, box, OffsetRect(row.rect, box.left, box.top), row.label, row.control == kOk,
-                                 s.pressed == row.control);
+                                 s.press.pressed == row.control);
         }
     }
 }
@@ -146,15 +145,11 @@ bool HandleSessionEvent(void* context, const HostEvent& event, const Rect& box) 
     FindSession& s = *static_cast<FindSession*>(context);
     switch (event.kind) {
         case HostEventKind::MouseDown:
-            if (event.button == 1) s.tracking = s.pressed = ControlAt(event, box);
-            return false;
         case HostEventKind::MouseMove:
-            if (s.tracking) s.pressed = ControlAt(event, box) == s.tracking ? s.tracking : kNone;
-            return false;
         case HostEventKind::MouseUp:
-            if (event.button != 1 || !s.tracking) return false;
-            if (ControlAt(event, box) == s.tracking) Choose(s, s.tracking);
-            s.tracking = s.pressed = kNone;
+            if (const int chosen = FollowDialogPress(&s.press, event, ControlAt(event, box))) {
+                Choose(s, static_cast<Control>(chosen));
+            }
             return s.answer != kNone;
         case HostEventKind::KeyDown:
             if (event.key == kVkReturn) s.answer = kOk;

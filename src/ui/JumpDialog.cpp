@@ -23,8 +23,7 @@ enum JumpButton { kNone = 0, kOk = 1, kCancel = 2 };
 struct JumpSession {
     std::string text;
     int answer = kNone;
-    int tracking = kNone;
-    int pressed = kNone;
+    DialogPress press;
 };
 
 TextFont DialogFont() { return {"MS Sans Serif", 12, 0}; }
@@ -64,23 +63,17 @@ void DrawSession(void* context, Surface& window, const Rect& box) {
     DrawText(window, font, edit.left + 4, textTop + m.ascent, s.text, kBlack, inside);
     const int32_t caret = edit.left + 4 + MeasureText(font, s.text);
     FillRect(window, inside, {caret, textTop, caret + 1, textTop + m.lineHeight}, kBlack);
-    DrawButtonBox(window, box, kOk, "OK", s.pressed == kOk);
-    DrawButtonBox(window, box, kCancel, "Cancel", s.pressed == kCancel);
+    DrawButtonBox(window, box, kOk, "OK", s.press.pressed == kOk);
+    DrawButtonBox(window, box, kCancel, "Cancel", s.press.pressed == kCancel);
 }
 
 bool HandleSessionEvent(void* context, const HostEvent& event, const Rect& box) {
     JumpSession& s = *static_cast<JumpSession*>(context);
     switch (event.kind) {
         case HostEventKind::MouseDown:
-            if (event.button == 1) s.tracking = s.pressed = ButtonAt(event, box);
-            return false;
         case HostEventKind::MouseMove:
-            if (s.tracking) s.pressed = ButtonAt(event, box) == s.tracking ? s.tracking : kNone;
-            return false;
         case HostEventKind::MouseUp:
-            if (event.button != 1 || !s.tracking) return false;
-            if (ButtonAt(event, box) == s.tracking) s.answer = s.tracking;
-            s.tracking = s.pressed = kNone;
+            if (const int chosen = FollowDialogPress(&s.press, event, ButtonAt(event, box))) s.answer = chosen;
             return s.answer != kNone;
         case HostEventKind::KeyDown:
             if (event.key == kVkReturn) s.answer = kOk;

@@ -90,3 +90,22 @@ void RunModalDialog(const ModalDialog& dialog) {
     }
     Restore(area, saved);
 }
+
+int FollowDialogPress(DialogPress* press, const HostEvent& event, int under) {
+    switch (event.kind) {
+        case HostEventKind::MouseDown:
+            if (event.button == 1) press->tracking = press->pressed = under;
+            return 0;
+        case HostEventKind::MouseMove:
+            if (press->tracking) press->pressed = under == press->tracking ? press->tracking : 0;
+            return 0;
+        case HostEventKind::MouseUp: {
+            if (event.button != 1 || !press->tracking) return 0;
+            const int chosen = under == press->tracking ? press->tracking : 0;
+            *press = DialogPress{};
+            return chosen;
+        }
+        default:
+            return 0;
+    }
+}

@@ -15,6 +15,16 @@ struct ModalDialog {
     void (*GiveUp)(void* context) = nullptr;
 };
 
+// A press on a dialog's controls: the control pressed on shows pressed while the pointer stays on
+// it and is chosen when the button is let go there.
+struct DialogPress {
+    int tracking = 0;  // the control the press began on; 0 none
+    int pressed = 0;   // the control shown pressed now
+};
+// Follows a mouse event, `under` being the control beneath the pointer (0 none): the control
+// chosen by this event, or 0.
+int FollowDialogPress(DialogPress* press, const HostEvent& event, int under);
+
 // The box of a dialog of the given size centred on the window, never off its top-left corner.
 Rect CentredBox(int32_t width, int32_t height);
 void RunModalDialog(const ModalDialog& dialog);
