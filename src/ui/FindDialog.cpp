@@ -1,6 +1,5 @@
 #include "ui/FindDialog.h"
 
-#include "base/KeyCodes.h"
 #include "gfx/Draw.h"
 #include "messages/Alert.h"
 #include "messages/StringIds.h"
@@ -151,16 +150,9 @@ bool HandleSessionEvent(void* context, const HostEvent& event, const Rect& box) 
                 Choose(s, static_cast<Control>(chosen));
             }
             return s.answer != kNone;
-        case HostEventKind::KeyDown:
-            if (event.key == kVkReturn) s.answer = kOk;
-            if (event.key == kVkEscape) s.answer = kCancel;
-            if (event.key == kVkBack && !s.text.empty()) s.text.pop_back();
-            return s.answer != kNone;
-        case HostEventKind::Char:
-            if (event.ch >= 0x20 && event.ch != 0x7F && s.text.size() < kFindTextMax) s.text += static_cast<char>(event.ch);
-            return false;
         default:
-            return false;
+            if (const int answer = TypeIntoDialogLine(&s.text, kFindTextMax, event)) s.answer = answer == 1 ? kOk : kCancel;
+            return s.answer != kNone;
     }
 }
 

@@ -1,6 +1,5 @@
 #include "ui/JumpDialog.h"
 
-#include "base/KeyCodes.h"
 #include "gfx/Draw.h"
 #include "player/Navigation.h"
 #include "text/Font.h"
@@ -75,18 +74,9 @@ bool HandleSessionEvent(void* context, const HostEvent& event, const Rect& box) 
         case HostEventKind::MouseUp:
             if (const int chosen = FollowDialogPress(&s.press, event, ButtonAt(event, box))) s.answer = chosen;
             return s.answer != kNone;
-        case HostEventKind::KeyDown:
-            if (event.key == kVkReturn) s.answer = kOk;
-            if (event.key == kVkEscape) s.answer = kCancel;
-            if (event.key == kVkBack && !s.text.empty()) s.text.pop_back();
-            return s.answer != kNone;
-        case HostEventKind::Char:
-            if (event.ch >= 0x20 && event.ch != 0x7F && s.text.size() < kJumpTextMax) {
-                s.text += static_cast<char>(event.ch);
-            }
-            return false;
         default:
-            return false;
+            if (const int answer = TypeIntoDialogLine(&s.text, kJumpTextMax, event)) s.answer = answer;
+            return s.answer != kNone;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/KeyCodes.h"
 #include "card/OffscreenCard.h"
 #include "subsystems/Subsystems.h"
 
@@ -108,4 +109,15 @@ int FollowDialogPress(DialogPress* press, const HostEvent& event, int under) {
         default:
             return 0;
     }
+}
+
+int TypeIntoDialogLine(std::string* text, size_t max, const HostEvent& event) {
+    if (event.kind == HostEventKind::KeyDown) {
+        if (event.key == kVkReturn) return 1;
+        if (event.key == kVkEscape) return 2;
+        if (event.key == kVkBack && !text->empty()) text->pop_back();
+    } else if (event.kind == HostEventKind::Char && event.ch >= 0x20 && event.ch != 0x7F && text->size() < max) {
+        *text += static_cast<char>(event.ch);
+    }
+    return 0;
 }

@@ -2,6 +2,9 @@
 // timer work keeps running under it, and the window is put back as it was when the dialog ends.
 #pragma once
 
+#include <cstddef>
+#include <string>
+
 #include "gfx/Surface.h"
 #include "platform/Host.h"
 
@@ -24,6 +27,10 @@ struct DialogPress {
 // Follows a mouse event, `under` being the control beneath the pointer (0 none): the control
 // chosen by this event, or 0.
 int FollowDialogPress(DialogPress* press, const HostEvent& event, int under);
+
+// The keys of a dialog with one line of text: printable characters are typed up to `max`,
+// Backspace takes the last one back. 1 for Return (OK), 2 for Escape (Cancel), else 0.
+int TypeIntoDialogLine(std::string* text, size_t max, const HostEvent& event);
 
 // The box of a dialog of the given size centred on the window, never off its top-left corner.
 Rect CentredBox(int32_t width, int32_t height);
