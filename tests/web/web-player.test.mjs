@@ -29,8 +29,11 @@ const references = join(site, 'ref');
 const render = (stack, card, out) =>
   execFileSync(cli, ['render', join(site, stack), '--card', String(card), '-o', join(site, 'ref', out)]);
 execFileSync('mkdir', ['-p', references]);
-const DEMO_CARDS = { welcome: 1, pictures: 2, shapes: 7, transitions: 11, about: 12, arrived: 13 };
-for (const [name, card] of Object.entries(DEMO_CARDS)) render('demo.stk', card, `${name}.png`);
+// Cards are counted in the demo's own order, found by name so that a card added to the demo moves none.
+const cardNumber = (name) => description.cards.findIndex((card) => card.name === name) + 1;
+const DEMO_CARDS = { welcome: 'Welcome', pictures: 'Pictures', shapes: 'Shapes', transitions: 'Transitions',
+  about: 'About', arrived: 'Arrived' };
+for (const [file, name] of Object.entries(DEMO_CARDS)) render('demo.stk', cardNumber(name), `${file}.png`);
 render('second.stk', 1, 'second.png');
 render('menu.stk', 2, 'menu-2.png');
 
