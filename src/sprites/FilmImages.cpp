@@ -1,6 +1,7 @@
 // A film's pictures, made ready once when its actor starts: the strip decoded by the picture
 // codec, each frame cut out of it at the display's colours, with a mask from the film's mask
-// picture or, without one, from its transparent colour.
+// picture or, without one, from its transparent colour. A film stored a frame at a time has a
+// picture of its own for each frame, decoded in turn, and is cut and masked the same way.
 #include "gfx/Blit.h"
 #include "memory/OwnedMemRef.h"
 #include "pictures/PixPak.h"
@@ -10,17 +11,31 @@ namespace {
 
 inline constexpr uint64_t kMaxFilmPixels = uint64_t{1} << 24;
 
-// A stored picture blob as a surface; false for one the codec refuses.
-bool DecodeBlob(const std::vector<uint8_t>& blob, Surface* out) {
-    if (blob.size() < kPixPakHeadSize) return false;
+// A stored picture as a surface; false for one the codec refuses.
+bool DecodePicture(const uint8_t* data, uint32_t size, Surface* out) {
+    if (size < kPixPakHeadSize) return false;
     OffscreenImage image;
-    if (DecodePixPak(blob.data(), static_cast<uint32_t>(blob.size()), &image) != 0) return false;
+    if (DecodePixPak(data, size, &image) != 0) return false;
     {
         MemRefLock lock(image.bitmap);
         if (lock) *out = SurfaceFromDib(lock.data(), nullptr);
     }
     FreeOffscreenImage(&image);
     return out->width > 0;
+}
+
+bool DecodeBlob(const std::vector<uint8_t>& blob, Surface* out) {
+    return DecodePicture(blob.data(), static_cast<uint32_t>(blob.size()), out);
+}
+
+// The picture frame `index` of a per-frame film is cut from: frame 0's is the first blob, a later
+// frame's lies where its row says within the raw frame data. False for a row that points outside.
+bool DecodeFramePicture(const SpriteFilm& film, size_t index, Surface* out) {
+    if (index == 0) return DecodeBlob(film.strip, out);
+    const FilmFrame& f = film.frames[index];
+    const auto room = static_cast<uint32_t>(film.mask.size());
+    if (f.dataPosition > room || f.dataSize > room - f.dataPosition) return false;
+    return DecodePicture(film.mask.data() + f.dataPosition, f.dataSize, out);
 }
 
 Surface CutOut(const Surface& strip, const Rect& r) {
@@ -62,23 +77,31 @@ BitMask FlippedMask(const BitMask& m, bool horizontal, bool vertical) {
 
 int32_t MakeFilmImages(const SpriteFilm& film, FilmImages* images) {
     *images = FilmImages{};
-    // Films stored a frame at a time are not read by this player; they play as nothing.
-    if (film.kind > 1 || film.frames.empty()) return kSpriteDamaged;
+    if (film.kind > kFilmKindPerFrame || film.frames.empty()) return kSpriteDamaged;
+    const bool perFrame = film.kind == kFilmKindPerFrame;
     Surface strip;
-    if (!DecodeBlob(film.strip, &strip)) return kSpriteDamaged;
+    if (!perFrame && !DecodeBlob(film.strip, &strip)) return kSpriteDamaged;
+    // A per-frame film's second blob is frame data, not a mask.
     Surface maskPicture;
-    const bool hasMask = DecodeBlob(film.mask, &maskPicture) && maskPicture.width == strip.width &&
+    const bool hasMask = !perFrame && DecodeBlob(film.mask, &maskPicture) && maskPicture.width == strip.width &&
                          maskPicture.height == strip.height;
     const uint32_t transparent =
         Rgb(static_cast<uint8_t>(film.transparent[0] >> 8), static_cast<uint8_t>(film.transparent[1] >> 8),
             static_cast<uint8_t>(film.transparent[2] >> 8));
-    // Frames may share the strip's pixels, but their cut-outs together stay within a plausible film.
+    // Frames may share the strip's pixels, but their cut-outs together stay within a plausible film;
+    // a per-frame film counts each picture it decodes, so rows sharing one large picture are bounded.
     uint64_t pixels = 0;
-    for (const FilmFrame& f : film.frames) {
-        const Rect r = IntersectRect(f.sourceRect, strip.Bounds());
-        if (r.IsEmpty() || r != f.sourceRect) return kSpriteDamaged;
+    const auto withinBudget = [&pixels](const Rect& r) {
         pixels += static_cast<uint64_t>(r.Width()) * static_cast<uint64_t>(r.Height());
-        if (pixels > kMaxFilmPixels) return kSpriteDamaged;
+        return pixels <= kMaxFilmPixels;
+    };
+    for (size_t i = 0; i < film.frames.size(); ++i) {
+        if (perFrame && (!DecodeFramePicture(film, i, &strip) || !withinBudget(strip.Bounds()))) {
+            return kSpriteDamaged;
+        }
+        const Rect& source = film.frames[i].sourceRect;
+        const Rect r = IntersectRect(source, strip.Bounds());
+        if (r.IsEmpty() || r != source || !withinBudget(r)) return kSpriteDamaged;
         images->frames.push_back(CutOut(strip, r));
         // A mask picture is black where the film shows.
         images->masks.push_back(hasMask ? OpaqueMask(CutOut(maskPicture, r), kWhite)
@@ -87,10 +110,12 @@ int32_t MakeFilmImages(const SpriteFilm& film, FilmImages* images) {
     return 0;
 }
 
-int32_t PrepareMirrorImages(FilmImages& images, bool horizontal, bool vertical) {
+int32_t PrepareMirrorImages(const SpriteFilm& film, FilmImages& images, bool horizontal, bool vertical) {
     images.mirrorReady = false;
     images.mirrored.clear();
     images.mirroredMasks.clear();
+    // Only a film of kind 0 mirrors; any other that asks for it is not started.
+    if (film.kind != 0) return 1;
     for (size_t i = 0; i < images.frames.size(); ++i) {
         images.mirrored.push_back(Flipped(images.frames[i], horizontal, vertical));
         images.mirroredMasks.push_back(FlippedMask(images.masks[i], horizontal, vertical));

@@ -105,6 +105,8 @@ int32_t ReadFilm(const uint8_t* p, uint32_t room, SpriteRecord* r) {
                         word(kFrameRowSourceRect + 4)};
         f.hotspotX = word(kFrameRowHotspot);
         f.hotspotY = word(kFrameRowHotspot + 2);
+        f.dataPosition = ReadBE32(row + kFrameRowDataPosition);
+        f.dataSize = ReadBE32(row + kFrameRowDataSize);
     }
     // The image blobs follow the rows, each by its stored size, within the film's own size.
     uint32_t at = kFilmBlobs + kFilmFrameRowSize * count;

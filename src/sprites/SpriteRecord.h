@@ -67,6 +67,7 @@ inline constexpr uint32_t kPathPointTime = 6;
 
 // 'Film': the head, its built-in frame row, then a row per frame and the image blobs.
 inline constexpr uint32_t kFilmKind = 32;         // u16: 0, 1 one strip; 2 stored per frame
+inline constexpr uint16_t kFilmKindPerFrame = 2;
 inline constexpr uint32_t kFilmTransparent = 40;  // 3 x u16 red, green, blue
 inline constexpr uint32_t kFilmFrameCount = 46;   // u32
 inline constexpr uint32_t kFilmBlobSizes = 166;   // 3 x u32: strip, mask, shadow
@@ -78,6 +79,10 @@ inline constexpr uint32_t kFilmFrameRowSize = 120;
 inline constexpr uint32_t kFilmBlobs = 362;  // + 120 x frameCount
 inline constexpr uint32_t kFrameRowSourceRect = 0;  // stored top, left, bottom, right
 inline constexpr uint32_t kFrameRowHotspot = 16;    // 3 x i16
+// A film stored a frame at a time: frame 0's picture is the first blob; each later frame's picture
+// lies in the second blob (the raw frame data) at this position, from the blob's start, and size.
+inline constexpr uint32_t kFrameRowDataPosition = 60;  // u32
+inline constexpr uint32_t kFrameRowDataSize = 64;      // u32
 
 // A picture's side is a 16-bit field; more frames or points than fit a plausible block are damage.
 inline constexpr uint32_t kMaxFilmFrames = 4096;
@@ -92,8 +97,10 @@ struct PathPoint {
 };
 
 struct FilmFrame {
-    Rect sourceRect;  // in the strip, native left, top, right, bottom
+    Rect sourceRect;  // in the strip (or the frame's own picture), native left, top, right, bottom
     int16_t hotspotX = 0, hotspotY = 0;
+    // A per-frame film's picture of this frame in its frame data, as stored and not yet checked.
+    uint32_t dataPosition = 0, dataSize = 0;
 };
 
 struct SpriteFilm {
@@ -101,7 +108,8 @@ struct SpriteFilm {
     uint16_t transparent[3] = {};  // 16-bit colour words; the high byte is the colour
     bool wholeStripMirror = false, mirrorHorizontal = false, mirrorVertical = false;
     std::vector<FilmFrame> frames;
-    // The three image blobs as stored: PixPak records, or empty.
+    // The three image blobs as stored: PixPak records, or empty. A per-frame film keeps frame 0's
+    // picture in `strip` and the later frames' pictures, one after another, in `mask`.
     std::vector<uint8_t> strip, mask, shadow;
 };
 

@@ -101,7 +101,7 @@ int32_t ResetActor(Actor& a) {
         bool h = r.startAngles[0] == 180 || r.endAngles[0] == 180;
         const bool v = r.startAngles[1] == 180 || r.endAngles[1] == 180;
         if (!h && !v) h = true;
-        if (PrepareMirrorImages(a.images, h, v) != 0) return -1;
+        if (PrepareMirrorImages(r.film, a.images, h, v) != 0) return -1;
     }
     a.alive = true;
     return 0;

@@ -83,8 +83,9 @@ void RemoveActorTimers(Actor& actor);
 
 // The film's frames (FilmImages.cpp). 0, or kSpriteDamaged for a film that can't be shown.
 int32_t MakeFilmImages(const SpriteFilm& film, FilmImages* images);
-// Mirrored twins of every frame, flipped as asked. 0, or 1 for a film that can't mirror.
-int32_t PrepareMirrorImages(FilmImages& images, bool horizontal, bool vertical);
+// Mirrored twins of every frame, flipped as asked. 0, or 1 for a film that can't mirror (any but
+// kind 0).
+int32_t PrepareMirrorImages(const SpriteFilm& film, FilmImages& images, bool horizontal, bool vertical);
 void ToggleMirror(FilmImages& images);
 
 // The module's state: the stage, when there is one, and the clock of the last step.

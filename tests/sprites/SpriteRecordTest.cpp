@@ -29,7 +29,7 @@ TEST(SpriteRecordTest, ReadsTheNamedFieldsThePathAndTheFilm) {
     ASSERT_EQ(r.film.frames.size(), 3u);
     EXPECT_EQ(r.film.frames[1].sourceRect, (Rect{8, 0, 16, 8}));
     EXPECT_EQ(r.film.transparent[0], 0xFFFF);
-    EXPECT_EQ(r.film.strip.size(), SpriteStrip(parts).size());
+    EXPECT_EQ(r.film.strip.size(), SpriteStrip(parts, parts.frameColors).size());
     EXPECT_EQ(r.endFrame, 3u);
 }
 

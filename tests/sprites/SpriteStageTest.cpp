@@ -140,21 +140,66 @@ TEST_F(SpriteStageTest, EndTimerRunsItsSeconds) {
     EXPECT_FALSE(GetSpriteState().stage) << "the last actor's end frees the stage";
 }
 
-// Frames: red, blue, red again; frame loops end it after one pass of the three.
+// Frames: red, blue, green; frame loops end it after one pass of the three. A film stored a frame
+// at a time shows the same, each frame from its own picture.
 TEST_F(SpriteStageTest, FramesAdvanceOnTheirOwnTimer) {
-    SpriteParts parts;
-    parts.frameColors = {kRed, kBlue, 0x20C020};
-    parts.points = {{30, 5, 0}};
-    parts.fields = {{kSprtEndMode, 2, 4}};
-    Start(parts);
-    std::vector<uint32_t> colors;
-    for (uint32_t t = 0; t <= 300; t += 100) {
-        StepAt(t);
-        colors.push_back(Window().Row(8)[33]);
+    for (const bool perFrame : {false, true}) {
+        ResetAllState();
+        elapsed_ = 0;
+        SpriteParts parts;
+        parts.perFrame = perFrame;
+        parts.frameColors = {kRed, kBlue, 0x20C020};
+        parts.points = {{30, 5, 0}};
+        parts.fields = {{kSprtEndMode, 2, 4}};
+        Start(parts);
+        std::vector<uint32_t> colors;
+        for (uint32_t t = 0; t <= 300; t += 100) {
+            StepAt(t);
+            colors.push_back(Window().Row(8)[33]);
+        }
+        EXPECT_EQ(colors, (std::vector<uint32_t>{kRed, kBlue, 0x20C020, 0x20C020})) << perFrame;
+        EXPECT_EQ(ActorCount(), 0u) << perFrame;
+        EXPECT_EQ(Window().Row(5)[30], kWhite) << "the transparent corner shows what is under it";
     }
-    EXPECT_EQ(colors, (std::vector<uint32_t>{kRed, kBlue, 0x20C020, 0x20C020}));
-    EXPECT_EQ(ActorCount(), 0u);
-    EXPECT_EQ(Window().Row(5)[30], kWhite) << "the transparent corner shows what is under it";
+}
+
+// A film stored a frame at a time whose rows point outside its frame data, or at bytes that are no
+// picture, is not started; nor is one that would have to mirror.
+TEST_F(SpriteStageTest, DamagedPerFrameRowsAreRefused) {
+    SpriteParts parts;
+    parts.perFrame = true;
+    parts.frameColors = {kRed, kBlue, 0x20C020};
+    const Bytes good = SpriteBytes(parts);
+    const uint32_t filmAt = kSprtFixedSize + ReadBE32(&good[kSprtPathSize]);
+    const auto row = [&](uint32_t frame, uint32_t at) {
+        return filmAt + kFilmFrameRows + kFilmFrameRowSize * frame + at;
+    };
+    const uint32_t dataSize = ReadBE32(&good[filmAt + kFilmBlobSizes + 4]);
+    const uint32_t lastAt = ReadBE32(&good[row(2, kFrameRowDataPosition)]);
+    const struct {
+        const char* what;
+        uint32_t offset, value;  // a u32 written over the stored one; no offset leaves it whole
+        int32_t result;
+    } cases[] = {
+        {"whole", 0, 0, 0},
+        {"a later frame sharing an earlier frame's picture", row(2, kFrameRowDataPosition), 0, 0},
+        {"position past the frame data", row(1, kFrameRowDataPosition), dataSize + 1, -1},
+        {"size past the frame data", row(2, kFrameRowDataSize), dataSize - lastAt + 1, -1},
+        {"position and size that wrap round", row(2, kFrameRowDataSize), 0xFFFFFFFF - lastAt + 2, -1},
+        {"no bytes", row(1, kFrameRowDataSize), 0, -1},
+        {"bytes that are no picture", row(1, kFrameRowDataPosition), 2, -1},
+        {"a frame larger than its picture", row(1, kFrameRowSourceRect + 4), 0x00090008, -1},
+        {"no frame data at all", filmAt + kFilmBlobSizes + 4, 0, -1},
+        {"a kind past the known", filmAt + kFilmKind, 0x00030000, -1},
+        {"mirroring at the end", kSprtMirrorAtEnd, 0x01000000, -1},
+    };
+    for (const auto& c : cases) {
+        ResetAllState();
+        Bytes bytes = good;
+        if (c.offset) WriteBE32(&bytes[c.offset], c.value);
+        EXPECT_EQ(StartActor(bytes.data(), static_cast<uint32_t>(bytes.size()), 7), c.result) << c.what;
+        EXPECT_EQ(ActorCount(), c.result == 0 ? 1u : 0u) << c.what;
+    }
 }
 
 // At the far end of a ping-pong path the return leg's settings come in: a change of overItems hides

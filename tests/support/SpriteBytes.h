@@ -1,6 +1,6 @@
 // Stored 'Sprt' payloads for the sprite tests: a film of solid frames in one strip (each frame's
-// top-left pixel in the transparent colour, white), a path of points, and the record's fields as
-// a builder sets them, with any field overridden by offset.
+// top-left pixel in the transparent colour, white) or stored a frame at a time, a path of points,
+// and the record's fields as a builder sets them, with any field overridden by offset.
 #pragma once
 
 #include <cstdint>
@@ -23,11 +23,14 @@ struct SpriteParts {
     std::vector<uint32_t> frameColors = {0xC02020};
     std::vector<PathPoint> points = {{0, 10, 100}, {20, 10, 100}, {40, 10, 100}, {60, 10, 100}};
     std::vector<SpriteField> fields;
+    // Each frame a picture of its own: frame 0's as the first blob, the others one after another
+    // in the second, each row giving its picture's position there and size.
+    bool perFrame = false;
 };
 
-// A strip of the frames side by side as a 32-bit PixPak record.
-inline Bytes SpriteStrip(const SpriteParts& parts) {
-    const auto count = static_cast<int32_t>(parts.frameColors.size());
+// Frames of these colours side by side as a 32-bit PixPak record.
+inline Bytes SpriteStrip(const SpriteParts& parts, const std::vector<uint32_t>& colors) {
+    const auto count = static_cast<int32_t>(colors.size());
     OffscreenImage image;
     NewOffscreenImage(&image, parts.frameWidth * count, parts.frameHeight, 32);
     {
@@ -39,7 +42,7 @@ inline Bytes SpriteStrip(const SpriteParts& parts) {
             uint8_t* row = DibPixels(dib) + rowBytes * static_cast<uint32_t>(parts.frameHeight - 1 - y);
             for (int32_t x = 0; x < parts.frameWidth * count; ++x) {
                 const bool corner = x % parts.frameWidth == 0 && y == 0;
-                Write32(row + 4 * x, corner ? 0xFFFFFFu : parts.frameColors[static_cast<size_t>(x / parts.frameWidth)]);
+                Write32(row + 4 * x, corner ? 0xFFFFFFu : colors[static_cast<size_t>(x / parts.frameWidth)]);
             }
         }
     }
@@ -67,21 +70,33 @@ inline Bytes SpriteBytes(const SpriteParts& parts) {
         WriteBE16(p + 2, static_cast<uint16_t>(parts.points[i].y));
         WriteBE32(p + kPathPointTime, parts.points[i].timeMs);
     }
-    const Bytes strip = SpriteStrip(parts);
+    const std::vector<uint32_t> firstOnly = {parts.frameColors[0]};
+    const Bytes strip = SpriteStrip(parts, parts.perFrame ? firstOnly : parts.frameColors);
+    Bytes frameData;
     Bytes film(kFilmBlobs + kFilmFrameRowSize * frames, 0);
     std::memcpy(film.data(), "Film", 4);
     WriteBE16(&film[8], kSpriteBlockVersion);
+    WriteBE16(&film[kFilmKind], parts.perFrame ? kFilmKindPerFrame : 0);
     for (uint32_t i = 0; i < 3; ++i) WriteBE16(&film[kFilmTransparent + 2 * i], 0xFFFF);
     WriteBE32(&film[kFilmFrameCount], frames);
-    WriteBE32(&film[kFilmBlobSizes], static_cast<uint32_t>(strip.size()));
     for (uint32_t i = 0; i < frames; ++i) {
         uint8_t* row = &film[kFilmFrameRows + kFilmFrameRowSize * i];
+        const uint32_t place = parts.perFrame ? 0 : i;
         WriteBE16(row, 0);
-        WriteBE16(row + 2, static_cast<uint16_t>(parts.frameWidth * static_cast<int32_t>(i)));
+        WriteBE16(row + 2, static_cast<uint16_t>(parts.frameWidth * static_cast<int32_t>(place)));
         WriteBE16(row + 4, static_cast<uint16_t>(parts.frameHeight));
-        WriteBE16(row + 6, static_cast<uint16_t>(parts.frameWidth * static_cast<int32_t>(i + 1)));
+        WriteBE16(row + 6, static_cast<uint16_t>(parts.frameWidth * static_cast<int32_t>(place + 1)));
+        if (parts.perFrame && i > 0) {
+            const Bytes picture = SpriteStrip(parts, {parts.frameColors[i]});
+            WriteBE32(row + kFrameRowDataPosition, static_cast<uint32_t>(frameData.size()));
+            WriteBE32(row + kFrameRowDataSize, static_cast<uint32_t>(picture.size()));
+            frameData.insert(frameData.end(), picture.begin(), picture.end());
+        }
     }
+    WriteBE32(&film[kFilmBlobSizes], static_cast<uint32_t>(strip.size()));
+    WriteBE32(&film[kFilmBlobSizes + 4], static_cast<uint32_t>(frameData.size()));
     film.insert(film.end(), strip.begin(), strip.end());
+    film.insert(film.end(), frameData.begin(), frameData.end());
     WriteBE32(&film[4], static_cast<uint32_t>(film.size()));
 
     Bytes out(kSprtFixedSize, 0);
