@@ -1,10 +1,20 @@
 #include "platform/Host.h"
 
+#include "base/StateRegistry.h"
 #include "platform/AlertLayout.h"
 
 namespace {
 
 uint32_t gNullClockMs = 0;
+
+// The clipboard of a host that has none of its own.
+struct MemoryClipboard {
+    std::string text;
+    bool holdsText = false;
+};
+MemoryClipboard gClipboard;
+[[maybe_unused]] const bool kClipboardReset =
+    RegisterStateReset(Room::Platform, [] { gClipboard = MemoryClipboard{}; });
 
 // Constant, so that the host is in place before any program code runs, even a module constructor.
 constexpr Host MakeNullHost() {
@@ -33,6 +43,11 @@ constexpr Host MakeNullHost() {
     host.CloseAudio = [] {};
     host.LockAudio = [](bool) {};
     host.FetchFile = [](const std::string&) {};
+    host.SetClipboardText = [](const std::string& text) { gClipboard = {text, true}; };
+    host.GetClipboardText = [](std::string* text) {
+        if (gClipboard.holdsText) *text = gClipboard.text;
+        return gClipboard.holdsText;
+    };
     return host;
 }
 
@@ -74,4 +89,6 @@ void SetHost(const Host& host) {
     FillEmpty(gHost.CloseAudio, null.CloseAudio);
     FillEmpty(gHost.LockAudio, null.LockAudio);
     FillEmpty(gHost.FetchFile, null.FetchFile);
+    FillEmpty(gHost.SetClipboardText, null.SetClipboardText);
+    FillEmpty(gHost.GetClipboardText, null.GetClipboardText);
 }

@@ -130,6 +130,12 @@ struct Host {
     // keeps such files elsewhere until they are needed (the web player's font files come over the
     // network on first use). May wait; a file that cannot be had is simply left missing.
     void (*FetchFile)(const std::string& hostPath) = nullptr;
+    // The system clipboard's plain text, in Windows-1252 with the system's line ends (CR LF). A
+    // host without a clipboard of its own keeps one in memory, so that cut and paste still work
+    // within the player.
+    void (*SetClipboardText)(const std::string& text) = nullptr;
+    // False when the clipboard holds no text.
+    bool (*GetClipboardText)(std::string* text) = nullptr;
     // How long closing the player shows the end splash: kEndSplashMs on the desktop, 0 (close at
     // once) for the command line and the web.
     uint32_t endSplashMs = 0;
