@@ -6,12 +6,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "gfx/BitMask.h"
 #include "gfx/Region.h"
 #include "gfx/Surface.h"
 #include "memory/MemRef.h"
 #include "text/StyledText.h"
+#include "text/TextRecord.h"
 
 struct DisplayItem {
     DisplayItem() = default;
@@ -69,6 +71,10 @@ struct DisplayItem {
     size_t selStart = 0, selEnd = 0;
     // The text or its styles changed since they were last written into the card.
     bool dirty = false;
+    // The card whose chunk the field shows (the group's card for a shared field), and the runs
+    // its record held: writing back keeps what of them our fonts can't show.
+    MemRef chunkCard = 0;
+    std::vector<StyleRun> storedRuns;
 };
 
 inline constexpr int32_t kMaxListPosition = 9999;

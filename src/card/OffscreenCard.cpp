@@ -7,6 +7,7 @@
 #include "card/ButtonDraw.h"
 #include "card/CardPalette.h"
 #include "card/DisplayList.h"
+#include "card/FieldSave.h"
 #include "gfx/Blit.h"
 #include "gfx/DibImage.h"
 #include "gfx/DisplayDepth.h"
@@ -231,7 +232,9 @@ void DrawCard(MemRef card, int16_t transition, int16_t speed, bool arriving) {
     const bool written = result == kBackgroundNone || (result == 0 && image.ref());
     Surface background;
     if (written) background = s.screen;
-    // The old card's items die; the new card's come to life over its background.
+    // The old card's items die, what was typed in the fields of the card on show kept first; the
+    // new card's come to life over its background.
+    if (card == doc.currentCard) SaveFieldEdits(card);
     FreeDisplayList();
     s.focusField = nullptr;
     if (s.showObjects) BuildDisplayList(card);
@@ -270,6 +273,8 @@ void RedrawItem(int16_t type, int16_t id, int16_t transition, int16_t speed, int
     OffscreenState& s = gOffscreen;
     const MemRef current = GetDocument().currentCard;
     if (!current || !s.hasScreen) return;
+    // A field comes back from its record: what was typed in it goes there first.
+    if (type == kItemKindText) SaveFieldEdits(current);
     MemRef card = current;
     uint32_t offset = 0;
     if (!FindItemOnCard(type, id, card, &offset)) {

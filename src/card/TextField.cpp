@@ -5,6 +5,7 @@
 #include "base/ByteOrder.h"
 #include "card/DisplayList.h"
 #include "card/FieldSelection.h"
+#include "card/FieldStyles.h"
 #include "gfx/Draw.h"
 #include "gfx/Palette.h"
 #include "messages/StringIds.h"
@@ -29,22 +30,6 @@ uint16_t ShownCardId(MemRef chunkCard) {
     return static_cast<uint16_t>(GetCardId(current ? current : chunkCard));
 }
 
-TextStyle StyleOfRun(const StyleRun& run) {
-    LogFont logFont;
-    FontToLogFont(run.fontId, &logFont, run.size);
-    TextStyle style;
-    style.font = TextFontFromLogFont(logFont);
-    style.font.style |= run.style & (kStyleBold | kStyleItalic | kStyleUnderline);
-    // The record keeps 16-bit components; the high byte is the colour.
-    style.colour = Rgb(static_cast<uint8_t>(run.red >> 8), static_cast<uint8_t>(run.green >> 8),
-                       static_cast<uint8_t>(run.blue >> 8));
-    return style;
-}
-
-TextAlign AlignOf(int16_t stored) {
-    return stored < 0 ? TextAlign::Right : stored > 0 ? TextAlign::Centre : TextAlign::Left;
-}
-
 Rect TextAreaOf(const Rect& rect, uint16_t viewFlags) {
     Rect area = rect;
     if (viewFlags & kTextViewFrame) area = InflateRect(area, -1, -1);
@@ -55,23 +40,17 @@ Rect TextAreaOf(const Rect& rect, uint16_t viewFlags) {
     return area;
 }
 
-// The file a field's text comes from: its reference stands in place of the first block's text, and
-// behind it six big-endian words give the style of the whole text (font id, style bits, points and
-// the red, green and blue components). The file is looked for as other files a stack names are,
+// The file a field's text comes from, named by the reference in its first block, the text in the
+// block's style tail. The file is looked for as other files a stack names are,
 // the user asked at last; a file that can't be found or read leaves the field empty.
 //
 // Line ends are taken as the text's own platform wrote them: CR LF and a lone LF each end a
 // paragraph as CR does, so that text files from any system show their lines.
 bool ImportFieldText(const uint8_t* chunk, uint32_t length, TextRecord* out) {
-    if (length < kTextHeadSize + kTextBlockHeadSize) return false;
-    const uint8_t* block = chunk + kTextHeadSize;
-    const uint32_t blockLength = Read32(block + kTextBlockLength);
-    const uint32_t reference = Read32(block + kTextBlockDataLength);
-    if (blockLength < kTextBlockHeadSize || blockLength > length - kTextHeadSize ||
-        reference > blockLength - kTextBlockHeadSize)
+    FileTextBlock block;
+    if (!FindFileTextBlock(chunk, length, &block) ||
+        !SetSlotFromReference(kSlotTextFile, chunk + block.reference, block.referenceLength))
         return false;
-    const uint8_t* data = block + kTextBlockHeadSize;
-    if (!SetSlotFromReference(kSlotTextFile, data, reference)) return false;
     LocateRequest request;
     request.titleStringId = kStringFindTextFile;
     request.filterName = GetString(kStringTextFiles);
@@ -88,18 +67,8 @@ bool ImportFieldText(const uint8_t* chunk, uint32_t length, TextRecord* out) {
             out->text += bytes[i];
         }
     }
-    const uint32_t tail = blockLength - kTextBlockHeadSize - reference;
-    if (tail >= 12) {
-        const uint8_t* t = data + reference;
-        StyleRun run;
-        run.fontId = ReadBE16(t);
-        run.style = static_cast<uint8_t>(ReadBE16(t + 2));
-        run.size = ReadBE16(t + 4);
-        run.red = ReadBE16(t + 6);
-        run.green = ReadBE16(t + 8);
-        run.blue = ReadBE16(t + 10);
-        out->runs.push_back(run);
-    }
+    if (block.tailLength >= kFileStyleSize)
+        out->runs.push_back(ReadFileStyle(chunk + block.reference + block.referenceLength));
     return true;
 }
 
@@ -123,12 +92,15 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset) {
                        ? ImportFieldText(chunk, length, &record)
                        : ReadFieldText(chunk, length, ShownCardId(card), &record);
     }
+    item->chunkCard = card;
     item->document = StyledDocument{};
     item->document.align = AlignOf(align);
+    item->storedRuns.clear();
     if (haveText) {
         item->document.text = std::move(record.text);
         for (const StyleRun& run : record.runs)
             item->document.runs.push_back({run.start, StyleOfRun(run)});
+        item->storedRuns = std::move(record.runs);
     }
     item->textArea = TextAreaOf(item->rect, item->viewFlags);
     item->layout = LayOutDocument(item->document, item->textArea.right - item->textArea.left);

@@ -25,6 +25,7 @@ inline constexpr int kAlertCardNotFound = 2223;
 inline constexpr int kAlertNoMatch = 2201;
 inline constexpr int kAlertNoMemory = 2224;
 inline constexpr int kAlertPictureNotStored = 2230;
+inline constexpr int kAlertFieldNotStored = 2238;
 inline constexpr int kAlertNoMarkedCard = 2242;
 inline constexpr int kAlertTwentiethCard = 2303;
 inline constexpr int kAlertCardSize = 2295;

@@ -5,6 +5,7 @@
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
+#include "card/FieldSave.h"
 #include "card/FieldSelection.h"
 #include "player/Navigation.h"
 #include "stack/CardList.h"
@@ -76,6 +77,8 @@ bool FindInBytes(const std::string& text, const std::string& needle, size_t from
 // to the one on show, so that a hit above the last one on the first card is found too. Typing in
 // fields is not kept yet, so the stored text is all there is to search.
 bool FindInStack(FindRequest* request) {
+    // The search reads the records, so what was typed on the card on show goes into them first.
+    SaveFieldEdits(GetDocument().currentCard);
     const int32_t count = CardCount();
     const int32_t start = std::max<int32_t>(1, GetCardPosition(GetDocument().currentCard));
     if (count <= 0 || request->text.empty()) return false;

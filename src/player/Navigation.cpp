@@ -7,6 +7,7 @@
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
+#include "card/FieldSave.h"
 #include "card/OffscreenCard.h"
 #include "gfx/Palette.h"
 #include "messages/Alert.h"
@@ -92,6 +93,7 @@ void LeaveCard(bool pushBack) {
     subsystems.StopActionPlayout();
     subsystems.StopPendingHilites();
     subsystems.StopSprites();
+    SaveFieldEdits(LiveCurrentCard());
     StoreCurrentCard();
     FreeDisplayList();
 }

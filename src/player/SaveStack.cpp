@@ -1,4 +1,7 @@
-// The Save and Save As commands and the question before a stack goes away.
+// The Save and Save As commands and the question before a stack goes away. Each first writes
+// what was typed in the fields on show into the card, so that the question comes and the file
+// holds it.
+#include "card/FieldSave.h"
 #include "messages/Alert.h"
 #include "messages/StringIds.h"
 #include "platform/Host.h"
@@ -22,6 +25,7 @@ std::string ProposedSaveName() {
 
 bool CheckSave() {
     Document& doc = GetDocument();
+    SaveFieldEdits(doc.currentCard);
     if (!doc.stackHeader || !doc.dirty) return true;
     int answer = 1;  // Save
     bool mustSave = false;
@@ -44,6 +48,7 @@ bool CheckSave() {
 
 int32_t SaveStack() {
     Document& doc = GetDocument();
+    SaveFieldEdits(doc.currentCard);
     if (!doc.hasFile) return SaveStackAs();
     if (doc.convertedFlags) {
         const int answer = Alert(doc.convertedFlags == kConvertedDepth ? kAlertDepthChanged : kAlertConverted);
@@ -55,6 +60,7 @@ int32_t SaveStack() {
 
 int32_t SaveStackAs() {
     Document& doc = GetDocument();
+    SaveFieldEdits(doc.currentCard);
     CopySlot(kSlotStack, kSlotSaveAs);
     FileChoice choice;
     choice.save = true;

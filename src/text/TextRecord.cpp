@@ -134,29 +134,32 @@ std::vector<uint8_t> MakeTextRecord(const TextRecord& record, bool macCharset) {
     return r;
 }
 
+uint32_t TextRecordSizeAt(const uint8_t* chunk, uint32_t chunkLength, uint32_t at) {
+    if (at > chunkLength || chunkLength - at < kTextRecordHeadSize) return 0;
+    const uint8_t* block = chunk + at;
+    const uint32_t whole = Read32(block + kTextRecordSize);
+    if (Read16(block + kTextRecordKind) != kTextRecordType || whole < kTextRecordHeadSize ||
+        whole > chunkLength - at)
+        return 0;
+    return whole;
+}
+
 bool FindTextRecord(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, bool perCard,
                     uint32_t* offset) {
     // The chunk was checked block by block when the stack was loaded; the walk checks again, so
     // that a chunk changed since can't lead it astray.
     uint32_t first = 0;
     bool found = false;
-    for (uint32_t at = kTextHeadSize; at < chunkLength;) {
-        if (chunkLength - at < kTextRecordHeadSize) break;
-        const uint8_t* block = chunk + at;
-        const uint32_t whole = Read32(block + kTextRecordSize);
-        if (Read16(block + kTextRecordKind) != kTextRecordType || whole < kTextRecordHeadSize ||
-            whole > chunkLength - at)
-            break;
+    for (uint32_t at = kTextHeadSize, whole = 0; (whole = TextRecordSizeAt(chunk, chunkLength, at)) != 0; at += whole) {
         if (!found) {
             first = at;
             found = true;
             if (!perCard) break;
         }
-        if (Read16(block + kTextRecordCardId) == cardId) {
+        if (Read16(chunk + at + kTextRecordCardId) == cardId) {
             *offset = at;
             return true;
         }
-        at += whole;
     }
     *offset = first;
     return found;
@@ -168,4 +171,34 @@ bool ReadFieldText(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, 
     return !(flags & kItemFlagFileRef) &&
            FindTextRecord(chunk, chunkLength, cardId, (flags & kTextFlagPerCard) != 0, &at) &&
            ReadTextRecord(chunk + at, chunkLength - at, StackTextIsMacintosh(), out) == 0;
+}
+
+bool FindFileTextBlock(const uint8_t* chunk, uint32_t chunkLength, FileTextBlock* out) {
+    if (chunkLength < kTextHeadSize + kTextBlockHeadSize) return false;
+    const uint8_t* block = chunk + kTextHeadSize;
+    const uint32_t blockLength = Read32(block + kTextBlockLength);
+    const uint32_t reference = Read32(block + kTextBlockDataLength);
+    if (blockLength < kTextBlockHeadSize || blockLength > chunkLength - kTextHeadSize ||
+        reference > blockLength - kTextBlockHeadSize)
+        return false;
+    out->reference = kTextHeadSize + kTextBlockHeadSize;
+    out->referenceLength = reference;
+    out->tailLength = blockLength - kTextBlockHeadSize - reference;
+    return true;
+}
+
+StyleRun ReadFileStyle(const uint8_t* tail) {
+    StyleRun run;
+    run.fontId = ReadBE16(tail);
+    run.style = static_cast<uint8_t>(ReadBE16(tail + 2));
+    run.size = ReadBE16(tail + 4);
+    run.red = ReadBE16(tail + 6);
+    run.green = ReadBE16(tail + 8);
+    run.blue = ReadBE16(tail + 10);
+    return run;
+}
+
+void WriteFileStyle(uint8_t* tail, const StyleRun& run) {
+    const uint16_t words[] = {run.fontId, run.style, run.size, run.red, run.green, run.blue};
+    for (size_t i = 0; i < 6; ++i) WriteBE16(tail + 2 * i, words[i]);
 }

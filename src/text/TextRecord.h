@@ -69,6 +69,10 @@ int32_t ReadTextRecord(const uint8_t* record, uint32_t size, bool macCharset, Te
 // when text and table come to an odd length.
 std::vector<uint8_t> MakeTextRecord(const TextRecord& record, bool macCharset);
 
+// The whole size of the sub-record at `at` of a native text chunk: 0 when no record of type 99
+// with a size that stays in the chunk stands there.
+uint32_t TextRecordSizeAt(const uint8_t* chunk, uint32_t chunkLength, uint32_t at);
+
 // The offset in a native text chunk of the sub-record to show on card `cardId`: the first one, or
 // with `perCard` the one of that card if there is one. False when no sub-record of type 99 stands
 // first behind the head.
@@ -77,3 +81,17 @@ bool FindTextRecord(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId,
 // The text a native text chunk shows on card `cardId`: the card's own record for a per-card field,
 // else the first. False for a field whose text comes from a file, and for a missing or damaged record.
 bool ReadFieldText(const uint8_t* chunk, uint32_t chunkLength, uint16_t cardId, TextRecord* out);
+
+// A field whose text comes from a file keeps the file's reference in its first block in place of
+// the text, and behind it a style tail of six big-endian words: font id, style bits, points, and
+// the red, green and blue components. Offsets are in the chunk.
+inline constexpr uint32_t kFileStyleSize = 12;
+struct FileTextBlock {
+    uint32_t reference = 0;
+    uint32_t referenceLength = 0;
+    uint32_t tailLength = 0;  // what stands behind the reference in the block
+};
+// False when the chunk is too short for a block or the block's lengths leave it.
+bool FindFileTextBlock(const uint8_t* chunk, uint32_t chunkLength, FileTextBlock* out);
+StyleRun ReadFileStyle(const uint8_t* tail);
+void WriteFileStyle(uint8_t* tail, const StyleRun& run);
