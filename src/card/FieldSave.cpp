@@ -62,9 +62,9 @@ bool StoreHeadAndTail(const ShownField& f, uint16_t* flags) {
     const uint32_t length = std::min(Read32(chunk + kItemLength), GetMemRefSize(f.card) - f.offset);
     *flags = Read16(chunk + kItemFlags);
     bool changed = false;
-    const int16_t align = StoredAlign(f.item->document.align);
-    if (ReadS16(chunk + kTextAlign) != align) {
-        Write16(chunk + kTextAlign, static_cast<uint16_t>(align));
+    // A stored value that already means the field's alignment stays, whatever its number.
+    if (AlignOf(ReadS16(chunk + kTextAlign)) != f.item->document.align) {
+        Write16(chunk + kTextAlign, static_cast<uint16_t>(StoredAlign(f.item->document.align)));
         changed = true;
     }
     FileTextBlock block;

@@ -35,8 +35,9 @@ Bytes StoredText(const Rec& r) {
     return b;
 }
 
-Bytes StoredField(uint16_t id, uint16_t flags, const std::vector<Rec>& records, const Bytes& block = {}) {
+Bytes StoredField(uint16_t id, uint16_t flags, const std::vector<Rec>& records, const Bytes& block = {}, int16_t align = 0) {
     Bytes rest(kTextHeadSize - 16, 0);
+    PutBE16(rest, kTextAlign - 16, static_cast<uint16_t>(align));
     for (const Rec& r : records) Append(rest, StoredText(r));
     Append(rest, block);
     return StoredItem(kItemKindText, id, 10, 10, 200, 100, rest, flags);
@@ -51,8 +52,8 @@ StyleRun Measured(uint32_t start, uint8_t style, uint16_t size, uint16_t r, uint
 }
 
 // One card: field 5 with `record`, then field 6, whose chunk moves when field 5 changes size.
-Bytes OneCardStack(const Rec& record, bool mac) {
-    Bytes s = StoredStack({}, {StoredCard(1, "A", {StoredField(5, 0, {record}), StoredField(6, 0, {{1, "Second", {kLarge}}})})}, {});
+Bytes OneCardStack(const Rec& record, bool mac, int16_t align = 0) {
+    Bytes s = StoredStack({}, {StoredCard(1, "A", {StoredField(5, 0, {record}, {}, align), StoredField(6, 0, {{1, "Second", {kLarge}}})})}, {});
     if (mac) PutBE16(s, kHdrStackFlags, kStackFlagWhiteFirst);
     return s;
 }
@@ -85,7 +86,8 @@ protected:
 
 TEST_F(FieldSaveTest, FieldsShownButNotEditedSaveByteForByte) {
     const Rec hello{1, "Hello world", {kBoldOutlined, kLarge}};
-    for (const Bytes& stack : {OneCardStack(hello, false), OneCardStack(hello, true),
+    // Alignment 2 centres, as 1 does, and stays 2.
+    for (const Bytes& stack : {OneCardStack(hello, false, 2), OneCardStack(hello, true),
                                GroupStack({hello, {3, "Three", {kBoldOutlined}}})}) {
         Open(stack);
         for (int i = 0; i < CardCount(); ++i) GoNext(0, 0);
@@ -107,13 +109,14 @@ std::string Shown(const StyledDocument& d) {
 TEST_F(FieldSaveTest, AnEditedFieldIsSplicedIntoItsCard) {
     using Edit = std::function<void(StyledDocument&)>;
     const std::string hello = "Hello world";
-    const struct { const char* what; bool mac; Edit edit; Rec stored; } cases[] = {
+    const struct { const char* what; bool mac; Edit edit; Rec stored; int16_t align = 0; } cases[] = {
         {"lengthened to an even total", false, [](StyledDocument& d) { d.text = "Hello wide world"; }, {1, "Hello wide world", {kBoldOutlined, kLarge}}},
         {"shortened to an odd total", false, [](StyledDocument& d) { d.text = "Hello w"; }, {1, "Hello w", {kBoldOutlined, kLarge}}},
         {"a run's size and colour", false, [](StyledDocument& d) { d.runs[1].style.font.sizePx = 24, d.runs[1].style.colour = Rgb(255, 0, 0); },
          {1, hello, {kBoldOutlined, Measured(6, 0, 24, 0xFFFF, 0, 0)}}},
         {"a run inserted", false, [](StyledDocument& d) { d.runs.insert(d.runs.begin() + 1, StyledRun{2, d.runs[0].style}), d.runs[1].style.font.style = kStyleItalic; },
          {1, hello, {kBoldOutlined, Measured(2, kStyleItalic, 12, 0x1212, 0x5656, 0x9A9A), kLarge}}},
+        {"centred", false, [](StyledDocument& d) { d.align = TextAlign::Centre; }, {1, hello, {kBoldOutlined, kLarge}}, 1},
         {"a run removed", false, [](StyledDocument& d) { d.runs.pop_back(); }, {1, hello, {kBoldOutlined}}},
         {"Macintosh characters", true, [](StyledDocument& d) { d.text = "Caf\xE9 \xFC" "ber"; }, {1, "Caf\x8E \x9F" "ber", {kBoldOutlined, kLarge}}},
     };
@@ -124,9 +127,9 @@ TEST_F(FieldSaveTest, AnEditedFieldIsSplicedIntoItsCard) {
         c.edit(field->document);
         field->dirty = true;
         const std::string edited = Shown(field->document);
-        EXPECT_EQ(Saved(), OneCardStack(c.stored, c.mac));
+        EXPECT_EQ(Saved(), OneCardStack(c.stored, c.mac, c.align));
         EXPECT_FALSE(field->dirty);
-        Open(OneCardStack(c.stored, c.mac));
+        Open(OneCardStack(c.stored, c.mac, c.align));
         EXPECT_EQ(Shown(FindDisplayItem(kItemKindText, 5)->document), edited);
         EXPECT_EQ(FindDisplayItem(kItemKindText, 6)->document.text, "Second");
     }
