@@ -92,6 +92,8 @@ int32_t OnButtonDown(void* window, const HostEvent& event) {
     if (!Browsing()) return 1;
     const bool ctrl = (event.mods & kModCtrl) != 0;
     DisplayItem* item = ItemAt(x, y);
+    // A press anywhere else ends the typing in a field.
+    if (GetActiveField() && item != GetActiveField()) LeaveActiveField();
     int16_t actionId = 0;
     std::string name;
     bool itemTook = false;

@@ -125,6 +125,9 @@ TEST_F(FieldTypingTest, MovingAndReadOnlyTextLeaveTheStackUnchanged) {
         HandleWindowMessage(nullptr, KeyEvent(HostEventKind::KeyDown, k));
     EXPECT_EQ(GetActiveField(), a_);
     EXPECT_FALSE(a_->dirty || GetDocument().dirty);
+    // A press on the card leaves the field.
+    HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseDown, 400, 200));
+    EXPECT_EQ(GetActiveField(), nullptr);
 
     b_->viewFlags |= kTextViewReadOnly;
     HandleWindowMessage(nullptr, MouseEvent(HostEventKind::MouseDown, X(b_, 2), b_->textArea.top + 2));
