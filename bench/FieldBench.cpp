@@ -15,6 +15,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "FrameMemcpy.h"
 #include "OpenForCommand.h"
 #include "RatioReporter.h"
 #include "card/DisplayList.h"
@@ -28,9 +29,8 @@
 
 namespace {
 
-inline constexpr int32_t kWidth = 640;
-inline constexpr int32_t kHeight = 480;
-inline constexpr size_t kFrameBytes = size_t{kWidth} * kHeight * 4;
+inline constexpr int32_t kWidth = kFrameWidth;
+inline constexpr int32_t kHeight = kFrameHeight;
 inline constexpr int kWords = 10000;
 
 // Words of varied length in paragraphs of about a hundred words.
@@ -69,24 +69,14 @@ DisplayItem* TheField() {
     return nullptr;
 }
 
-Surface gSource{kWidth, kHeight};
-Surface gTarget{kWidth, kHeight};
-
-void BM_Memcpy(benchmark::State& state) {
-    for (auto _ : state) {
-        std::memcpy(gTarget.pixels.data(), gSource.pixels.data(), kFrameBytes);
-        benchmark::DoNotOptimize(gTarget.pixels.data());
-        benchmark::ClobberMemory();
-    }
-}
-
 void BM_LayOutAndDraw(benchmark::State& state) {
     DisplayItem& field = *TheField();
     const uint32_t colors[kPaletteSize] = {};
+    Surface target{kWidth, kHeight};
     for (auto _ : state) {
         field.layout = LayOutDocument(field.document, field.textArea.right - field.textArea.left);
-        DrawTextField(gTarget, Clip(gTarget.Bounds()), field, colors);
-        benchmark::DoNotOptimize(gTarget.pixels.data());
+        DrawTextField(target, Clip(target.Bounds()), field, colors);
+        benchmark::DoNotOptimize(target.pixels.data());
     }
 }
 
