@@ -94,7 +94,7 @@ fuzz: deps
 # The benchmark is left out of the release build's default targets, so `make test` never builds it.
 bench: deps
 	@cmake --preset release >/dev/null
-	@cmake --build --preset release -j $(JOBS) --target qb_bench qb_codec_bench qb_card_bench qb_transition_bench qb_sprite_bench qb_player_cpu_bench qb_sound_bench quillbrook
+	@cmake --build --preset release -j $(JOBS) --target qb_bench qb_codec_bench qb_card_bench qb_transition_bench qb_sprite_bench qb_player_cpu_bench qb_sound_bench qb_field_bench quillbrook
 	build/release/bench/qb_bench
 	build/release/bench/qb_codec_bench
 	build/release/bench/qb_card_bench
@@ -102,6 +102,7 @@ bench: deps
 	build/release/bench/qb_sprite_bench
 	build/release/bench/qb_player_cpu_bench
 	build/release/bench/qb_sound_bench
+	build/release/bench/qb_field_bench
 	bench/logo-bench.sh build/release/apps/quillbrook/quillbrook
 
 format:

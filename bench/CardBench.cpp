@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "FrameMemcpy.h"
 #include "OpenForCommand.h"
 #include "PngFile.h"
 #include "card/OffscreenCard.h"
@@ -26,9 +27,8 @@
 
 namespace {
 
-inline constexpr int32_t kWidth = 640;
-inline constexpr int32_t kHeight = 480;
-inline constexpr size_t kFrameBytes = size_t{kWidth} * kHeight * 4;
+inline constexpr int32_t kWidth = kFrameWidth;
+inline constexpr int32_t kHeight = kFrameHeight;
 
 // A picture of soft gradients with noise: neither flat nor random, as a scanned card is.
 bool WritePicture(const std::string& path, int32_t width, int32_t height, uint32_t seed) {
@@ -78,17 +78,6 @@ std::string BuildStack(const std::string& folder) {
     std::ofstream(folder + "/card.json") << stack.dump(1);
     const std::string stackPath = folder + "/card.stk";
     return RunBuild(folder + "/card.json", stackPath) == 0 ? stackPath : std::string{};
-}
-
-Surface gSource{kWidth, kHeight};
-Surface gTarget{kWidth, kHeight};
-
-void BM_Memcpy(benchmark::State& state) {
-    for (auto _ : state) {
-        std::memcpy(gTarget.pixels.data(), gSource.pixels.data(), kFrameBytes);
-        benchmark::DoNotOptimize(gTarget.pixels.data());
-        benchmark::ClobberMemory();
-    }
 }
 
 void BM_DrawCard(benchmark::State& state) {

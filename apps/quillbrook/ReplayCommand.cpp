@@ -21,6 +21,9 @@
 #include "platform/Host.h"
 #include "platform/HostFile.h"
 #include "platform/headless/HeadlessHost.h"
+#include "player/Navigation.h"
+#include "stack/CardList.h"
+#include "stack/Document.h"
 
 namespace {
 
@@ -98,6 +101,15 @@ int RunReplay(const RenderOptions& options) {
         GetHost().Present = PresentAndKeep;
     }
     if (!OpenStackForCommand(options.path)) return 1;
+    // --card starts the session on that card, reached as the player goes to a card.
+    if (options.card != 1) {
+        const MemRef card = GetCardByPosition(options.card);
+        if (!card) {
+            fmt::print(stderr, "{}: no card {} (the stack has {})\n", options.path, options.card, CardCount());
+            return 2;
+        }
+        GoToCardNoBack(static_cast<int16_t>(GetCardId(card)), kPlainEffect, kPlainSpeed);
+    }
     FitWindowToCard();
     const uint32_t start = GetHost().GetTickCount();
     for (HostEvent event : events) {

@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
     CLI::App* renderCommand = app.add_subcommand("render", "Draw cards as PNG, headless");
     renderCommand->add_option("FILE", render.path, "the stack")->required();
     renderCommand->add_option("-o,--output", render.output, "the PNG to write (a folder with --all)")->required();
-    renderCommand->add_option("--card", render.card, "the card, counted from 1 in card order");
+    renderCommand->add_option("--card", render.card, "the card, counted from 1 in card order (with --replay: the card the session starts on)");
     renderCommand->add_flag("--all", render.all, "every card, as NNN-name.png");
     renderCommand->add_flag("--contact-sheet", render.contactSheet, "with --all: one more PNG of every card");
     renderCommand->add_option("--depth", render.depth, "the display depth to emulate: 8, 16 or 32")

@@ -178,7 +178,26 @@
     canvas.addEventListener('mouseup', mouse(1));
     canvas.addEventListener('mousemove', mouse(2));
     canvas.addEventListener('contextmenu', function (event) { event.preventDefault(); });
+    // The paste keys go in with the paste event that follows them, which alone may read the page's
+    // clipboard; if none follows, they go in on their own and the player pastes its own copy.
+    function isPasteKey(event) {
+      return (event.keyCode === 86 && (event.ctrlKey || event.metaKey) && !event.altKey) ||
+          (event.keyCode === 45 && event.shiftKey && !event.ctrlKey);
+    }
+    function paste(text) {
+      self.pasteAwaited = false;
+      if (self.module) self.module.qbPaste(text);
+    }
+    canvas.addEventListener('paste', function (event) {
+      event.preventDefault();
+      paste(event.clipboardData ? event.clipboardData.getData('text/plain') : null);
+    });
     canvas.addEventListener('keydown', function (event) {
+      if (isPasteKey(event)) {
+        self.pasteAwaited = true;
+        setTimeout(function () { if (self.pasteAwaited) paste(null); }, 0);
+        return;
+      }
       self.input('QbWebKey', [1, event.keyCode, MODIFIERS(event)]);
       // Printable characters go in as text; the page keeps its own shortcuts for Ctrl and Alt.
       if (event.key && event.key.length === 1 && !event.ctrlKey && !event.altKey && !event.metaKey) {
@@ -190,7 +209,7 @@
       if (!event.metaKey && event.keyCode !== 116 && event.keyCode !== 123) event.preventDefault();
     });
     canvas.addEventListener('keyup', function (event) {
-      self.input('QbWebKey', [0, event.keyCode, MODIFIERS(event)]);
+      if (!isPasteKey(event)) self.input('QbWebKey', [0, event.keyCode, MODIFIERS(event)]);
     });
     canvas.addEventListener('blur', function () { self.input('QbWebFocusLost', []); });
   };

@@ -475,7 +475,7 @@ def click():
 
 # ---------------------------------------------------------------------------------------------
 # The description.
-FONT = 20  # Arial, by the stack's font table
+FONT = 20  # Arial, by the stack's font table (SANS below)
 
 
 def run(start, size, bold, colour):
@@ -534,7 +534,7 @@ def stack_sound(sound_id, flags=0):
 
 
 WELCOME, SHAPES, PICTURE_BUTTONS, ABOUT, PICTURES, PHOTO, GARDEN, ROSES, POND, ICONS, HIDDEN, \
-    TRANSITIONS, ARRIVED, SPRITES = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14
+    TRANSITIONS, ARRIVED, SPRITES, TEXT = 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15
 
 # Transitions by number, as the authoring dialogs name them.
 TRANSITION_SET = [(1, "Left to right"), (5, "Fade to black"), (7, "Blocks"), (10, "Blinds"), (13, "Rain"),
@@ -670,9 +670,9 @@ def cards(photo_colours):
 
     about = {"id": ABOUT, "name": "About", "items": [
         field(401, ABOUT, [40, 40, 600, 200], "About this stack",
-              "Fourteen cards: pictures from PNG and JPEG, a group, buttons of all eight shapes with "
+              "Fifteen cards: pictures from PNG and JPEG, a group, buttons of all eight shapes with "
               "colours and icons, hidden items and transitions, sprite films and a frame-delta animation, "
-              "sounds, and a font table. Start over reopens "
+              "styled text to read and to type into, sounds, and a font table. Start over reopens "
               "demo.stk at its first card through a file reference."),
         scrolling_field(405, ABOUT, [40, 210, 600, 366], "What each card shows", [
             "Welcome: a picture, a styled text with a hot word, a chime on arrival and a panel of buttons "
@@ -685,6 +685,9 @@ def cards(photo_colours):
             "Icons: buttons with icons of 4 and 8 bits.",
             "Hide and seek: hidden items between visible ones.",
             "Transitions: ten ways to reach the Arrived card.",
+            "Sprites: films on paths, behind and in front of the items, and a frame-delta flag.",
+            "Text: three families of type in sizes from 9 to 24 points, styles and colours, a hot word, "
+            "and a field to type into.",
             "About: this card. Its text is longer than the field, which scrolls: press the arrows, the "
             "track above or below the thumb, or drag the thumb."]),
         button(402, [60, 380, 220, 420], "Previous", -2, 2, 2, LIGHT_GREY, BLACK_I),
@@ -697,8 +700,9 @@ def cards(photo_colours):
         field(1301, ARRIVED, [200, 200, 440, 260], "You have arrived", "", (0, 0, 0)),
         button(1302, [230, 270, 410, 306], "Back", -4, 3, 0, BLUE, WHITE_I),
     ]}
+    # The text card stands last, so that the cards before it keep their numbers.
     return [welcome, pictures, photo, garden, roses, pond, shapes, picture_buttons, icons, hidden, transitions,
-            sprites_card(), about, arrived]
+            sprites_card(), about, arrived, text_card()]
 
 
 # The sprite card: a tall post in the middle; films cross behind it and in front of it, a ball
@@ -732,7 +736,45 @@ def sprites_card():
                             "frameDelta": {"frames": ["sprites/flag-%d.png" % n for n in range(1, 5)],
                                            "tickDelay": 8, "repeats": 3}}]),
     ]
-    return {"id": SPRITES, "name": "Sprites", "items": items + nav(1407, TRANSITIONS, WELCOME, ABOUT)}
+    return {"id": SPRITES, "name": "Sprites", "items": items + nav(1407, TRANSITIONS, WELCOME, TEXT)}
+
+
+def styled(pieces):
+    """A text and its runs from (text, font, size, style, colour) pieces; the builder measures each run."""
+    text, runs = "", []
+    for piece, font, size, style, colour in pieces:
+        runs.append({"start": len(text), "font": font, "size": size, "style": style, "color": list(colour)})
+        text += piece
+    return text, runs
+
+
+def text_card():
+    """Styled text in the three families, a hot word, and a field to type into."""
+    black, red, green, blue = (0, 0, 0), (200, 30, 30), (20, 130, 40), (30, 60, 200)
+    text, runs = styled([
+        ("Styled text\n", SANS, 24, 1, black),
+        ("Arial at ", SANS, 12, 0, black), ("9, ", SANS, 9, 0, black), ("12, ", SANS, 12, 0, black),
+        ("14, ", SANS, 14, 0, black), ("18 ", SANS, 18, 0, black), ("and 24", SANS, 24, 0, black),
+        (" points.\n", SANS, 12, 0, black),
+        ("Times New Roman in ", SERIF, 14, 0, black), ("bold", SERIF, 14, 1, black), (", ", SERIF, 14, 0, black),
+        ("italic", SERIF, 14, 2, black), (" and ", SERIF, 14, 0, black), ("underlined", SERIF, 14, 4, black),
+        (".\n", SERIF, 14, 0, black),
+        ("Courier New in ", MONO, 14, 0, black), ("red", MONO, 14, 1, red), (", ", MONO, 14, 0, black),
+        ("green", MONO, 14, 1, green), (" and ", MONO, 14, 0, black), ("blue", MONO, 14, 1, blue),
+        (".\n", MONO, 14, 0, black),
+        ("A hot word: click Sprites to see the films again.", SANS, 12, 2, black),
+    ])
+    shown = {"kind": 96, "id": 1501, "rect": [40, 20, 600, 150], "name": "Styles", "itemFlags": 128,
+             "fields": {"26": 4}, "cardId": TEXT, "text": text, "runs": runs}
+    typed, typed_runs = styled([
+        ("Type here. ", SANS, 14, 1, black),
+        ("Click to place the insertion point, drag or Shift with the arrows to select, and cut, copy "
+         "and paste with Ctrl+X, Ctrl+C and Ctrl+V; Ctrl+B, Ctrl+I and Ctrl+U make the selection bold, "
+         "italic or underlined. What you write stays with the card, and Save keeps it in the stack.",
+         SANS, 14, 0, black)])
+    editable = {"kind": 96, "id": 1502, "rect": [40, 170, 600, 420], "name": "Notes", "itemFlags": 0,
+                "fields": {"26": 0x100 | 2}, "cardId": TEXT, "text": typed, "runs": typed_runs}
+    return {"id": TEXT, "name": "Text", "items": [shown, editable] + nav(1503, SPRITES, WELCOME, ABOUT)}
 
 
 def sprite_pictures():
@@ -763,11 +805,21 @@ def sprite_pictures():
         write_rgba("sprites/flag-%d.png" % n, flag)
 
 
-# Font 20 is Arial: the stack's font table.
-FONT_TABLE = ("05417269616c00000000000000000000000000000000000000000000000000000000000000000000000000000000"
-              "00000000000000000000000000000000000000140000002200000000000000000000000000000000ffed00000190"
-              "00000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000"
-              "00000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000")
+# The stack's font table: Arial (20, the font of most text), Times New Roman (21) and Courier New (22).
+SANS, SERIF, MONO = 20, 21, 22
+
+
+def font_row(name, font_id):
+    """One 92-byte row: the name as a counted string, the id, and the request of a 12-point face."""
+    row = bytearray(92)
+    row[0] = len(name)
+    row[1:1 + len(name)] = name.encode("ascii")
+    struct.pack_into(">HHH", row, 64, font_id, 0, 0x22)
+    struct.pack_into(">hHH", row, 86, -19, 0, 400)
+    return row.hex()
+
+
+FONT_TABLE = font_row("Arial", SANS) + font_row("Times New Roman", SERIF) + font_row("Courier New", MONO) + "00" * 92
 
 
 def main():
@@ -850,6 +902,10 @@ def main():
             {"type": "Hlnk", "id": 1, "name": "", "link": {
                 "words": "Pictures", "field": 101,
                 "action": {"destination": PICTURES, "transition": 8, "actionFlags": 32}}},
+            # And on the text card, "Sprites" goes back to the films.
+            {"type": "Hlnk", "id": 2, "name": "", "link": {
+                "words": "Sprites", "field": 1501,
+                "action": {"destination": SPRITES, "transition": 1, "actionFlags": 32}}},
         ],
     }
     with open(os.path.join(HERE, "demo.json"), "w") as f:

@@ -23,6 +23,32 @@ void AppendUtf8(std::string& out, uint32_t cp) {
     }
 }
 
+inline constexpr uint32_t kNotAChar = 0xFFFFFFFF;
+
+// The code point of the sequence at `i` and its length in bytes. A byte that starts no well-formed
+// sequence (a stray continuation, a cut or overlong sequence, a surrogate) is one byte of kNotAChar,
+// so text from outside that is not UTF-8 after all becomes '?', never stray Latin-1.
+size_t DecodeUtf8(std::string_view text, size_t i, uint32_t* cp) {
+    const auto lead = static_cast<uint8_t>(text[i]);
+    *cp = kNotAChar;
+    if (lead < 0x80) {
+        *cp = lead;
+        return 1;
+    }
+    const size_t extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
+    if (extra == 0 || lead > 0xF4 || i + extra >= text.size()) return 1;
+    uint32_t value = lead & (0x3F >> extra);
+    for (size_t k = 1; k <= extra; ++k) {
+        const auto next = static_cast<uint8_t>(text[i + k]);
+        if ((next & 0xC0) != 0x80) return 1;
+        value = value << 6 | (next & 0x3F);
+    }
+    static constexpr uint32_t kLeast[4] = {0, 0x80, 0x800, 0x10000};
+    if (value < kLeast[extra] || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) return 1;
+    *cp = value;
+    return extra + 1;
+}
+
 }  // namespace
 
 uint32_t CodePointFromWindows1252(uint8_t byte) {
@@ -39,16 +65,10 @@ std::string Utf8FromWindows1252(std::string_view text) {
 
 std::string Windows1252FromUtf8(std::string_view text) {
     std::string out;
+    out.reserve(text.size());
     for (size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<uint8_t>(text[i]);
-        uint32_t cp = lead;
-        size_t extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
-        if (i + extra >= text.size()) extra = 0;  // a cut sequence counts as one byte
-        if (extra) {
-            cp = lead & (0x3F >> extra);
-            for (size_t k = 1; k <= extra; ++k) cp = cp << 6 | (static_cast<uint8_t>(text[i + k]) & 0x3F);
-        }
-        i += extra + 1;
+        uint32_t cp = 0;
+        i += DecodeUtf8(text, i, &cp);
         char byte = '?';
         if (cp < 0x80 || (cp >= 0xA0 && cp <= 0xFF)) {
             byte = static_cast<char>(cp);

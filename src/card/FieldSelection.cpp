@@ -6,11 +6,17 @@
 #include "card/DisplayList.h"
 #include "card/FieldScroll.h"
 #include "card/OffscreenCard.h"
+#include "platform/Host.h"
+#include "stack/CardRecord.h"
+#include "text/StyledEdit.h"
 
 namespace {
 
 struct SelectionState {
     DisplayItem* active = nullptr;
+    size_t anchor = 0, moving = 0;
+    bool caretShown = true;
+    uint32_t caretChangedAt = 0;
 };
 SelectionState gSelection;
 
@@ -22,6 +28,12 @@ void RepaintText(const DisplayItem& field) {
 }
 
 }  // namespace
+
+Rect CaretOnWindow(const DisplayItem& field) {
+    if (field.selStart != field.selEnd || (field.viewFlags & kTextViewReadOnly)) return {};
+    const Rect caret = CaretRect(field.document, field.layout, field.selStart);
+    return IntersectRect(OffsetRect(caret, field.textArea.left, field.textArea.top - field.scrollValue), field.textArea);
+}
 
 DisplayItem* GetActiveField() { return gSelection.active; }
 
@@ -51,11 +63,35 @@ void ScrollSelectionIntoView(DisplayItem& field) {
 }
 
 void SelectInField(DisplayItem& field, size_t start, size_t end) {
+    SelectFromAnchor(field, start, std::max(start, end));
+}
+
+void SelectFromAnchor(DisplayItem& field, size_t anchor, size_t moving) {
     if (gSelection.active != &field) LeaveActiveField();
     const size_t length = field.document.text.size();
-    field.selStart = std::min(start, length);
-    field.selEnd = std::clamp(end, field.selStart, length);
+    gSelection.anchor = std::min(anchor, length);
+    gSelection.moving = std::min(moving, length);
+    field.selStart = std::min(gSelection.anchor, gSelection.moving);
+    field.selEnd = std::max(gSelection.anchor, gSelection.moving);
     gSelection.active = &field;
+    gSelection.caretShown = true;
+    gSelection.caretChangedAt = GetHost().GetTickCount();
     ScrollSelectionIntoView(field);
     RepaintText(field);
+}
+
+size_t SelectionAnchor() { return gSelection.anchor; }
+size_t SelectionMovingEnd() { return gSelection.moving; }
+
+bool CaretShown() { return gSelection.caretShown; }
+
+void BlinkCaret() {
+    const DisplayItem* field = gSelection.active;
+    const uint32_t now = GetHost().GetTickCount();
+    if (!field || now - gSelection.caretChangedAt < kCaretBlinkMs) return;
+    const Rect caret = CaretOnWindow(*field);
+    if (caret.IsEmpty()) return;
+    gSelection.caretShown = !gSelection.caretShown;
+    gSelection.caretChangedAt = now;
+    RepaintRect(caret.left, caret.top, caret.right, caret.bottom);
 }

@@ -132,4 +132,8 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
                        OffsetRect(r, item.textArea.left, item.textArea.top - item.scrollValue));
         }
     }
+    if (GetActiveField() == &item && CaretShown()) {
+        const Rect caret = IntersectRect(CaretOnWindow(item), area);
+        if (!caret.IsEmpty()) InvertRect(target, Clip(caret, clip.region), caret);
+    }
 }

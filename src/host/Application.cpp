@@ -4,7 +4,7 @@
 #include "actions/ActionTimers.h"
 #include "actions/Quiz.h"
 #include "actions/RunAction.h"
-#include "card/FieldScroll.h"
+#include "card/FieldEdit.h"
 #include "host/MainLoop.h"
 #include "logo/Evaluator.h"
 #include "media/SoundPlayback.h"
@@ -105,14 +105,10 @@ Subsystems ApplicationSubsystems() {
         return PlaySound(hostPath, fromRecord, record, volume, static_cast<uint16_t>(soundFlags));
     };
     s.StopSounds = StopSounds;
-    s.ClickInField = [](DisplayItem& field, int32_t x, int32_t y) { FieldScrollPress(field, x, y); };
-    s.DragInField = FieldScrollDrag;
-    // Only the scroll bar takes presses so far: no release is an edit.
-    s.ReleaseInField = [] {
-        FieldScrollRelease();
-        return false;
-    };
-    s.ServeFieldDragScroll = FieldScrollHold;
+    s.ClickInField = FieldClick;
+    s.DragInField = FieldDrag;
+    s.ReleaseInField = FieldRelease;
+    s.ServeFieldDragScroll = FieldIdle;
     s.ShowFindDialog = [] { FindCommand(&GetFindRequest()); };
     s.ServeAutoTimers = TickActionTimers;
     s.RebuildAutoTimers = BuildActionTimers;

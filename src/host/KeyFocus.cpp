@@ -2,6 +2,8 @@
 
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
+#include "card/FieldEdit.h"
+#include "card/FieldSelection.h"
 #include "card/OffscreenCard.h"
 #include "host/ButtonPress.h"
 #include "platform/Host.h"
@@ -94,6 +96,9 @@ int16_t MoveKeyFocus(bool backwards) {
     gFocus.cardId = GetDocument().currentCardId;
     gFocus.itemId = chosen ? chosen->id : 0;
     if (chosen) ShowRing(*chosen);
+    // A field reached from the keyboard is ready to be typed over; any other item leaves the field.
+    if (chosen && FieldEditable(*chosen)) SelectInField(*chosen, 0, chosen->document.text.size());
+    else LeaveActiveField();
     return gFocus.itemId;
 }
 

@@ -17,7 +17,8 @@ KeyFocusState& GetKeyFocusState();
 void ResetKeyFocus();
 
 // Tab (`backwards` for Shift+Tab): the ring goes to the next visible button or field, or from the
-// last back to none, so that the card's own Return comes back. Returns the item now focused, 0
+// last back to none, so that the card's own Return comes back. A field that can be typed into
+// becomes the active one with its whole text selected. Returns the item now focused, 0
 // for none.
 int16_t MoveKeyFocus(bool backwards);
 // The focused item on the card on show, or 0.

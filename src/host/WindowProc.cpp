@@ -6,6 +6,8 @@
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
+#include "card/FieldEdit.h"
+#include "card/FieldSelection.h"
 #include "card/OffscreenCard.h"
 #include "host/ButtonPress.h"
 #include "host/KeyFocus.h"
@@ -18,6 +20,7 @@
 #include "stack/Document.h"
 #include "stack/StackHeader.h"
 #include "subsystems/Subsystems.h"
+#include "text/Font.h"
 #include "ui/JumpDialog.h"
 
 namespace {
@@ -89,6 +92,8 @@ int32_t OnButtonDown(void* window, const HostEvent& event) {
     if (!Browsing()) return 1;
     const bool ctrl = (event.mods & kModCtrl) != 0;
     DisplayItem* item = ItemAt(x, y);
+    // A press anywhere else ends the typing in a field.
+    if (GetActiveField() && item != GetActiveField()) LeaveActiveField();
     int16_t actionId = 0;
     std::string name;
     bool itemTook = false;
@@ -103,7 +108,7 @@ int32_t OnButtonDown(void* window, const HostEvent& event) {
         if (actionId) {
             name = item->name;
         } else {
-            GetSubsystems().ClickInField(*item, x, y);
+            GetSubsystems().ClickInField(*item, x, y, (event.mods & kModShift) != 0, false);
             gState.mouseDownHandled = true;
             itemTook = true;
         }
@@ -130,7 +135,7 @@ int32_t OnDoubleClick(void* window, const HostEvent& event) {
     if (!item) return 1;
     if (item->type == kItemKindButton) return OnButtonDown(window, event);
     if (item->type == kItemKindText) {
-        GetSubsystems().ClickInField(*item, x, y);
+        GetSubsystems().ClickInField(*item, x, y, false, true);
         gState.mouseDownHandled = true;
     }
     return 1;
@@ -186,6 +191,30 @@ bool RunDefaultButton(void* window) {
     return false;
 }
 
+// The edit commands act on the active field; false when they find none.
+bool DoFieldCommand(int32_t command) {
+    switch (command) {
+        case kCmdCut: return FieldCutCopyClear(ClipCommand::Cut);
+        case kCmdCopy: return FieldCutCopyClear(ClipCommand::Copy);
+        case kCmdPaste: return FieldPaste();
+        case kCmdClear: return FieldCutCopyClear(ClipCommand::Clear);
+        case kCmdSelectAll: return FieldSelectAll();
+        default: return false;
+    }
+}
+
+// Ctrl with a key in the active field: the edit commands, and bold, italic and underline.
+bool DoFieldShortcut(uint16_t key) {
+    FieldStyleChange change;
+    switch (key) {
+        case 'B': change.toggleStyle = kStyleBold; break;
+        case 'I': change.toggleStyle = kStyleItalic; break;
+        case 'U': change.toggleStyle = kStyleUnderline; break;
+        default: return DoFieldCommand(KeyToCommand(key, gState.shiftDown, false));
+    }
+    return SetActiveFieldStyle(change);
+}
+
 int32_t OnKey(void* window, const HostEvent& event) {
     const bool down = event.kind == HostEventKind::KeyDown;
     gState.shiftDown = IsShiftKey(event.key) ? down : (event.mods & kModShift) != 0;
@@ -195,6 +224,13 @@ int32_t OnKey(void* window, const HostEvent& event) {
         return 1;
     }
     if (!down) return 1;
+    // The field being typed into takes its keys first, and the editing shortcuts even on a card
+    // without the menu: a field offered for typing must take cut and paste as well.
+    if (Browsing() && GetActiveField()) {
+        const bool taken = gState.ctrlDown ? DoFieldShortcut(event.key)
+                                           : FieldKeyDown(event.key, gState.shiftDown);
+        if (taken) return 1;
+    }
     // The moving keys and the Ctrl shortcuts stand for menu commands: a card without the menu
     // (a kiosk, a quiz) cannot be skipped through from the keyboard.
     if (!GetDocument().menuShown) return 1;
@@ -213,10 +249,13 @@ int32_t OnChar(void* window, const HostEvent& event) {
         MoveKeyFocus((event.mods & kModShift) != 0);
         return 1;
     }
+    // Return runs the card's default button even while a field is typed into; the field takes
+    // the other characters, and Return when there is no default button.
+    const bool typing = Browsing() && EditingField();
     // The button with the focus ring comes first; without one, Return runs the default button.
-    if ((event.ch == '\r' || event.ch == ' ') && PressFocusedButton(window)) return 1;
+    if (!typing && (event.ch == '\r' || event.ch == ' ') && PressFocusedButton(window)) return 1;
     if (event.ch == '\r' && RunDefaultButton(window)) return 1;
-    // The language's keyboard input and the active text field take the other characters.
+    if (typing) FieldKey(event.ch);
     return 1;
 }
 
@@ -397,8 +436,9 @@ void DoCommand(void*, int32_t commandId, int32_t) {
             GetSubsystems().OpenHelp();
             break;
         default:
-            // New Stack, page setup, printing, undo, the clipboard and the Extras belong to the
-            // tool layer, which in the player does nothing.
+            // The edit commands serve the active field. New Stack, page setup, printing, undo and
+            // the Extras belong to the tool layer, which in the player does nothing.
+            DoFieldCommand(commandId);
             break;
     }
 }

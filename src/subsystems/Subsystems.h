@@ -111,8 +111,9 @@ struct Subsystems {
     void (*GiveFocusToField)(DisplayItem* field);
     // True when the text layer takes a click on `item` itself (a hot word, a field being edited).
     bool (*TextLayerTakesClick)(DisplayItem& item);
-    // A press at (x, y) in the field, card coordinates.
-    void (*ClickInField)(DisplayItem& item, int32_t x, int32_t y);
+    // A press at (x, y) in the field, card coordinates; Shift extends the selection, a double click
+    // selects a word.
+    void (*ClickInField)(DisplayItem& item, int32_t x, int32_t y, bool shift, bool doubleClick);
     void (*DragInField)(int32_t x, int32_t y);
     // The press in a field ends: true when it was editing the field (false on read-only text).
     bool (*ReleaseInField)();

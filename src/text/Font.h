@@ -38,6 +38,7 @@ struct TextFont {
     std::string face = "Arial";       // any face name; resolved through the fixed font table
     int32_t sizePx = kDefaultFontPx;  // the em in pixels (a point is a pixel on the card)
     uint8_t style = 0;
+    friend bool operator==(const TextFont&, const TextFont&) = default;
 };
 
 struct TextMetrics {

@@ -178,20 +178,35 @@ const TextStyle& StyledDocument::StyleAt(size_t offset) const {
     return runs.empty() ? kDefaultStyle : runs[RunIndexAt(*this, offset)].style;
 }
 
+std::vector<LaidLine> LayOutParagraphs(const StyledDocument& document, size_t start, size_t next, int32_t width,
+                                       int32_t top) {
+    TextLayout layout;
+    layout.width = width;
+    layout.height = top;
+    const std::string& text = document.text;
+    for (;;) {
+        const size_t cr = text.find(kReturn, start);
+        const bool last = cr == std::string::npos || cr + 1 >= next;
+        const size_t end = cr == std::string::npos ? text.size() : cr;
+        const size_t after = cr == std::string::npos ? text.size() : cr + 1;
+        BreakParagraph(document, start, end, after, width, &layout);
+        // A text that ends with a CR has an empty line after it.
+        if (last && !(cr != std::string::npos && after == text.size() && next == after)) break;
+        start = after;
+    }
+    return std::move(layout.lines);
+}
+
 TextLayout LayOutDocument(const StyledDocument& document, int32_t width) {
     TextLayout layout;
     layout.width = width;
-    const std::string& text = document.text;
-    size_t start = 0;
-    for (;;) {
-        const size_t cr = text.find(kReturn, start);
-        const size_t end = cr == std::string::npos ? text.size() : cr;
-        const size_t next = cr == std::string::npos ? text.size() : cr + 1;
-        BreakParagraph(document, start, end, next, width, &layout);
-        if (cr == std::string::npos) break;
-        start = next;
-    }
+    layout.lines = LayOutParagraphs(document, 0, document.text.size(), width, 0);
+    for (const LaidLine& line : layout.lines) layout.height += line.height;
     return layout;
+}
+
+int32_t CharacterLeft(const StyledDocument& document, const TextLayout& layout, size_t line, size_t offset) {
+    return OffsetX(document, layout, layout.lines[line], offset);
 }
 
 void DrawDocument(Surface& surface, const StyledDocument& document, const TextLayout& layout,

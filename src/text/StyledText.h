@@ -24,6 +24,7 @@
 struct TextStyle {
     TextFont font;
     uint32_t colour = kBlack;
+    friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
 struct StyledRun {
@@ -61,6 +62,13 @@ TextLayout LayOutDocument(const StyledDocument& document, int32_t width);
 // the nearest line when y is above or below the lines, the line's visible end right of its last
 // character, its start left of its first.
 size_t CharacterAt(const StyledDocument& document, const TextLayout& layout, int32_t x, int32_t y);
+// The x of the left edge of the character at `offset` on line `line` (its visible end at most),
+// from the text's left.
+int32_t CharacterLeft(const StyledDocument& document, const TextLayout& layout, size_t line, size_t offset);
+// The lines of the text [start, next) laid out one after another, the first with its top at `top`:
+// `start` begins a paragraph and `next` follows a CR or is the text's end.
+std::vector<LaidLine> LayOutParagraphs(const StyledDocument& document, size_t start, size_t next, int32_t width,
+                                       int32_t top);
 // The rectangles, one per line, that the characters [start, end) cover, from the text's top-left.
 std::vector<Rect> RangeRects(const StyledDocument& document, const TextLayout& layout, size_t start, size_t end);
 // Scrolling keeps a line's top at the top of the view. The scroll value is that line's top in

@@ -164,6 +164,28 @@ TEST_F(Replay, TheDemosLongFieldScrollsToItsEndWithItsBar) {
     EXPECT_GT(field->scrollValue, 0);
     EXPECT_EQ(field->pressedArrow, 0);
 }
+// The demo's Text card: a click below the text of its notes field puts the insertion point at
+// the end, typing adds to it in the last run's style, and Backspace takes the last character back.
+TEST_F(Replay, TheDemosNotesFieldTakesTyping) {
+    RenderOptions options = Options(Write("typing.json", R"([
+      {"at": 2000, "event": "mousedown", "x": 300, "y": 390, "mods": []},
+      {"at": 2060, "event": "mouseup", "x": 300, "y": 390, "mods": []},
+      {"at": 2100, "event": "char", "key": " ", "mods": []},
+      {"at": 2150, "event": "char", "key": "é", "mods": []},
+      {"at": 2200, "event": "char", "key": "t", "mods": []},
+      {"at": 2250, "event": "char", "key": "é", "mods": []},
+      {"at": 2300, "event": "char", "key": "\b", "mods": []}])"), "typing.png");
+    options.path = QB_DEMO_STACK;
+    options.card = 15;
+    ASSERT_EQ(RunQuietly(options), 0) << err_;
+    const DisplayItem* field = FindDisplayItem(kItemKindText, 1502);
+    ASSERT_NE(field, nullptr);
+    const std::string& text = field->document.text;
+    EXPECT_EQ(text.substr(text.size() - 16), "in the stack. \xE9t");
+    EXPECT_TRUE(field->dirty);
+    EXPECT_EQ(field->selStart, text.size());
+    EXPECT_FALSE(field->document.StyleAt(text.size() - 1).font.style & kStyleBold);
+}
 #if QB_GOLDEN_TESTS
 // The demo's Sprites card (reached through Transitions and Next) with all four of its animations
 // started: the bird behind the post, the balloon in front, the ball bouncing, the flag waving. Three

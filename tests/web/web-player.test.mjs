@@ -32,7 +32,7 @@ execFileSync('mkdir', ['-p', references]);
 // Cards are counted in the demo's own order, found by name so that a card added to the demo moves none.
 const cardNumber = (name) => description.cards.findIndex((card) => card.name === name) + 1;
 const DEMO_CARDS = { welcome: 'Welcome', pictures: 'Pictures', shapes: 'Shapes', transitions: 'Transitions',
-  about: 'About', arrived: 'Arrived' };
+  about: 'About', arrived: 'Arrived', text: 'Text' };
 for (const [file, name] of Object.entries(DEMO_CARDS)) render('demo.stk', cardNumber(name), `${file}.png`);
 render('second.stk', 1, 'second.png');
 render('menu.stk', 2, 'menu-2.png');
@@ -105,6 +105,13 @@ async function clickCanvas(tab, index, x, y) {
   const box = await tab.locator('canvas').nth(index).boundingBox();
   await tab.mouse.click(box.x + x, box.y + y);
 }
+
+// What the first player's host clipboard holds, Windows-1252 bytes as hex; null for no text.
+const clipboardHeld = (tab) => tab.evaluate(() => {
+  const { _QbWebClipboardText: held, HEAPU8: heap } = Quillbrook.players[0].module;
+  const ptr = held();
+  return ptr ? Array.from(heap.subarray(ptr, heap.indexOf(0, ptr)), (b) => b.toString(16).padStart(2, '0')).join(' ') : null;
+});
 
 const failures = [];
 function check(name, ok, detail = '') {
@@ -281,6 +288,60 @@ const CASES = [
     // A dissolve never reaches the last few values of its walk: those pixels keep the old card.
     const arrived = await settlesOn(tab, 0, 'arrived.png', 8000, 16);
     return [answered < 1000 && midway > 0 && arrived === 0, `answered in ${answered} ms, ${midway} pixels still to change, ${arrived} at the end`];
+  }],
+  ["the page's clipboard and the player's meet both ways; a refused copy still pastes in the player", 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    // A paste event brings `paste` to the canvas, or the player copies Windows-1252 `copy`, which the
+    // page's clipboard takes or refuses; then what the page was given and what the player holds.
+    const STEPS = [
+      { paste: 'A\r\nB \u00e9', holds: '41 0d 0a 42 20 e9' },
+      { copy: [0x78, 0x0d, 0x0a, 0x80], written: 'x\n\u20ac', holds: '78 0d 0a 80' },
+      { copy: [0x6f, 0x77, 0x6e], refuse: true, written: 'own', holds: '6f 77 6e' },
+      { paste: 'x\n\u20ac', holds: '6f 77 6e' },  // the page's clipboard is behind: the player's own stays
+      { paste: 'new', holds: '6e 65 77' }, { paste: '', holds: null },  // copied elsewhere since; no text
+    ];
+    const wrong = [];
+    for (const [i, step] of STEPS.entries()) {
+      const written = await tab.evaluate(async (s) => {
+        let written = null;
+        navigator.clipboard.writeText = (text) => (written = text, s.refuse ? Promise.reject(new Error('no')) : Promise.resolve());
+        if (s.paste !== undefined) {
+          const data = new DataTransfer();
+          data.setData('text/plain', s.paste);
+          document.querySelector('canvas').dispatchEvent(new ClipboardEvent('paste', { clipboardData: data }));
+        } else {
+          Quillbrook.players[0].module.ccall('QbWebCopy', null, ['array'], [[...s.copy, 0]]);
+          await new Promise((resolve) => setTimeout(resolve, 0));  // the write's answer comes back
+        }
+        return written;
+      }, step);
+      const holds = await clipboardHeld(tab);
+      if (holds !== step.holds || written !== (step.written ?? null)) wrong.push(`step ${i}: ${written} ${holds}`);
+    }
+    return [wrong.length === 0, wrong.join('; ')];
+  }],
+  // Typing, a paste from the page's clipboard (once: its keydown is not handed in besides) and a
+  // copy back to it, in the demo's notes field.
+  ['a field takes typing, and Ctrl+V and Ctrl+C meet the page\'s clipboard', 'one.html', async (tab) => {
+    await settlesOn(tab, 0, 'welcome.png');
+    await tab.context().grantPermissions(['clipboard-read', 'clipboard-write']);
+    await clickCanvas(tab, 0, 390, 330);  // "Transitions"
+    await settlesOn(tab, 0, 'transitions.png');
+    await clickCanvas(tab, 0, 555, 450);  // Next: Sprites
+    await tab.waitForTimeout(1500);
+    await clickCanvas(tab, 0, 555, 450);  // Next: Text
+    await settlesOn(tab, 0, 'text.png');
+    await clickCanvas(tab, 0, 300, 390);  // below the notes' text: the insertion point at its end
+    await tab.keyboard.type(' Hi ');
+    await tab.evaluate(() => navigator.clipboard.writeText('caf\u00e9'));
+    await tab.keyboard.press('Control+V');
+    await tab.waitForTimeout(100);
+    await tab.keyboard.press('Control+A');
+    await tab.keyboard.press('Control+C');
+    await tab.waitForTimeout(100);
+    const copied = await tab.evaluate(() => navigator.clipboard.readText());
+    const ok = copied.startsWith('Type here.') && copied.endsWith('keeps it in the stack. Hi caf\u00e9');
+    return [ok, `the page's clipboard holds ${JSON.stringify(copied.slice(-40))}`];
   }],
 ];
 

@@ -220,6 +220,8 @@ Host SdlHost() {
     host.OpenAudio = SdlOpenAudio;
     host.CloseAudio = SdlCloseAudio;
     host.LockAudio = SdlLockAudio;
+    host.SetClipboardText = SdlSetClipboardText;
+    host.GetClipboardText = SdlGetClipboardText;
     host.window = gState.window;
     return host;
 }

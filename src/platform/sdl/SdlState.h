@@ -56,3 +56,6 @@ void SdlLockAudio(bool lock);
 int SdlShowAlert(const AlertLayout& layout);
 void SdlShowMessageBox(const std::string& title, const std::string& text);
 bool SdlChooseFile(const FileChoice& choice, std::string* hostPath);
+// SdlClipboard.cpp
+void SdlSetClipboardText(const std::string& text);
+bool SdlGetClipboardText(std::string* text);

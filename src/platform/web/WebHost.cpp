@@ -143,6 +143,8 @@ Host WebHost() {
     host.OpenAudio = WebOpenAudio;
     host.CloseAudio = WebCloseAudio;
     host.FetchFile = WebFetchFile;
+    host.SetClipboardText = WebSetClipboardText;
+    host.GetClipboardText = WebGetClipboardText;
     host.window = WebWindowHandle();
     return host;
 }

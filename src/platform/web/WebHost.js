@@ -169,3 +169,35 @@ Module.qbCloseAudio = function () {
   if (Module.qbAudioTap) Module.qbAudioTap.disconnect();
   Module.qbAudioProcessor = Module.qbAudioTap = null;
 };
+
+// The page's clipboard. The player's copies go to it through navigator.clipboard, which a page
+// without a secure origin lacks and a browser may refuse; then the player's own copy is newer than
+// what the page's clipboard holds, and a paste keeps it until that clipboard changes.
+Module.qbClipboardSeen = null;     // the page's clipboard text at the last paste or copy that reached it
+Module.qbClipboardBehind = false;  // a copy of the player's own has not reached it (yet)
+Module.qbClipboardCopies = 0;      // an older copy's answer, come late, says nothing
+
+Module.qbWriteClipboard = function (text) {
+  var clipboard = typeof navigator !== 'undefined' ? navigator.clipboard : null;
+  var copy = ++Module.qbClipboardCopies;
+  Module.qbClipboardBehind = true;
+  if (!clipboard || !clipboard.writeText) return;
+  clipboard.writeText(text).then(function () {
+    if (copy !== Module.qbClipboardCopies) return;
+    Module.qbClipboardSeen = text;
+    Module.qbClipboardBehind = false;
+  }, function () {});
+};
+
+// A paste on the page: `text` is what its paste event brought ('' for no text), or null when the
+// page had no paste event to give. Ctrl+V goes to the player either way.
+Module.qbPaste = function (text) {
+  var seen = Module.qbClipboardSeen;
+  var keepOwn = text === null || (Module.qbClipboardBehind && (seen === null || seen === text));
+  if (text !== null) Module.qbClipboardSeen = text;
+  if (!keepOwn) Module.qbClipboardBehind = false;
+  var ptr = keepOwn ? 0 : allocateUTF8(text);
+  Module._QbWebPaste(ptr);
+  if (ptr) _free(ptr);
+  if (Module.qbWake) Module.qbWake();
+};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <string>
 
 #include "gfx/Surface.h"
 #include "platform/Host.h"
@@ -20,11 +21,17 @@ struct WebState {
     uint32_t timerPeriodMs = 0;
     int32_t cursorId = 0;
     int waitCursorDepth = 0;
+    // The player's own clipboard (Windows-1252, CR LF): what it copied last, or what the page's
+    // clipboard brought to its last paste.
+    std::string clipboard;
+    bool clipboardHoldsText = false;
 };
 WebState& GetWebState();
 
 // WebInput.cpp: one event into the queue; a move replaces a move still waiting.
 void QueueWebEvent(const HostEvent& event);
+// A key pressed (`down` 1) or let go, as the page hands it in.
+extern "C" void QbWebKey(int down, int key, int mods);
 // WebAudio.cpp
 uint32_t WebDetectAudio();
 uint32_t WebOpenAudio(uint32_t rate, AudioPull pull);
@@ -34,3 +41,6 @@ void DescribeCardIfChanged();
 // WebFiles.cpp
 void WebFetchFile(const std::string& hostPath);
 bool WebChooseFile(const FileChoice& choice, std::string* hostPath);
+// WebClipboard.cpp
+void WebSetClipboardText(const std::string& text);
+bool WebGetClipboardText(std::string* text);
