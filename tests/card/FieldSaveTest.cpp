@@ -11,6 +11,7 @@
 #include "base/ByteOrder.h"
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
+#include "card/FieldEdit.h"
 #include "memory/GlobalBlock.h"
 #include "messages/StringIds.h"
 #include "platform/HostPath.h"
@@ -133,6 +134,20 @@ TEST_F(FieldSaveTest, AnEditedFieldIsSplicedIntoItsCard) {
         EXPECT_EQ(Shown(FindDisplayItem(kItemKindText, 5)->document), edited);
         EXPECT_EQ(FindDisplayItem(kItemKindText, 6)->document.text, "Second");
     }
+}
+
+// Typing through the field's own keys is what the saved file shows again.
+TEST_F(FieldSaveTest, TypedTextComesBackFromTheSavedFile) {
+    Open(OneCardStack({1, "Hello world", {kBoldOutlined, kLarge}}, false));
+    DisplayItem* field = FindDisplayItem(kItemKindText, 5);
+    FieldClick(*field, 20, 20, false, false);
+    FieldRelease();
+    ASSERT_TRUE(FieldSelectAll());
+    for (char c : std::string("Typed")) FieldKey(static_cast<uint8_t>(c));
+    ASSERT_EQ(field->document.text, "Typed");
+    const std::string typed = Shown(field->document);
+    Open(Saved());
+    EXPECT_EQ(Shown(FindDisplayItem(kItemKindText, 5)->document), typed);
 }
 
 // Typing on card 2 gives it a record of its own behind the others when the card is left; the
