@@ -150,6 +150,18 @@ TEST_F(FieldSaveTest, TypedTextComesBackFromTheSavedFile) {
     EXPECT_EQ(Shown(FindDisplayItem(kItemKindText, 5)->document), typed);
 }
 
+// Both fields of a card grow: the later one is written where its chunk stands before the earlier
+// one moves it.
+TEST_F(FieldSaveTest, TwoEditedFieldsOfACardAreBothKept) {
+    Open(OneCardStack({1, "Hello world", {kBoldOutlined, kLarge}}, false));
+    for (int16_t id : {5, 6}) {
+        FindDisplayItem(kItemKindText, id)->document.text = "A longer text for field " + std::to_string(id);
+        FindDisplayItem(kItemKindText, id)->dirty = true;
+    }
+    Open(Saved());
+    for (int16_t id : {5, 6}) EXPECT_EQ(FindDisplayItem(kItemKindText, id)->document.text, "A longer text for field " + std::to_string(id));
+}
+
 // Typing on card 2 gives it a record of its own behind the others when the card is left; the
 // records of cards 1 and 3 stay as they were.
 TEST_F(FieldSaveTest, ASharedFieldGetsARecordForTheCardItWasEditedOn) {
