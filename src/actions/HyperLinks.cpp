@@ -75,11 +75,11 @@ void FlashHyperLink(const DisplayItem& field, size_t start, size_t end) {
     Host& host = GetHost();
     Surface* window = host.GetWindowSurface();
     if (!window) return;
+    // The words where they are seen: moved with the text's scroll, cut where the text is.
     std::vector<Rect> rects = RangeRects(field.document, field.layout, start, end);
     for (Rect& r : rects) {
-        r = IntersectRect(Rect{r.left + field.textArea.left, r.top + field.textArea.top, r.right + field.textArea.left,
-                               r.bottom + field.textArea.top},
-                          field.rect);
+        r = IntersectRect(OffsetRect(r, field.textArea.left, field.textArea.top - field.scrollValue),
+                          FieldTextClip(field));
     }
     for (int flash = 0; flash < 4; ++flash) {
         for (const Rect& r : rects) {
@@ -97,8 +97,9 @@ int16_t FindHyperLink(const DisplayItem& field, int32_t x, int32_t y, size_t* st
     if (count == 0 || field.id == 0) return 0;
     int64_t position = -1;
     if (field.textArea.Contains(x, y)) {
-        position = static_cast<int64_t>(
-            CharacterAt(field.document, field.layout, x - field.textArea.left, y - field.textArea.top));
+        // The text stands scrolled up by the field's scroll value.
+        const int32_t textX = x - field.textArea.left, textY = y - field.textArea.top + field.scrollValue;
+        position = static_cast<int64_t>(CharacterAt(field.document, field.layout, textX, textY));
     }
     for (const uint16_t fieldId : {static_cast<uint16_t>(field.id), uint16_t{0}}) {
         for (uint32_t index = 1; index <= count; ++index) {

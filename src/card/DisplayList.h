@@ -120,6 +120,9 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset);
 // Draws a text field: its fill (none when transparent), its frame, then its text, clipped to the
 // field.
 void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, const uint32_t* colors);
+// Where a field's text and whatever marks it (the selection, a hot word's flash) may show: inside
+// its frame and left of its scroll bar, never over either.
+Rect FieldTextClip(const DisplayItem& item);
 
 // A field's scroll bar: our own arrows at its ends and, in a field taller than 3.5 arrows, a thumb
 // at `thumbOffset` between them.
