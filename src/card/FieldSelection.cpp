@@ -23,8 +23,10 @@ SelectionState gSelection;
 void ResetSelection() { gSelection = SelectionState{}; }
 [[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Card, ResetSelection);
 
+// Where the text shows, which is more than the text area: a cut line's highlight reaches the frame.
 void RepaintText(const DisplayItem& field) {
-    RepaintRect(field.textArea.left, field.textArea.top, field.textArea.right, field.textArea.bottom);
+    const Rect shown = FieldTextClip(field);
+    RepaintRect(shown.left, shown.top, shown.right, shown.bottom);
 }
 
 }  // namespace

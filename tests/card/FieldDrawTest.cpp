@@ -1,17 +1,17 @@
 // Fields as the user sees them, one golden image per group of states: the three families of fonts
 // at many sizes and styles, the selection, fields that let the card show through, and the scroll
-// bar in each of its states.
+// bar in each of its states; and the highlight leaving nothing behind on the card.
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "actions/ActionStack.h"
 #include "base/StateRegistry.h"
 #include "card/DisplayList.h"
 #include "card/FieldScroll.h"
 #include "card/FieldSelection.h"
-#include "gfx/Draw.h"
 #include "gfx/Palette.h"
 #include "support/FieldCard.h"
 #include "text/Fontmap.h"
@@ -20,6 +20,27 @@
 #endif
 
 namespace {
+
+// The highlight of a line that the view cuts reaches down to the frame; leaving the field takes all
+// of it away, the field as it was before the selection.
+class FieldHighlightTest : public ActionStackTest {};
+TEST_F(FieldHighlightTest, LeavingTheFieldTakesAwayAllOfItsHighlight) {
+    Open(WriteActionStack("highlight.stk", {{1}}));
+    const MemRef card =
+        FieldCard({{10, 10, 130, 110}, 0, kTextViewFrame | kTextViewScrollBar, 0, 0, Lines(20), {}});
+    DisplayItem* field = AddTextNode(card, kCardHeadSize, -1);
+    FreeMemRef(card);
+    ASSERT_TRUE(field);
+    ScrollFieldTo(*field, field->layout.lines[2].top);
+    const Surface before = GetHeadlessState().screen;
+    SelectInField(*field, 14, 90);  // from the view's first line to below its last
+    ASSERT_EQ(field->scrollValue, field->layout.lines[2].top);
+    const Rect inside = FieldTextClip(*field);
+    const int32_t x = inside.left + 4, y = inside.bottom - 1;
+    EXPECT_NE(GetHeadlessState().screen.Row(y)[x], before.Row(y)[x]);
+    LeaveActiveField();
+    EXPECT_EQ(GetHeadlessState().screen.pixels, before.pixels);
+}
 
 #if QB_GOLDEN_TESTS
 class FieldDrawTest : public testing::Test {
