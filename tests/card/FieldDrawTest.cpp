@@ -66,24 +66,31 @@ protected:
     std::vector<std::unique_ptr<DisplayItem>> fields_;
 };
 
-// A row per family (serif, sans, mono): every size from 9 to 24 points; each style in a colour of
-// its own; a centred and a right-aligned text whose first line is larger than the rest.
+// A row per family (serif, sans, mono): every size from 9 to 24 points, plain, bold, italic and
+// underlined; the styles and their mixes in colours of their own; a centred and a right-aligned
+// text whose first line is larger than the rest.
 TEST_F(FieldDrawTest, TheThreeFamiliesInTheirSizesStylesColoursAndAlignments) {
     const uint16_t families[] = {AddFont({"Times New Roman"}, 0, 0), AddFont({"Arial"}, 0, 0),
                                  AddFont({"Courier New"}, 0, 0)};
     const std::string aligned = "Heading\rThe quick brown fox jumps over the lazy dog.";
-    Surface s(640, 8 + 3 * 120, Rgb(216, 216, 216));
+    Surface s(640, 8 + 3 * 158, Rgb(216, 216, 216));
     for (int row = 0; row < 3; ++row) {
-        const auto run = [font = families[row]](uint32_t start, uint8_t style, uint16_t points,
+        const auto run = [font = families[row]](size_t start, uint8_t style, uint16_t points,
                                                 uint32_t rgb = kBlack) {
-            return Styled(start, style, points, rgb, font);
+            return Styled(static_cast<uint32_t>(start), style, points, rgb, font);
         };
-        const int16_t top = static_cast<int16_t>(8 + 120 * row), bottom = static_cast<int16_t>(top + 112);
+        const int16_t top = static_cast<int16_t>(8 + 158 * row), bottom = static_cast<int16_t>(top + 150);
         std::string sizesText;
         std::vector<StyleRun> sizes;
         for (const uint16_t points : {9, 10, 12, 14, 18, 24}) {
-            sizes.push_back(run(static_cast<uint32_t>(sizesText.size()), 0, points));
-            sizesText += std::to_string(points) + " Quill\r";
+            sizes.push_back(run(sizesText.size(), 0, points));
+            sizesText += std::to_string(points) + " Ag";
+            for (const uint8_t style : {kStyleBold, kStyleItalic, kStyleUnderline}) {
+                sizesText += ' ';
+                sizes.push_back(run(sizesText.size(), style, points));
+                sizesText += "Ag";
+            }
+            sizesText += '\r';
         }
         sizesText.pop_back();
         const std::string styled = "Plain bold italic underlined bold-italic all-three\rSmall bold italic under";
@@ -93,11 +100,12 @@ TEST_F(FieldDrawTest, TheThreeFamiliesInTheirSizesStylesColoursAndAlignments) {
             run(41, kStyleBold | kStyleItalic | kStyleUnderline, 12, Rgb(220, 120, 0)),
             run(51, 0, 9), run(56, kStyleBold, 9), run(61, kStyleItalic, 9), run(69, kStyleUnderline, 9)};
         const std::vector<StyleRun> headed = {run(0, kStyleBold, 16, Rgb(0, 60, 140)), run(8, 0, 10)};
+        const int16_t middle = static_cast<int16_t>(top + 71);
         const Field fields[] = {
-            {{8, top, 188, bottom}, 0, kTextViewFrame, 0, 0, sizesText, sizes},
-            {{196, top, 336, bottom}, 0, kTextViewFrame, 0, 0, styled, styles},
-            {{344, top, 484, bottom}, 0, kTextViewFrame, 0, 1, aligned, headed},
-            {{492, top, 632, bottom}, 0, kTextViewFrame, 0, -1, aligned, headed},
+            {{8, top, 304, bottom}, 0, kTextViewFrame, 0, 0, sizesText, sizes},
+            {{312, top, 472, bottom}, 0, kTextViewFrame, 0, 0, styled, styles},
+            {{480, top, 632, middle}, 0, kTextViewFrame, 0, 1, aligned, headed},
+            {{480, int16_t(middle + 8), 632, bottom}, 0, kTextViewFrame, 0, -1, aligned, headed},
         };
         for (const Field& f : fields) Draw(s, Load(f));
     }
