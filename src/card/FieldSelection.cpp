@@ -34,7 +34,8 @@ void RepaintText(const DisplayItem& field) {
 Rect CaretOnWindow(const DisplayItem& field) {
     if (field.selStart != field.selEnd || (field.viewFlags & kTextViewReadOnly)) return {};
     const Rect caret = CaretRect(field.document, field.layout, field.selStart);
-    return IntersectRect(OffsetRect(caret, field.textArea.left, field.textArea.top - field.scrollValue), field.textArea);
+    return IntersectRect(OffsetRect(caret, field.textArea.left, field.textArea.top - field.scrollValue),
+                         FieldTextClip(field));
 }
 
 DisplayItem* GetActiveField() { return gSelection.active; }

@@ -114,7 +114,7 @@ TEST_F(FieldDrawTest, TheThreeFamiliesInTheirSizesStylesColoursAndAlignments) {
 
 // The active field's selection is inverted over what it covers and nothing else: within a line,
 // over three lines with the first and last in part, in a centred text, and in a scrolled field
-// whose selection runs on above and below the view.
+// whose selection runs on above and below the view; an insertion point on a line the view cuts.
 TEST_F(FieldDrawTest, TheSelectionCoversItsTextInsideTheTextArea) {
     const std::string verse = "The quick brown fox jumps over the lazy dog, and the dog sleeps on in the sun.";
     const struct {
@@ -127,8 +127,10 @@ TEST_F(FieldDrawTest, TheSelectionCoversItsTextInsideTheTextArea) {
         {{{8, 56, 208, 108}, 0, kTextViewFrame, 0, 1, verse, {Styled(0, 0, 10)}}, 20, 50, 0},
         {{{384, 8, 504, 108}, 0, kTextViewFrame | kTextViewScrollBar, 0, 0, Lines(20), {Styled(0, 0, 12)}}, 14,
          90, 3},
+        {{{512, 8, 632, 108}, 0, kTextViewFrame | kTextViewScrollBar, 0, 0, Lines(20), {Styled(0, 0, 12)}}, 45,
+         45, -1},
     };
-    Surface s(512, 116, Rgb(216, 216, 216));
+    Surface s(640, 116, Rgb(216, 216, 216));
     for (const auto& c : cases) {
         DisplayItem& field = Load(c.field);
         SelectInField(field, c.start, c.end);
