@@ -67,6 +67,8 @@ struct DisplayItem {
     int32_t ghostTop = -1;    // the outline of a thumb being dragged, in the window; -1 none
     // The selection, offsets in the document's text; shown inverted while the field is the active one.
     size_t selStart = 0, selEnd = 0;
+    // Hot words shown inverted while they flash, offsets in the text; none when equal.
+    size_t flashStart = 0, flashEnd = 0;
     // The text or its styles changed since they were last written into the card.
     bool dirty = false;
 };

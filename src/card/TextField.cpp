@@ -149,13 +149,16 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
     const Rect textClip = IntersectRect(area, FieldTextClip(item));
     DrawDocument(target, item.document, item.layout, item.textArea.left, item.textArea.top - item.scrollValue,
                  textClip);
-    // The active field's selection, inverted over the text where the text shows.
-    if (GetActiveField() == &item && item.selStart < item.selEnd) {
-        for (const Rect& r : RangeRects(item.document, item.layout, item.selStart, item.selEnd)) {
+    // The active field's selection and flashing hot words, inverted where the text shows and in the
+    // field's place among the items, under whatever lies over it.
+    const auto invert = [&](size_t start, size_t end) {
+        for (const Rect& r : RangeRects(item.document, item.layout, start, end)) {
             InvertRect(target, Clip(textClip, clip.region),
                        OffsetRect(r, item.textArea.left, item.textArea.top - item.scrollValue));
         }
-    }
+    };
+    if (GetActiveField() == &item && item.selStart < item.selEnd) invert(item.selStart, item.selEnd);
+    if (item.flashStart < item.flashEnd) invert(item.flashStart, item.flashEnd);
     if (GetActiveField() == &item && CaretShown()) {
         const Rect caret = IntersectRect(CaretOnWindow(item), area);
         if (!caret.IsEmpty()) InvertRect(target, Clip(caret, clip.region), caret);
