@@ -8,7 +8,7 @@
 #include "actions/RunAction.h"
 #include "base/ByteOrder.h"
 #include "card/DisplayList.h"
-#include "gfx/Draw.h"
+#include "card/OffscreenCard.h"
 #include "platform/Host.h"
 #include "stack/Blob.h"
 #include "stack/CardRecord.h"
@@ -70,22 +70,20 @@ int16_t MatchHyperLink(const LinkHead& link, uint16_t fieldId, const std::string
     return -1;
 }
 
-// Shows the words, hides them, shows them again and hides them, 300 ms apart, on the window.
-void FlashHyperLink(const DisplayItem& field, size_t start, size_t end) {
+// Shows the words, hides them, shows them again and hides them, 300 ms apart. The field draws them
+// inverted in its place among the items, so that what lies over the words stays as it is.
+void FlashHyperLink(DisplayItem& field, size_t start, size_t end) {
     Host& host = GetHost();
-    Surface* window = host.GetWindowSurface();
-    if (!window) return;
-    std::vector<Rect> rects = RangeRects(field.document, field.layout, start, end);
-    for (Rect& r : rects) {
-        r = IntersectRect(Rect{r.left + field.textArea.left, r.top + field.textArea.top, r.right + field.textArea.left,
-                               r.bottom + field.textArea.top},
-                          field.rect);
-    }
+    Rect area;
+    for (const Rect& r : RangeRects(field.document, field.layout, start, end))
+        area = UnionRect(area, OffsetRect(r, field.textArea.left, field.textArea.top - field.scrollValue));
+    area = IntersectRect(area, FieldTextClip(field));
+    if (area.IsEmpty()) return;
     for (int flash = 0; flash < 4; ++flash) {
-        for (const Rect& r : rects) {
-            InvertRect(*window, window->Bounds(), r);
-            host.Present(r);
-        }
+        const bool shown = flash % 2 == 0;
+        field.flashStart = shown ? start : 0;
+        field.flashEnd = shown ? end : 0;
+        RepaintRect(area.left, area.top, area.right, area.bottom);
         if (flash < 3) host.WaitUntil(host.GetTickCount() + kLinkFlashMs);
     }
 }
@@ -97,8 +95,9 @@ int16_t FindHyperLink(const DisplayItem& field, int32_t x, int32_t y, size_t* st
     if (count == 0 || field.id == 0) return 0;
     int64_t position = -1;
     if (field.textArea.Contains(x, y)) {
-        position = static_cast<int64_t>(
-            CharacterAt(field.document, field.layout, x - field.textArea.left, y - field.textArea.top));
+        // The text stands scrolled up by the field's scroll value.
+        const int32_t textX = x - field.textArea.left, textY = y - field.textArea.top + field.scrollValue;
+        position = static_cast<int64_t>(CharacterAt(field.document, field.layout, textX, textY));
     }
     for (const uint16_t fieldId : {static_cast<uint16_t>(field.id), uint16_t{0}}) {
         for (uint32_t index = 1; index <= count; ++index) {
@@ -127,7 +126,7 @@ int32_t RunHyperLink(uint16_t id, uint32_t wait) {
 
 bool ClickHyperLink(void* window, int32_t x, int32_t y) {
     if (!IsBrowsing() || !GetDocument().autoTimers) return false;
-    const DisplayItem* item = FindItemAt(x, y, false, nullptr);
+    DisplayItem* item = FindItemAt(x, y, false, nullptr);
     if (!item || item->type != kItemKindText) return false;
     size_t start = 0, end = 0;
     const int16_t id = FindHyperLink(*item, x, y, &start, &end);

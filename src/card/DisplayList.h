@@ -69,6 +69,8 @@ struct DisplayItem {
     int32_t ghostTop = -1;    // the outline of a thumb being dragged, in the window; -1 none
     // The selection, offsets in the document's text; shown inverted while the field is the active one.
     size_t selStart = 0, selEnd = 0;
+    // Hot words shown inverted while they flash, offsets in the text; none when equal.
+    size_t flashStart = 0, flashEnd = 0;
     // The text or its styles changed since they were last written into the card.
     bool dirty = false;
     // The card whose chunk the field shows (the group's card for a shared field), and the runs
@@ -126,6 +128,9 @@ void LoadTextField(DisplayItem* item, MemRef card, uint32_t offset);
 // Draws a text field: its fill (none when transparent), its frame, then its text, clipped to the
 // field.
 void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, const uint32_t* colors);
+// Where a field's text and whatever marks it (the selection, a hot word's flash) may show: inside
+// its frame and left of its scroll bar, never over either.
+Rect FieldTextClip(const DisplayItem& item);
 
 // A field's scroll bar: our own arrows at its ends and, in a field taller than 3.5 arrows, a thumb
 // at `thumbOffset` between them.

@@ -75,9 +75,10 @@ void DrawFieldScrollBar(Surface& s, const Clip& clip, const DisplayItem& item) {
     FillRect(s, clip, {track.left, track.top, track.left + 1, track.bottom}, kBlack);
     const int32_t thumbTop = track.top + std::clamp(item.thumbOffset, 0, track.bottom - track.top - arrow);
     DrawRaised(s, clip, {track.left, thumbTop, track.right, thumbTop + arrow}, 2);
-    // The dragged thumb's outline, drawn inverted so that it shows on the track and on the thumb.
+    // The dragged thumb's outline, drawn inverted so that it shows on the track and on the thumb;
+    // it stands right of the track's left line, which inverting would erase.
     if (item.ghostTop >= 0) {
-        const Rect ghost{track.left, item.ghostTop, track.right, item.ghostTop + arrow};
+        const Rect ghost{track.left + 1, item.ghostTop, track.right, item.ghostTop + arrow};
         const Rect edges[] = {{ghost.left, ghost.top, ghost.right, ghost.top + 1},
                               {ghost.left, ghost.bottom - 1, ghost.right, ghost.bottom},
                               {ghost.left, ghost.top + 1, ghost.left + 1, ghost.bottom - 1},

@@ -23,8 +23,10 @@ SelectionState gSelection;
 void ResetSelection() { gSelection = SelectionState{}; }
 [[maybe_unused]] const bool kStateRegistered = RegisterStateReset(Room::Card, ResetSelection);
 
+// Where the text shows, which is more than the text area: a cut line's highlight reaches the frame.
 void RepaintText(const DisplayItem& field) {
-    RepaintRect(field.textArea.left, field.textArea.top, field.textArea.right, field.textArea.bottom);
+    const Rect shown = FieldTextClip(field);
+    RepaintRect(shown.left, shown.top, shown.right, shown.bottom);
 }
 
 }  // namespace
@@ -32,7 +34,8 @@ void RepaintText(const DisplayItem& field) {
 Rect CaretOnWindow(const DisplayItem& field) {
     if (field.selStart != field.selEnd || (field.viewFlags & kTextViewReadOnly)) return {};
     const Rect caret = CaretRect(field.document, field.layout, field.selStart);
-    return IntersectRect(OffsetRect(caret, field.textArea.left, field.textArea.top - field.scrollValue), field.textArea);
+    return IntersectRect(OffsetRect(caret, field.textArea.left, field.textArea.top - field.scrollValue),
+                         FieldTextClip(field));
 }
 
 DisplayItem* GetActiveField() { return gSelection.active; }

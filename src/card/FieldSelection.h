@@ -22,7 +22,7 @@ size_t SelectionMovingEnd();
 // The insertion point of an empty selection blinks: shown for this long, hidden as long.
 inline constexpr uint32_t kCaretBlinkMs = 530;
 bool CaretShown();
-// Where the field's insertion point stands on the card, within its text area; empty for a
+// Where the field's insertion point stands on the card, where its text shows; empty for a
 // selection that isn't empty and for read-only text.
 Rect CaretOnWindow(const DisplayItem& field);
 // The tick: the insertion point turns on or off when its time is up.

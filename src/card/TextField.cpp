@@ -118,22 +118,29 @@ void DrawTextField(Surface& target, const Clip& clip, const DisplayItem& item, c
     }
     if (item.viewFlags & kTextViewScrollBar) DrawFieldScrollBar(target, fieldClip, item);
     if (item.viewFlags & kTextViewFrame) FrameRect(target, fieldClip, item.rect, Pen{});
-    // Glyphs stay inside the text area, so that none is drawn over the frame or the scroll bar.
-    // Scrolled text is cut at the text area's top, so that the lines above it don't show in the margin.
-    Rect textClip = IntersectRect(area, InflateRect(item.textArea, kTextMargin, kTextMargin));
-    if (item.scrollValue > 0) textClip.top = std::max(textClip.top, item.textArea.top);
+    const Rect textClip = IntersectRect(area, FieldTextClip(item));
     DrawDocument(target, item.document, item.layout, item.textArea.left, item.textArea.top - item.scrollValue,
                  textClip);
-    // The active field's selection, inverted over the text and cut to the text area.
-    if (GetActiveField() == &item && item.selStart < item.selEnd) {
-        const Rect selectionClip = IntersectRect(area, item.textArea);
-        for (const Rect& r : RangeRects(item.document, item.layout, item.selStart, item.selEnd)) {
-            InvertRect(target, Clip(selectionClip, clip.region),
+    // The active field's selection and flashing hot words, inverted where the text shows and in the
+    // field's place among the items, under whatever lies over it.
+    const auto invert = [&](size_t start, size_t end) {
+        for (const Rect& r : RangeRects(item.document, item.layout, start, end)) {
+            InvertRect(target, Clip(textClip, clip.region),
                        OffsetRect(r, item.textArea.left, item.textArea.top - item.scrollValue));
         }
-    }
+    };
+    if (GetActiveField() == &item && item.selStart < item.selEnd) invert(item.selStart, item.selEnd);
+    if (item.flashStart < item.flashEnd) invert(item.flashStart, item.flashEnd);
     if (GetActiveField() == &item && CaretShown()) {
         const Rect caret = IntersectRect(CaretOnWindow(item), area);
         if (!caret.IsEmpty()) InvertRect(target, Clip(caret, clip.region), caret);
     }
+}
+
+Rect FieldTextClip(const DisplayItem& item) {
+    Rect inside = item.viewFlags & kTextViewFrame ? InflateRect(item.rect, -1, -1) : item.rect;
+    if (item.viewFlags & kTextViewScrollBar) inside.right = FieldScrollBarRect(item).left;
+    // Scrolled text is cut at the text area's top, so that the lines above it don't show in the margin.
+    if (item.scrollValue > 0) inside.top = std::max(inside.top, item.textArea.top);
+    return inside;
 }

@@ -1,9 +1,17 @@
 // Which link a click on a field's words finds, with links for the field and for every field.
 #include "actions/HyperLinks.h"
 
+#include <vector>
+
 #include "actions/ActionStack.h"
 #include "card/DisplayList.h"
+#include "card/FieldScroll.h"
+#include "card/OffscreenCard.h"
+#include "gfx/Blit.h"
 #include "support/FieldCard.h"
+#if QB_GOLDEN_TESTS
+#include "support/Golden.h"
+#endif
 
 namespace {
 
@@ -27,11 +35,8 @@ TEST_F(HyperLinksTest, AClickFindsTheLinkOfTheWordsItFallsStrictlyInside) {
                           {StoredLink(1, 0, "garden", true), StoredLink(2, kFieldCardItemId, "GARDEN", true),
                            StoredLink(3, 0, "pond", false), StoredLink(4, 0, "walk", true)}));
     const std::string text = "Walk to the garden or the pond";
-    const MemRef card = FieldCard({{10, 10, 400, 60}, 0, 0, 0, 0, text, {}});
     DisplayItem field;
-    ASSERT_TRUE(ReadItemHead(card, kCardHeadSize, kTextHeadSize, &field));
-    LoadTextField(&field, card, kCardHeadSize);
-    FreeMemRef(card);
+    ASSERT_TRUE(LoadField({{10, 10, 400, 60}, 0, 0, 0, 0, text, {}}, &field));
     const struct {
         size_t character;
         int16_t link;
@@ -55,5 +60,57 @@ TEST_F(HyperLinksTest, AClickFindsTheLinkOfTheWordsItFallsStrictlyInside) {
     }
     EXPECT_EQ(FindHyperLink(field, field.rect.right + 5, field.rect.top + 5, nullptr, nullptr), 0);
 }
+
+#if QB_GOLDEN_TESTS
+std::vector<Surface> gFlashes;  // the screen at each wait
+void WaitAndKeep(uint32_t deadline) {
+    gFlashes.push_back(GetHeadlessState().screen);
+    HeadlessHost().WaitUntil(deadline);
+}
+
+// A click on hot words shows them inverted, hidden, inverted, 300 ms apart, and leaves the field as
+// it was before the link's action runs; in a scrolled field the words flash where they are seen,
+// and a field lying over the words stays as it is. The golden image holds the first flash of each
+// field, one above the other.
+TEST_F(HyperLinksTest, ClickedWordsFlashWhereTheyAreSeen) {
+    Open(WriteActionStack("flash.stk", {{1}}, {StoredLink(1, 0, "garden", true)}));
+    GetDocument().autoTimers = true;
+    Host host = HeadlessHost();
+    host.WaitUntil = WaitAndKeep;
+    SetHost(host);
+    std::string lines;
+    for (int i = 1; i <= 12; ++i) lines += (i == 7 ? "The garden gate" : "Line " + std::to_string(i)) + "\r";
+    const Field fields[] = {
+        {{10, 10, 250, 50}, 0, kTextViewFrame, 0, 0, "Walk to the garden or the pond", {}},
+        {{10, 60, 250, 140}, 0, kTextViewFrame | kTextViewScrollBar, 0, 0, lines, {}},
+        {{100, 14, 170, 34}, 0, kTextViewFrame, 0, 0, "Over", {}},
+    };
+    std::vector<DisplayItem*> added;
+    for (const Field& f : fields) {
+        const MemRef card = FieldCard(f);
+        added.push_back(AddTextNode(card, kCardHeadSize, -1));
+        FreeMemRef(card);
+        ASSERT_TRUE(added.back());
+    }
+    ScrollFieldTo(*added[1], added[1]->layout.lines[4].top);
+    RepaintRect(0, 0, 260, 150);
+    const Surface before = GetHeadlessState().screen;
+    Surface golden(260, 2 * 150);
+    for (int i = 0; i < 2; ++i) {
+        const DisplayItem& field = *added[i];
+        const size_t at = field.document.text.find("garden") + 2;
+        const Rect cell = RangeRects(field.document, field.layout, at, at + 1).at(0);
+        gFlashes.clear();
+        const uint32_t clock = GetHeadlessState().clockMs;
+        ASSERT_TRUE(ClickHyperLink(nullptr, field.textArea.left + cell.left + 1,
+                                   field.textArea.top - field.scrollValue + cell.top + 1));
+        ASSERT_EQ(gFlashes.size(), 3u);
+        EXPECT_EQ(GetHeadlessState().clockMs - clock, 3 * kLinkFlashMs);
+        EXPECT_EQ(GetHeadlessState().screen.pixels, before.pixels);
+        CopyRect(golden, golden.Bounds(), 0, 150 * i, gFlashes[0], {0, 0, 260, 150});
+    }
+    ExpectMatchesGolden(golden, "hot-word-flash");
+}
+#endif
 
 }  // namespace

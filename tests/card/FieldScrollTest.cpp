@@ -17,9 +17,7 @@ protected:
     // A framed field 100 pixels tall with a scroll bar, holding 30 lines of one size.
     void SetUp() override {
         ResetAllState();
-        std::string text;
-        for (int i = 1; i <= 30; ++i) text += "Line " + std::to_string(i) + (i < 30 ? "\r" : "");
-        Load(text);
+        Load(Lines(30));
     }
     void TearDown() override { FreeMemRef(card_); }
 
