@@ -8,6 +8,8 @@
 #include "actions/RunAction.h"
 #include "base/ByteOrder.h"
 #include "card/DisplayList.h"
+#include "card/FieldEdit.h"
+#include "card/FieldSelection.h"
 #include "card/OffscreenCard.h"
 #include "platform/Host.h"
 #include "stack/Blob.h"
@@ -48,10 +50,10 @@ bool SameIgnoringCase(const char* a, const std::string& b) {
     return true;
 }
 
-// The words are looked for in a window of twice their length around the point's character; the
-// point must fall strictly inside them.
+// The words are looked for in a window of twice their length around the point's character (the
+// selection's start): the point must fall strictly inside them, a selection wholly within them.
 int16_t MatchHyperLink(const LinkHead& link, uint16_t fieldId, const std::string& text, int64_t position,
-                       size_t* start, size_t* end) {
+                       const size_t* selection, size_t* start, size_t* end) {
     if (link.fieldId != fieldId || position < 0 || link.textLength == 0) return -1;
     const int64_t length = link.textLength;
     const int64_t windowStart = position - length;
@@ -61,7 +63,9 @@ int16_t MatchHyperLink(const LinkHead& link, uint16_t fieldId, const std::string
     for (int64_t i = 0; i <= last && from + i + length <= to; ++i) {
         const int64_t at = from + i;
         if (!SameIgnoringCase(text.data() + at, link.text)) continue;
-        if (!(position > at && position < at + length)) continue;
+        const bool hit = selection ? int64_t(selection[0]) >= at && int64_t(selection[1]) <= at + length
+                                   : position > at && position < at + length;
+        if (!hit) continue;
         if (!link.hasAction) return 0;
         *start = static_cast<size_t>(at);
         *end = static_cast<size_t>(at + length);
@@ -93,8 +97,11 @@ void FlashHyperLink(DisplayItem& field, size_t start, size_t end) {
 int16_t FindHyperLink(const DisplayItem& field, int32_t x, int32_t y, size_t* start, size_t* end) {
     const uint32_t count = CountBlobs(FourCC("Hlnk"));
     if (count == 0 || field.id == 0) return 0;
-    int64_t position = -1;
-    if (field.textArea.Contains(x, y)) {
+    // In a field being typed into, the selection the click made decides; elsewhere the point.
+    const size_t selection[2] = {field.selStart, field.selEnd};
+    const bool bySelection = GetActiveField() == &field && FieldEditable(field);
+    int64_t position = bySelection ? static_cast<int64_t>(field.selStart) : -1;
+    if (!bySelection && field.textArea.Contains(x, y)) {
         // The text stands scrolled up by the field's scroll value.
         const int32_t textX = x - field.textArea.left, textY = y - field.textArea.top + field.scrollValue;
         position = static_cast<int64_t>(CharacterAt(field.document, field.layout, textX, textY));
@@ -103,7 +110,8 @@ int16_t FindHyperLink(const DisplayItem& field, int32_t x, int32_t y, size_t* st
         for (uint32_t index = 1; index <= count; ++index) {
             LinkHead link;
             if (!ReadLink(GetBlobByIndex(FourCC("Hlnk"), index), &link)) continue;
-            const int16_t found = MatchHyperLink(link, fieldId, field.document.text, position, start, end);
+            const int16_t found = MatchHyperLink(link, fieldId, field.document.text, position,
+                                                 bySelection ? selection : nullptr, start, end);
             if (found > 0) return found;
         }
     }

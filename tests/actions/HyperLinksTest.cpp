@@ -5,6 +5,7 @@
 
 #include "actions/ActionStack.h"
 #include "card/DisplayList.h"
+#include "card/FieldSelection.h"
 #include "card/FieldScroll.h"
 #include "card/OffscreenCard.h"
 #include "gfx/Blit.h"
@@ -59,6 +60,18 @@ TEST_F(HyperLinksTest, AClickFindsTheLinkOfTheWordsItFallsStrictlyInside) {
         }
     }
     EXPECT_EQ(FindHyperLink(field, field.rect.right + 5, field.rect.top + 5, nullptr, nullptr), 0);
+    // Typed into, the field's selection decides wherever the point is: within the words, their
+    // first character included.
+    const struct {
+        size_t selStart, selEnd;
+        int16_t link;
+    } selections[] = {{12, 12, 2}, {13, 18, 2}, {10, 15, 0}, {18, 18, 2}, {19, 19, 0}};
+    for (const auto& s : selections) {
+        SelectInField(field, s.selStart, s.selEnd);
+        size_t start = 0, end = 0;
+        EXPECT_EQ(FindHyperLink(field, 0, 0, &start, &end), s.link) << s.selStart << "-" << s.selEnd;
+    }
+    LeaveActiveField();
 }
 
 #if QB_GOLDEN_TESTS
