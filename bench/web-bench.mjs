@@ -35,8 +35,8 @@ const medianOf = (values) => values.slice().sort((a, b) => a - b)[Math.floor(val
 // The steps of a start, each from the mark before it (the first from the page's start).
 const STEPS = ['wasm requested', 'compiled', 'ready', 'window', 'stack', 'card'];
 
-// Five loads, each in a new context (a cold cache); `repeat` loads the page once before the load
-// that counts, so that the browser's caches hold what the first visit left.
+// Five loads, each in a new context (a cold cache); `repeat` loads the page once, a second before
+// the load that counts, so that the browser's caches hold what the first visit left.
 async function measure(repeat) {
   const times = [];
   const marks = [];
@@ -49,6 +49,7 @@ async function measure(repeat) {
     for (let load = repeat ? 2 : 1; load > 0; --load) {
       await page.goto(url);
       await page.waitForFunction(() => window.firstCardMs > 0, null, { timeout: 20000 });
+      if (load > 1) await page.waitForTimeout(1000);  // the first visit's page has settled
     }
     times.push(await page.evaluate(() => window.firstCardMs));
     marks.push(await page.evaluate(() => {
