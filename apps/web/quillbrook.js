@@ -2,7 +2,8 @@
 // later, each <object> and <embed> whose type is application/qbrk or whose data/src ends in .stk
 // gives way to a player of its size: a canvas with its own module instance, into which the stack
 // streams through the plug-in's entry points. The player's files (quillbrook.wasm, fonts/) are
-// fetched from beside this script. Built after the module's own code, in the same file.
+// fetched from beside this script. Built before the module's own code, in the same file, so that
+// the downloads start before the browser has read the rest of the script.
 (function () {
   'use strict';
   if (typeof window === 'undefined' || window.Quillbrook) return;
@@ -11,21 +12,68 @@
   var script = document.currentScript;
   var scriptBase = new URL('.', script && script.src ? script.src : document.baseURI).href;
   var sharedFiles = new Map();  // font files, fetched once for every player of the page
+  // The faces nearly every stack's first card draws with (the system font and its bold, which
+  // most named faces fall to): fetched once the wasm is in, while the player starts, rather than
+  // when the first card asks (and not alongside the wasm, whose download they would slow).
+  var FIRST_FACES = ['liberation2/LiberationSans-Regular.ttf', 'liberation2/LiberationSans-Bold.ttf'];
   var compiledWasm = null;
   var players = [];
 
+  // The steps of a player's start, as marks on the page's timeline (quillbrook:compiled, :ready,
+  // :window, :stack, :card), for the page's tools and the benchmark.
+  function mark(name) {
+    if (typeof performance !== 'undefined' && performance.mark) performance.mark('quillbrook:' + name);
+  }
+
+  // Compiled as it downloads where the server names the type; from the whole file elsewhere.
+  function compileResponse(response) {
+    if (WebAssembly.compileStreaming && /application\/wasm/.test(response.headers.get('Content-Type') || '')) {
+      return WebAssembly.compileStreaming(response);
+    }
+    return response.arrayBuffer().then(function (bytes) { return WebAssembly.compile(bytes); });
+  }
+
+  function compilePlain() {
+    return fetch(scriptBase + 'quillbrook.wasm').then(function (response) {
+      if (!response.ok) throw new Error('quillbrook.wasm: HTTP ' + response.status);
+      return compileResponse(response);
+    });
+  }
+
+  // quillbrook.wasm.gz is a third of the wasm's size, for servers that send files as they are:
+  // the browser unpacks it as it arrives. Where the packed file is missing, or the browser cannot
+  // unpack it, or the server has already unpacked it on the way, the plain file is fetched.
+  function compilePacked() {
+    return fetch(scriptBase + 'quillbrook.wasm.gz').then(function (response) {
+      if (!response.ok || !response.body) throw new Error('quillbrook.wasm.gz: HTTP ' + response.status);
+      return compileResponse(new Response(response.body.pipeThrough(new DecompressionStream('gzip')),
+          {headers: {'Content-Type': 'application/wasm'}}));
+    });
+  }
+
   function compileWasm() {
     if (!compiledWasm) {
-      // Compiled as it downloads where the server names the type; from the whole file elsewhere.
-      compiledWasm = fetch(scriptBase + 'quillbrook.wasm').then(function (response) {
-        if (!response.ok) throw new Error('quillbrook.wasm: HTTP ' + response.status);
-        if (WebAssembly.compileStreaming && /application\/wasm/.test(response.headers.get('Content-Type') || '')) {
-          return WebAssembly.compileStreaming(response);
-        }
-        return response.arrayBuffer().then(function (bytes) { return WebAssembly.compile(bytes); });
+      var packed = typeof DecompressionStream === 'function' && typeof Response === 'function';
+      compiledWasm = (packed ? compilePacked().catch(compilePlain) : compilePlain()).then(function (module) {
+        mark('compiled');
+        return module;
       });
     }
     return compiledWasm;
+  }
+
+  // The same download WebHost.js's qbFetchFile makes for a font file, begun ahead of it.
+  function prefetchFonts() {
+    FIRST_FACES.forEach(function (relative) {
+      var url = scriptBase + 'fonts/' + relative;
+      if (sharedFiles.has(url)) return;
+      var download = fetch(url).then(function (response) {
+        if (!response.ok) throw new Error(url + ': HTTP ' + response.status);
+        return response.arrayBuffer();
+      });
+      download.catch(function () {});
+      sharedFiles.set(url, download);
+    });
   }
 
   function stackUrlOf(element) {
@@ -232,6 +280,7 @@
       qbOnPresent: function () {
         if (!self.opening || self.shown) return;
         self.shown = true;
+        mark('card');
         self.canvas.dispatchEvent(new CustomEvent('quillbrook:card', {bubbles: true}));
       },
       instantiateWasm: function (imports, receive) {
@@ -242,11 +291,13 @@
       },
     }).then(function (module) {
       self.module = module;
+      mark('ready');
       self.listen();
       var error = module._QbNew(self.width, self.height);
       if (error) throw new Error('NPP_New answered ' + error);
       return self.call('QbSetWindow', [], []);
     }).then(function () {
+      mark('window');
       return self.stream();
     }).catch(function (error) {
       self.showMessage('The stack ' + self.url + ' could not be played: ' + error.message);
@@ -305,6 +356,7 @@
           }
           if (part.done) {
             self.opening = true;
+            mark('stack');
             return self.call('QbDestroyStream', ['number'], [0]);
           }
           return pump();
@@ -379,8 +431,9 @@
       return player;
     },
   };
-  // The wasm downloads and compiles while the rest of the page loads.
-  compileWasm().catch(function () {});
+  // The wasm downloads and compiles, then the first faces download, while the rest of the page
+  // (and of this script) loads. The players start once the module's factory, after this, is there.
+  compileWasm().then(prefetchFonts, prefetchFonts);
   if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', watch);
-  else watch();
+  else Promise.resolve().then(watch);
 })();

@@ -320,6 +320,20 @@ const CASES = [
     }
     return [wrong.length === 0, wrong.join('; ')];
   }],
+  // The packed wasm is what a page fetches; where the server has none, the plain file plays alike.
+  ['the packed wasm is fetched, and the plain one where it is missing', 'one.html', async (tab) => {
+    const wasmFetched = () => tab.evaluate(() => performance.getEntriesByType('resource')
+      .map((entry) => entry.name.split('/').pop()).filter((name) => /\.wasm/.test(name)).join(' '));
+    const packedDiff = await settlesOn(tab, 0, 'welcome.png');
+    const packed = await wasmFetched();
+    await tab.route('**/quillbrook.wasm.gz', (route) => route.fulfill({ status: 404, body: '' }));
+    await tab.reload();
+    const plainDiff = await settlesOn(tab, 0, 'welcome.png');
+    const plain = await wasmFetched();
+    const ok = packedDiff === 0 && plainDiff === 0 && packed === 'quillbrook.wasm.gz' &&
+      plain === 'quillbrook.wasm.gz quillbrook.wasm';
+    return [ok, `fetched ${packed}, then ${plain}; ${packedDiff} and ${plainDiff} pixels differ`];
+  }],
   // Typing, a paste from the page's clipboard (once: its keydown is not handed in besides) and a
   // copy back to it, in the demo's notes field.
   ['a field takes typing, and Ctrl+V and Ctrl+C meet the page\'s clipboard', 'one.html', async (tab) => {

@@ -64,11 +64,23 @@ Surface* WebGetWindowSurface() {
     return &gState.surface;
 }
 
+// The surface's 0x00RRGGBB words become the canvas's R, G, B, A bytes here rather than in the
+// page's script: the first frames come before the script's loop would have been optimised.
 void WebPresent(const Rect& dirty) {
-    const Rect part = IntersectRect(dirty, gState.surface.Bounds());
+    const Surface& surface = gState.surface;
+    const Rect part = IntersectRect(dirty, surface.Bounds());
     if (part.IsEmpty()) return;
-    QbJsPresent(gState.surface.pixels.data(), gState.surface.width, gState.surface.height, part.left,
-                part.top, part.right, part.bottom);
+    std::vector<uint32_t>& out = gState.canvasPixels;
+    out.resize(surface.pixels.size());
+    for (int32_t y = part.top; y < part.bottom; ++y) {
+        const size_t row = static_cast<size_t>(y) * static_cast<size_t>(surface.width);
+        for (size_t i = row + static_cast<size_t>(part.left), end = row + static_cast<size_t>(part.right);
+             i < end; ++i) {
+            const uint32_t p = surface.pixels[i];
+            out[i] = 0xFF000000u | ((p & 0xFFu) << 16) | (p & 0xFF00u) | ((p >> 16) & 0xFFu);
+        }
+    }
+    QbJsPresent(out.data(), surface.width, surface.height, part.left, part.top, part.right, part.bottom);
     DescribeCardIfChanged();
 }
 

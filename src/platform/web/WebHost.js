@@ -2,27 +2,17 @@
 // through EM_JS. A player sets Module.qbCanvas (and, optionally, the qbOn* hooks) before the
 // module starts; Module.qbFontBase is the URL the font files are fetched from.
 
-// Our surface is 0x00RRGGBB in 32-bit words; the canvas wants R, G, B, A bytes.
+// `ptr` holds the whole surface as the canvas takes it (R, G, B, A bytes); the rectangle from
+// `left`, `top` to `right`, `bottom` has changed.
 Module.qbPresent = function (ptr, width, height, left, top, right, bottom) {
   var canvas = Module.qbCanvas;
   if (!canvas) return;
   if (canvas.width !== width || canvas.height !== height) {
     canvas.width = width;
     canvas.height = height;
-    Module.qbImage = null;
   }
   var context = Module.qbContext || (Module.qbContext = canvas.getContext('2d'));
-  var image = Module.qbImage;
-  if (!image) image = Module.qbImage = context.createImageData(width, height);
-  var out = new Uint32Array(image.data.buffer);
-  var source = HEAPU32;
-  var base = ptr >> 2;
-  for (var y = top; y < bottom; ++y) {
-    for (var i = y * width + left, end = y * width + right; i < end; ++i) {
-      var p = source[base + i];
-      out[i] = 0xFF000000 | ((p & 0xFF) << 16) | (p & 0xFF00) | ((p >>> 16) & 0xFF);
-    }
-  }
+  var image = new ImageData(new Uint8ClampedArray(HEAPU8.buffer, ptr, width * height * 4), width, height);
   context.putImageData(image, 0, 0, left, top, right - left, bottom - top);
   if (Module.qbOnPresent) Module.qbOnPresent();
 };
