@@ -72,7 +72,7 @@ TEST_F(XvfbPlay, TheWindowShowsTheCardAsRenderDrawsIt) {
 TEST_F(XvfbPlay, ASessionRecordedInTheWindowReplaysToTheSameFrame) {
     if (std::system("command -v xdotool >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "xdotool is not installed (Debian: apt-get install xdotool)";
-    const std::string play = qb_ + " play '" + stack_ + "' --exit-after 4000 --record " + Path("session.json") +
+    const std::string play = qb_ + " play '" + stack_ + "' --exit-after 8000 --record " + Path("session.json") +
                              " --screenshot " + Path("live.png");
     ASSERT_EQ(RunUnderXvfb(play + " &\npid=$!\nw=$(xdotool search --sync --onlyvisible --class quillbrook | head -1)\n"
                                   "xdotool mousemove --window $w 320 200\nsleep 0.3\nxdotool key Right\nsleep 0.3\n"
