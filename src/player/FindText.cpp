@@ -74,8 +74,7 @@ bool FindInBytes(const std::string& text, const std::string& needle, size_t from
 }
 
 // Cards are visited from the one on show to the last; with wrap on, round past the first and back
-// to the one on show, so that a hit above the last one on the first card is found too. Typing in
-// fields is not kept yet, so the stored text is all there is to search.
+// to the one on show, so that a hit above the last one on the first card is found too.
 bool FindInStack(FindRequest* request) {
     // The search reads the records, so what was typed on the card on show goes into them first.
     SaveFieldEdits(GetDocument().currentCard);

@@ -54,7 +54,7 @@ TEST_F(FindTextTest, AHitGoesToItsCardAndSelectsItInItsField) {
         {"LightHouse", kFindAllFields | kFindMatchCase, 1, 1, 0},
         {"lighthouse", kFindReadOnlyFields, 1, 5, 501},
         {"lighthouse", kFindEditableFields, 1, 1, 0},
-        // Welcome is the first card and Arrived the last: only wrap goes round.
+        // Welcome is the first card and Arrived among the last: only wrap goes round.
         {"tour of what", kFindAllFields, 13, 13, 0},
         {"tour of what", kFindAllFields | kFindWrap, 13, 1, 101},
         {"no such words", kFindAllFields | kFindWrap, 1, 1, 0},
