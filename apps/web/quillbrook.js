@@ -1,9 +1,9 @@
 // quillbrook.js: one script tag brings embedded stacks back. On load, and for every element added
 // later, each <object> and <embed> whose type is application/qbrk or whose data/src ends in .stk
 // gives way to a player of its size: a canvas with its own module instance, into which the stack
-// streams through the plug-in's entry points. The player's files (quillbrook.wasm, fonts/) are
-// fetched from beside this script. Built before the module's own code, in the same file, so that
-// the downloads start before the browser has read the rest of the script.
+// streams through the plug-in's entry points. The player's files (quillbrook.wasm, the module's
+// code in quillbrook-module.js, fonts/) are fetched from beside this script. This script is kept
+// small and apart from the module's code so that the wasm's download starts as soon as it is read.
 (function () {
   'use strict';
   if (typeof window === 'undefined' || window.Quillbrook) return;
@@ -17,6 +17,7 @@
   // when the first card asks (and not alongside the wasm, whose download they would slow).
   var FIRST_FACES = ['liberation2/LiberationSans-Regular.ttf', 'liberation2/LiberationSans-Bold.ttf'];
   var compiledWasm = null;
+  var moduleFactory = null;
   var players = [];
 
   // The steps of a player's start, as marks on the page's timeline (quillbrook:compiled, :ready,
@@ -60,6 +61,21 @@
       });
     }
     return compiledWasm;
+  }
+
+  // The module's factory (QuillbrookModule), from the script emscripten wrote.
+  function loadFactory() {
+    if (!moduleFactory) {
+      moduleFactory = new Promise(function (resolve, reject) {
+        var tag = document.createElement('script');
+        tag.src = scriptBase + 'quillbrook-module.js';
+        tag.async = true;
+        tag.onload = function () { resolve(window.QuillbrookModule); };
+        tag.onerror = function () { reject(new Error('quillbrook-module.js could not be loaded')); };
+        document.head.appendChild(tag);
+      });
+    }
+    return moduleFactory;
   }
 
   // The same download WebHost.js's qbFetchFile makes for a font file, begun ahead of it.
@@ -264,7 +280,28 @@
 
   Player.prototype.start = function () {
     var self = this;
-    return QuillbrookModule({
+    return loadFactory().then(function (factory) {
+      return factory(self.moduleSettings());
+    }).then(function (module) {
+      self.module = module;
+      mark('ready');
+      self.listen();
+      var error = module._QbNew(self.width, self.height);
+      if (error) throw new Error('NPP_New answered ' + error);
+      return self.call('QbSetWindow', [], []);
+    }).then(function () {
+      mark('window');
+      return self.stream();
+    }).catch(function (error) {
+      self.showMessage('The stack ' + self.url + ' could not be played: ' + error.message);
+    });
+  };
+
+  // What the player's module is started with: its canvas, where its files come from, and the
+  // page's hooks.
+  Player.prototype.moduleSettings = function () {
+    var self = this;
+    return {
       qbCanvas: this.canvas,
       qbFontBase: scriptBase + 'fonts/',
       qbStackUrl: this.url,
@@ -289,19 +326,7 @@
         }).catch(function (error) { self.showMessage('The player could not start: ' + error.message); });
         return {};
       },
-    }).then(function (module) {
-      self.module = module;
-      mark('ready');
-      self.listen();
-      var error = module._QbNew(self.width, self.height);
-      if (error) throw new Error('NPP_New answered ' + error);
-      return self.call('QbSetWindow', [], []);
-    }).then(function () {
-      mark('window');
-      return self.stream();
-    }).catch(function (error) {
-      self.showMessage('The stack ' + self.url + ' could not be played: ' + error.message);
-    });
+    };
   };
 
   // The file arrives chunk by chunk and each goes to NPP_Write as it comes; a file that is no
@@ -432,8 +457,9 @@
     },
   };
   // The wasm downloads and compiles, then the first faces download, while the rest of the page
-  // (and of this script) loads. The players start once the module's factory, after this, is there.
+  // and the module's code load. The players start once the module's factory is there.
   compileWasm().then(prefetchFonts, prefetchFonts);
+  loadFactory();
   if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', watch);
   else Promise.resolve().then(watch);
 })();

@@ -14,6 +14,10 @@ Module.qbPresent = function (ptr, width, height, left, top, right, bottom) {
   var context = Module.qbContext || (Module.qbContext = canvas.getContext('2d'));
   var image = new ImageData(new Uint8ClampedArray(HEAPU8.buffer, ptr, width * height * 4), width, height);
   context.putImageData(image, 0, 0, left, top, right - left, bottom - top);
+  if (!Module.qbPresented) {
+    Module.qbPresented = true;
+    if (Module.qbAudioPendingRate) qbAfterFrame(qbOpenPendingAudio);
+  }
   if (Module.qbOnPresent) Module.qbOnPresent();
 };
 
@@ -114,50 +118,68 @@ Module.qbAudioAvailable = function () {
   return typeof AudioContext !== 'undefined' && !Module.qbNoAudio;
 };
 
+// Opening the sound device holds the page up (a sixth of a second in Chromium) and a first card
+// often greets with a sound, so the device opens once the next frame is on the screen: the card
+// shows at once and its sound begins a moment later, since the mix goes only as the graph pulls
+// it. The context is kept whatever rate a later sound asks for; the mixer converts.
 Module.qbOpenAudio = function (rate) {
-  try {
-    var context = Module.qbAudioContext;
-    if (!context || context.sampleRate !== rate) {
-      if (context) context.close();
-      context = Module.qbAudioContext = new AudioContext({sampleRate: rate});
+  if (Module.qbAudioContext) {
+    try {
+      return qbStartGraph(Module.qbAudioContext);
+    } catch (error) {
+      console.warn('quillbrook: no sound: ' + error.message);
+      return 0;
     }
-    var frames = 2048;
-    var processor = context.createScriptProcessor(frames, 1, 2);
-    processor.onaudioprocess = function (event) {
-      var out = event.outputBuffer;
-      var count = out.length;
-      var ptr = Module._QbWebPullAudio(count) >> 1;
-      var left = out.getChannelData(0), right = out.getChannelData(1);
-      var samples = HEAP16;
-      for (var i = 0; i < count; ++i) {
-        left[i] = samples[ptr + 2 * i] / 32768;
-        right[i] = samples[ptr + 2 * i + 1] / 32768;
-      }
-    };
-    var tap = context.createAnalyser();
-    tap.fftSize = 2048;
-    processor.connect(tap);
-    tap.connect(context.destination);
-    Module.qbAudioProcessor = processor;
-    Module.qbAudioTap = tap;
-    if (context.state !== 'running') {
-      context.resume();
-      if (Module.qbOnAudioBlocked) Module.qbOnAudioBlocked(context);
-    }
-    return context.sampleRate;
-  } catch (error) {
-    console.warn('quillbrook: no sound: ' + error.message);
-    return 0;
   }
+  Module.qbAudioPendingRate = rate;
+  if (Module.qbPresented) qbAfterFrame(qbOpenPendingAudio);
+  return rate;
 };
 
-Module.qbCloseAudio = function () {
-  if (Module.qbAudioProcessor) {
-    Module.qbAudioProcessor.onaudioprocess = null;
-    Module.qbAudioProcessor.disconnect();
+function qbAfterFrame(then) {
+  requestAnimationFrame(function () { setTimeout(then, 0); });
+}
+
+function qbOpenPendingAudio() {
+  var rate = Module.qbAudioPendingRate;
+  if (!rate) return;
+  Module.qbAudioPendingRate = 0;
+  try {
+    qbStartGraph(Module.qbAudioContext = new AudioContext({sampleRate: rate}));
+  } catch (error) {
+    console.warn('quillbrook: no sound: ' + error.message);
   }
-  if (Module.qbAudioTap) Module.qbAudioTap.disconnect();
-  Module.qbAudioProcessor = Module.qbAudioTap = null;
+}
+
+// The graph is made once for the context and stays while it lives: a closed device only pulls
+// silence (QbWebPullAudio), and the tap the page may be listening at stays the same.
+function qbStartGraph(context) {
+  if (Module.qbAudioProcessor) return context.sampleRate;
+  var processor = Module.qbAudioProcessor = context.createScriptProcessor(2048, 1, 2);
+  processor.onaudioprocess = function (event) {
+    var out = event.outputBuffer;
+    var count = out.length;
+    var ptr = Module._QbWebPullAudio(count) >> 1;
+    var left = out.getChannelData(0), right = out.getChannelData(1);
+    var samples = HEAP16;
+    for (var i = 0; i < count; ++i) {
+      left[i] = samples[ptr + 2 * i] / 32768;
+      right[i] = samples[ptr + 2 * i + 1] / 32768;
+    }
+  };
+  var tap = Module.qbAudioTap = context.createAnalyser();
+  tap.fftSize = 2048;
+  processor.connect(tap);
+  tap.connect(context.destination);
+  if (context.state !== 'running') {
+    context.resume();
+    if (Module.qbOnAudioBlocked) Module.qbOnAudioBlocked(context);
+  }
+  return context.sampleRate;
+}
+
+Module.qbCloseAudio = function () {
+  Module.qbAudioPendingRate = 0;
 };
 
 // The page's clipboard. The player's copies go to it through navigator.clipboard, which a page
