@@ -50,12 +50,12 @@ test-wasm: deps-web
 	@cmake --build --preset wasm -j $(JOBS)
 	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
 
-# The web player (wasm build, target qb_web_player) put together with the fonts, the pages and the
+# The web player (wasm build, targets qb_web_player and qb_web_player_asyncify) put together with the fonts, the pages and the
 # demo stack (from the release build) as a site in $(WEB_SITE).
 build-web: deps-web build-release
 	@scripts/build-web-deps.sh
 	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null
-	@cmake --build --preset wasm -j $(JOBS) --target qb_web_player
+	@cmake --build --preset wasm -j $(JOBS) --target qb_web_player qb_web_player_asyncify
 	@rm -rf $(WEB_SITE)
 	@scripts/web-site.sh build/wasm $(DEMO) $(WEB_SITE)
 

@@ -1,5 +1,5 @@
-// The web player's weight and speed: the gzipped size of quillbrook.wasm, quillbrook.js and
-// quillbrook-module.js (fonts are fetched apart, on first use), and the time from the start of a page's load to the first
+// The web player's weight and speed: the gzipped size of each build's wasm and scripts (fonts are
+// fetched apart, on first use), and the time from the start of a page's load to the first
 // card painted on the demo stack, in headless Chromium: best and median of eleven first visits (a cold
 // cache) and of eleven repeat visits, with the median of each step between the player's marks.
 // Targets: at most 1.5 MB gzipped; at most 400 ms to the first card.
@@ -16,10 +16,15 @@ const SIZE_TARGET = 1.5 * 1024 * 1024;
 const TIME_TARGET_MS = 400;
 
 const gz = (name) => gzipSync(readFileSync(join(site, name)), { level: 9 }).length;
-const FILES = ['quillbrook.wasm', 'quillbrook.js', 'quillbrook-module.js'];
-const size = FILES.reduce((sum, name) => sum + gz(name), 0);
-console.log(`size: ${FILES.map((name) => `${name} ${gz(name)}`).join(' + ')} = ` +
-  `${(size / 1024 / 1024).toFixed(2)} MB gzipped (target <= 1.5 MB) ${size <= SIZE_TARGET ? 'ok' : 'OVER'}`);
+// What a browser downloads: the build without Asyncify where it can suspend a wasm stack itself
+// (Chromium, which the times below are taken in), the Asyncify build elsewhere.
+const BUILDS = { 'stack switching': ['quillbrook.wasm', 'quillbrook.js', 'quillbrook-module.js'],
+  asyncify: ['quillbrook-asyncify.wasm', 'quillbrook.js', 'quillbrook-module-asyncify.js'] };
+for (const [build, files] of Object.entries(BUILDS)) {
+  const size = files.reduce((sum, name) => sum + gz(name), 0);
+  console.log(`size, ${build}: ${files.map((name) => `${name} ${gz(name)}`).join(' + ')} = ` +
+    `${(size / 1024 / 1024).toFixed(2)} MB gzipped (target <= 1.5 MB) ${size <= SIZE_TARGET ? 'ok' : 'OVER'}`);
+}
 
 writeFileSync(join(site, 'bench.html'), '<!DOCTYPE html><html><head><script src="quillbrook.js"></script></head>' +
   '<body><embed src="demo.stk" type="application/qbrk" width="640" height="480"></body></html>');
@@ -55,7 +60,7 @@ async function measure(repeat) {
     times.push(await page.evaluate(() => window.firstCardMs));
     marks.push(await page.evaluate(() => {
       const at = {};
-      const wasm = performance.getEntriesByType('resource').find((entry) => /quillbrook\.wasm(\.gz)?$/.test(entry.name));
+      const wasm = performance.getEntriesByType('resource').find((entry) => /quillbrook(-asyncify)?\.wasm(\.gz)?$/.test(entry.name));
       if (wasm) at['wasm requested'] = wasm.startTime;
       for (const entry of performance.getEntriesByType('mark')) at[entry.name.replace('quillbrook:', '')] = entry.startTime;
       return at;

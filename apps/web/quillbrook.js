@@ -16,6 +16,12 @@
   // most named faces fall to): fetched once the wasm is in, while the player starts, rather than
   // when the first card asks (and not alongside the wasm, whose download they would slow).
   var FIRST_FACES = ['liberation2/LiberationSans-Regular.ttf', 'liberation2/LiberationSans-Bold.ttf'];
+  // A browser that suspends a wasm stack itself gets the module built without Asyncify, which is
+  // smaller and quicker to compile and to run; others get the Asyncify build.
+  var SUSPENDS = typeof WebAssembly === 'object' && typeof WebAssembly.Suspending === 'function' &&
+      typeof WebAssembly.promising === 'function';
+  var WASM = SUSPENDS ? 'quillbrook.wasm' : 'quillbrook-asyncify.wasm';
+  var MODULE_SCRIPT = SUSPENDS ? 'quillbrook-module.js' : 'quillbrook-module-asyncify.js';
   var compiledWasm = null;
   var moduleFactory = null;
   var players = [];
@@ -35,8 +41,8 @@
   }
 
   function compilePlain() {
-    return fetch(scriptBase + 'quillbrook.wasm').then(function (response) {
-      if (!response.ok) throw new Error('quillbrook.wasm: HTTP ' + response.status);
+    return fetch(scriptBase + WASM).then(function (response) {
+      if (!response.ok) throw new Error(WASM + ': HTTP ' + response.status);
       return compileResponse(response);
     });
   }
@@ -45,8 +51,8 @@
   // the browser unpacks it as it arrives. Where the packed file is missing, or the browser cannot
   // unpack it, or the server has already unpacked it on the way, the plain file is fetched.
   function compilePacked() {
-    return fetch(scriptBase + 'quillbrook.wasm.gz').then(function (response) {
-      if (!response.ok || !response.body) throw new Error('quillbrook.wasm.gz: HTTP ' + response.status);
+    return fetch(scriptBase + WASM + '.gz').then(function (response) {
+      if (!response.ok || !response.body) throw new Error(WASM + '.gz: HTTP ' + response.status);
       return compileResponse(new Response(response.body.pipeThrough(new DecompressionStream('gzip')),
           {headers: {'Content-Type': 'application/wasm'}}));
     });
@@ -68,10 +74,10 @@
     if (!moduleFactory) {
       moduleFactory = new Promise(function (resolve, reject) {
         var tag = document.createElement('script');
-        tag.src = scriptBase + 'quillbrook-module.js';
+        tag.src = scriptBase + MODULE_SCRIPT;
         tag.async = true;
         tag.onload = function () { resolve(window.QuillbrookModule); };
-        tag.onerror = function () { reject(new Error('quillbrook-module.js could not be loaded')); };
+        tag.onerror = function () { reject(new Error(MODULE_SCRIPT + ' could not be loaded')); };
         document.head.appendChild(tag);
       });
     }
@@ -130,6 +136,8 @@
     canvas.setAttribute('role', 'application');
     canvas.setAttribute('aria-label', 'Quillbrook stack ' + this.url.split('/').pop());
     canvas.style.cssText = 'display:block;outline:none';
+    // Made while the player's files download, so that the first card's frame does not wait for it.
+    canvas.getContext('2d');
     holder.appendChild(canvas);
     // What the card says, for screen readers: kept up to date by the player, never seen.
     var live = this.live = document.createElement('div');
@@ -301,7 +309,7 @@
   // page's hooks.
   Player.prototype.moduleSettings = function () {
     var self = this;
-    return {
+    var settings = {
       qbCanvas: this.canvas,
       qbFontBase: scriptBase + 'fonts/',
       qbStackUrl: this.url,
@@ -321,12 +329,13 @@
         self.canvas.dispatchEvent(new CustomEvent('quillbrook:card', {bubbles: true}));
       },
       instantiateWasm: function (imports, receive) {
-        compileWasm().then(function (module) {
-          return WebAssembly.instantiate(module, imports).then(function (instance) { receive(instance, module); });
+        compileWasm().then(function (wasm) {
+          return settings.qbInstantiate(wasm, imports).then(function (instance) { receive(instance, wasm); });
         }).catch(function (error) { self.showMessage('The player could not start: ' + error.message); });
         return {};
       },
     };
+    return settings;
   };
 
   // The file arrives chunk by chunk and each goes to NPP_Write as it comes; a file that is no

@@ -13,12 +13,16 @@
 #include "platform/web/WebState.h"
 
 // Both answer once the page has the file (or knows it has none): the core waits meanwhile,
-// through Asyncify, while the page runs on.
-EM_ASYNC_JS(int, QbJsFetchFile, (const char* path, int base, const char* relative),
-            { return await Module.qbFetchFile(UTF8ToString(path), base, UTF8ToString(relative)); });
-EM_ASYNC_JS(char*, QbJsChooseFile, (const char* pattern), {
-    const path = await Module.qbChooseFile(UTF8ToString(pattern));
-    return path ? allocateUTF8(path) : 0;
+// suspended on the page's promise (Module.qbSuspend), while the page runs on.
+EM_JS(int, QbJsFetchFile, (const char* path, int base, const char* relative), {
+    const file = UTF8ToString(path), name = UTF8ToString(relative);
+    return Module.qbSuspend(function() { return Module.qbFetchFile(file, base, name); });
+});
+EM_JS(char*, QbJsChooseFile, (const char* pattern), {
+    const filter = UTF8ToString(pattern);
+    return Module.qbSuspend(function() {
+        return Module.qbChooseFile(filter).then(function(chosen) { return chosen ? allocateUTF8(chosen) : 0; });
+    });
 });
 
 namespace {

@@ -14,7 +14,8 @@
 // carries its canvas and its wake-up.
 EM_JS(void, QbJsPresent, (const uint32_t* pixels, int width, int height, int left, int top, int right, int bottom),
       { Module.qbPresent(pixels, width, height, left, top, right, bottom); });
-EM_ASYNC_JS(void, QbJsWait, (double ms), { await Module.qbWait(ms); });
+// A wait suspends the wasm until the page's promise settles (Module.qbSuspend, in WebHost.js).
+EM_JS(void, QbJsWait, (double ms), { return Module.qbSuspend(function() { return Module.qbWait(ms); }); });
 EM_JS(void, QbJsSetTitle, (const char* title), { Module.qbSetTitle(UTF8ToString(title)); });
 EM_JS(void, QbJsSetCursor, (int wait), { Module.qbSetCursor(wait); });
 EM_JS(void, QbJsMessage, (const char* title, const char* text),

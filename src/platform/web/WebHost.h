@@ -1,6 +1,7 @@
 // The web backend: a <canvas> shows the window surface, the page's mouse and keys come in through
 // functions the page calls (WebInput.cpp), the clock is the page's, and every wait gives the
-// browser its turn through Asyncify, so that nothing the core does blocks the page. Sound goes
+// browser its turn, the wasm's stack suspended on a promise of the page (by the browser itself, or
+// by Asyncify where it cannot), so that nothing the core does blocks the page. Sound goes
 // out through WebAudio, font files come over the network on first use, and the temporary folder
 // is in memory (MEMFS).
 #pragma once

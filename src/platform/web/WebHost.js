@@ -45,6 +45,36 @@ Module.qbWait = function (ms) {
   });
 };
 
+// The core's waits suspend the wasm on a promise of the page. Where the browser can suspend a
+// wasm stack itself (WebAssembly.Suspending and WebAssembly.promising), the module is built
+// without Asyncify: the waiting imports suspend on the promise they return, and the entry points
+// that may wait answer with a promise. Elsewhere the Asyncify build unwinds the stack at a wait and
+// rewinds it when the promise settles.
+Module.qbSuspend = function (start) {
+  return typeof Asyncify === 'undefined' ? start() : Asyncify.handleAsync(start);
+};
+
+var QB_WAITING_IMPORTS = ['QbJsWait', 'QbJsFetchFile', 'QbJsChooseFile'];
+var QB_WAITING_EXPORTS = ['QbSetWindow', 'QbDestroyStream', 'QbRun'];
+
+// The instance of `wasm` (a compiled WebAssembly.Module) for emscripten's `imports`, as its
+// receiver takes it.
+Module.qbInstantiate = function (wasm, imports) {
+  if (typeof Asyncify !== 'undefined') return WebAssembly.instantiate(wasm, imports);
+  // Emscripten's import spaces may be one object under several names: each function is wrapped once.
+  Object.keys(imports).forEach(function (space) {
+    QB_WAITING_IMPORTS.forEach(function (name) {
+      var fn = imports[space][name];
+      if (typeof fn === 'function') imports[space][name] = new WebAssembly.Suspending(fn);
+    });
+  });
+  return WebAssembly.instantiate(wasm, imports).then(function (instance) {
+    var exports = Object.assign({}, instance.exports);
+    QB_WAITING_EXPORTS.forEach(function (name) { exports[name] = WebAssembly.promising(instance.exports[name]); });
+    return {exports: exports};
+  });
+};
+
 Module.qbSetTitle = function (title) {
   Module.qbTitle = title;
   if (Module.qbOnTitle) Module.qbOnTitle(title);
