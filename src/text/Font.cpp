@@ -16,6 +16,7 @@
 
 #include "base/Windows1252.h"
 #include "platform/Host.h"
+#include "platform/HostFile.h"
 #include "text/Fontmap.h"
 
 namespace {
@@ -54,6 +55,10 @@ using FaceKey = std::tuple<std::string, int32_t, bool>;
 struct FontState {
     FT_Library library = nullptr;
     std::map<FaceKey, std::unique_ptr<SizedFace>> faces;  // null: the file could not be opened
+    // Each font file read whole, once, for every size opened from it. FreeType reading the file
+    // itself seeks and reads it piece by piece, which in the web player means a call out of the
+    // wasm for each table.
+    std::map<std::string, std::string> files;
 };
 FontState gFonts;
 
@@ -74,6 +79,19 @@ void CloseFaces() {
         if (face && face->face) FT_Done_Face(face->face);
     }
     gFonts.faces.clear();
+    gFonts.files.clear();
+}
+
+// The bytes of a font file, which stay put while any face opened from them is open; null when
+// the file cannot be read.
+const std::string* FontFileBytes(const std::string& path) {
+    auto found = gFonts.files.find(path);
+    if (found != gFonts.files.end()) return &found->second;
+    // A host may keep the font files elsewhere until a face is first used.
+    GetHost().FetchFile(path);
+    std::string bytes;
+    if (ReadWholeHostFile(path, &bytes) != 0 || bytes.empty()) return nullptr;
+    return &gFonts.files.emplace(path, std::move(bytes)).first->second;
 }
 
 int32_t ScaleUnits(int64_t units, int32_t px, int32_t unitsPerEm) {
@@ -84,10 +102,12 @@ int32_t ScaleUnits(int64_t units, int32_t px, int32_t unitsPerEm) {
 std::unique_ptr<SizedFace> OpenFace(const FontFile& file, int32_t px) {
     FT_Library library = Library();
     if (!library) return nullptr;
+    const std::string* bytes = FontFileBytes(file.path);
+    if (!bytes) return nullptr;
     auto sized = std::make_unique<SizedFace>();
-    // A host may keep the font files elsewhere until a face is first used.
-    GetHost().FetchFile(file.path);
-    if (FT_New_Face(library, file.path.c_str(), 0, &sized->face) != 0) return nullptr;
+    if (FT_New_Memory_Face(library, reinterpret_cast<const FT_Byte*>(bytes->data()),
+                           static_cast<FT_Long>(bytes->size()), 0, &sized->face) != 0)
+        return nullptr;
     FT_Face face = sized->face;
     if (FT_Select_Charmap(face, FT_ENCODING_UNICODE) != 0 ||
         FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(px)) != 0) {
