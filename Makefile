@@ -50,8 +50,8 @@ test-wasm: deps-web
 	@cmake --build --preset wasm -j $(JOBS)
 	NODE_PATH=/usr/share/nodejs ctest --preset wasm -j $(JOBS)
 
-# The web player (wasm build, targets qb_web_player and qb_web_player_asyncify) put together with the fonts, the pages and the
-# demo stack (from the release build) as a site in $(WEB_SITE).
+# The web player (wasm build, targets qb_web_player and qb_web_player_asyncify) put together with
+# the fonts, the pages and the demo stack (from the release build) as a site in $(WEB_SITE).
 build-web: deps-web build-release
 	@scripts/build-web-deps.sh
 	@NODE_PATH=/usr/share/nodejs cmake --preset wasm >/dev/null

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Puts the web player together as a site: quillbrook.js (the script a page includes), the module's
-# code in quillbrook-module.js with quillbrook.wasm, and its Asyncify build for browsers that cannot
-# suspend a wasm stack (quillbrook-module-asyncify.js, quillbrook-asyncify.wasm), each wasm also
-# packed (.wasm.gz, for servers that do not compress what they send), the font files the player fetches on first use (fonts/,
-# the same files the desktop draws with), the drag-and-drop page, the package description, and
-# the demo stack.
+# code in quillbrook-module.js with quillbrook.wasm, and its Asyncify build for browsers that
+# cannot suspend a wasm stack (quillbrook-module-asyncify.js, quillbrook-asyncify.wasm), each wasm
+# also packed (.wasm.gz, for servers that do not compress what they send), the font files the
+# player fetches on first use (fonts/, the same files the desktop draws with), the drag-and-drop
+# page, the package description, and the demo stack.
 # Usage: scripts/web-site.sh WASM_BUILD_DIR DEMO_STK OUT_DIR
 set -euo pipefail
 build=$1 demo=$2 out=$3

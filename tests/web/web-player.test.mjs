@@ -123,8 +123,8 @@ function check(name, ok, detail = '') {
 const { server, url } = await serve(site);
 const browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: CHROMIUM_FLAGS });
 // Headless Chromium lets sound out without a gesture whatever it is told (and playwright's evaluate
-// counts as one); a page opened with holdSoundBack gets an AudioContext that, as browsers do by default,
-// stays suspended until the person has pressed the mouse on the page.
+// counts as one); a page opened with holdSoundBack gets an AudioContext that, as browsers do by
+// default, stays suspended until the person has pressed the mouse on the page.
 function holdSoundBack() {
   const Real = window.AudioContext;
   let touched = false;
@@ -171,7 +171,8 @@ async function answersDuringDissolve(tab) {
   // A dissolve never reaches the last few values of its walk: those pixels keep the old card.
   const arrived = await settlesOn(tab, 0, 'arrived.png', 8000, 16);
   return [first === 0 && answered < 1000 && midway > 0 && arrived === 0,
-    `first card ${first} pixels off, answered in ${answered} ms, ${midway} pixels still to change, ${arrived} at the end`];
+    `first card ${first} pixels off, answered in ${answered} ms, ${midway} pixels still to change, ` +
+    `${arrived} at the end`];
 }
 
 const CASES = [

@@ -70,7 +70,9 @@ Module.qbInstantiate = function (wasm, imports) {
   });
   return WebAssembly.instantiate(wasm, imports).then(function (instance) {
     var exports = Object.assign({}, instance.exports);
-    QB_WAITING_EXPORTS.forEach(function (name) { exports[name] = WebAssembly.promising(instance.exports[name]); });
+    QB_WAITING_EXPORTS.forEach(function (name) {
+      exports[name] = WebAssembly.promising(instance.exports[name]);
+    });
     return {exports: exports};
   });
 };
