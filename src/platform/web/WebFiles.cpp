@@ -21,7 +21,9 @@ EM_JS(int, QbJsFetchFile, (const char* path, int base, const char* relative), {
 EM_JS(char*, QbJsChooseFile, (const char* pattern), {
     const filter = UTF8ToString(pattern);
     return Module.qbSuspend(function() {
-        return Module.qbChooseFile(filter).then(function(chosen) { return chosen ? allocateUTF8(chosen) : 0; });
+        return Module.qbChooseFile(filter).then(function(chosen) {
+            return chosen ? allocateUTF8(chosen) : 0;
+        });
     });
 });
 

@@ -54,6 +54,7 @@ Module.qbSuspend = function (start) {
   return typeof Asyncify === 'undefined' ? start() : Asyncify.handleAsync(start);
 };
 
+// The imports that wait are the Asyncify build's ASYNCIFY_IMPORTS (apps/web/CMakeLists.txt).
 var QB_WAITING_IMPORTS = ['QbJsWait', 'QbJsFetchFile', 'QbJsChooseFile'];
 var QB_WAITING_EXPORTS = ['QbSetWindow', 'QbDestroyStream', 'QbRun'];
 
