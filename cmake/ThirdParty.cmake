@@ -10,7 +10,9 @@ if(QB_WEB)
   endforeach()
   add_library(qb_fmt INTERFACE)
   target_include_directories(qb_fmt SYSTEM INTERFACE "${QB_WEB_INCLUDE}")
-  target_compile_definitions(qb_fmt INTERFACE FMT_HEADER_ONLY=1)
+  # The player formats no number by the reader's locale, and without std::locale libc++'s locale
+  # facets stay out of the wasm.
+  target_compile_definitions(qb_fmt INTERFACE FMT_HEADER_ONLY=1 "FMT_STATIC_THOUSANDS_SEPARATOR=','")
   set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   # GoogleTest's own CMake names its targets GTest::gtest, GTest::gtest_main, GTest::gmock.

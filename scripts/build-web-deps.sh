@@ -23,7 +23,7 @@ jobs=${JOBS:-$(nproc)}
 # recipe's revision, so that a changed recipe builds again in a folder built by the old one.
 libraries=(
   "jpeg|libjpeg-turbo|$prefix/lib/libjpeg.a"
-  "freetype-2|freetype|$prefix/lib/libfreetype.a"
+  "freetype-3|freetype|$prefix/lib/libfreetype.a"
 )
 
 log=""
@@ -113,13 +113,23 @@ build_jpeg() {
   run cp "$build/jconfig.h" "$source/jpeglib.h" "$source/jmorecfg.h" "$source/jerror.h" "$prefix/include/"
 }
 
-build_freetype-2() {
+build_freetype-3() {
   local source=$1 build=$out/freetype
   # Only the outlines and the rasteriser: no compressed fonts, no PNG glyphs, no shaping. The
   # rasteriser takes its SSE2 path on x86-64 and a plain one elsewhere, and the two round a few
   # edge pixels of a glyph apart; emscripten's SSE2 on wasm SIMD gives the desktop's pixels. The
   # build folder of an earlier recipe is not reused.
   rm -rf "$build"
+  # Only the modules that draw the player's TrueType faces the way the desktop does: its glyphs are
+  # loaded with the TrueType hinter and never the auto-hinter, and drawn anti-aliased. The other
+  # drivers would be a fifth of the wasm, which every visitor downloads and compiles. The list is
+  # read from the build's include folder, which comes before the source's.
+  mkdir -p "$build/include/freetype/config"
+  cat >"$build/include/freetype/config/ftmodule.h" <<'EOF'
+FT_USE_MODULE( FT_Driver_ClassRec, tt_driver_class )
+FT_USE_MODULE( FT_Module_Class, sfnt_module_class )
+FT_USE_MODULE( FT_Renderer_Class, ft_smooth_renderer_class )
+EOF
   configure "$source" "$build" -DBUILD_SHARED_LIBS=OFF -DFT_DISABLE_ZLIB=TRUE -DFT_DISABLE_BZIP2=TRUE \
     -DFT_DISABLE_PNG=TRUE -DFT_DISABLE_HARFBUZZ=TRUE -DFT_DISABLE_BROTLI=TRUE \
     "-DCMAKE_C_FLAGS=-msimd128 -msse2"
