@@ -98,7 +98,9 @@ Module.qbMessage = function (title, text) {
 
 // Files fetched on first use and written into this module's memory file system: font files from
 // beside the player's script (`base` 0; one download serves every player of the page), and files a
-// streamed stack names beside itself, relative to the stack's URL (`base` 1).
+// streamed stack names beside itself, relative to the stack's URL (`base` 1). The file system keeps
+// the download itself rather than a copy (`canOwn`): a fetched file is only ever read, and a font
+// file is then in memory once for all the page's players.
 Module.qbFetchFile = function (path, base, relative) {
   var root = base === 0 ? Module.qbFontBase : Module.qbStackUrl;
   if (!root || !relative) return Promise.resolve(0);
@@ -114,7 +116,7 @@ Module.qbFetchFile = function (path, base, relative) {
   }
   return download.then(function (buffer) {
     FS.mkdirTree(path.slice(0, path.lastIndexOf('/')));
-    FS.writeFile(path, new Uint8Array(buffer));
+    FS.writeFile(path, new Uint8Array(buffer), {canOwn: true});
     return 1;
   }, function (error) {
     if (base === 0) console.warn('quillbrook: ' + error.message);
