@@ -12,7 +12,8 @@ if(QB_WEB)
   target_include_directories(qb_fmt SYSTEM INTERFACE "${QB_WEB_INCLUDE}")
   # The player formats no number by the reader's locale, and without std::locale libc++'s locale
   # facets stay out of the wasm.
-  target_compile_definitions(qb_fmt INTERFACE FMT_HEADER_ONLY=1 "FMT_STATIC_THOUSANDS_SEPARATOR=','")
+  target_compile_definitions(qb_fmt INTERFACE
+    FMT_HEADER_ONLY=1 "FMT_STATIC_THOUSANDS_SEPARATOR=','")
   set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   # GoogleTest's own CMake names its targets GTest::gtest, GTest::gtest_main, GTest::gmock.

@@ -12,8 +12,13 @@
 
 // The JavaScript half lives in WebHost.js (linked in as --pre-js): each player's own Module object
 // carries its canvas and its wake-up.
-EM_JS(void, QbJsPresent, (const uint32_t* pixels, int width, int height, int left, int top, int right, int bottom),
-      { Module.qbPresent(pixels, width, height, left, top, right, bottom); });
+
+// One band of a frame (`width` by `rows` pixels at `left`, `top`) onto the canvas, which is the
+// window's size; `last` ends the frame.
+EM_JS(void, QbJsPresent,
+      (const uint32_t* pixels, int width, int rows, int left, int top, int windowWidth,
+       int windowHeight, int last),
+      { Module.qbPresent(pixels, width, rows, left, top, windowWidth, windowHeight, last); });
 // A wait suspends the wasm until the page's promise settles (Module.qbSuspend, in WebHost.js).
 EM_JS(void, QbJsWait, (double ms), { return Module.qbSuspend(function() { return Module.qbWait(ms); }); });
 EM_JS(void, QbJsSetTitle, (const char* title), { Module.qbSetTitle(UTF8ToString(title)); });
@@ -65,23 +70,33 @@ Surface* WebGetWindowSurface() {
     return &gState.surface;
 }
 
+// The canvas takes a frame a band of rows at a time, through a buffer small enough to stay in the
+// cache: a copy of the whole window would be another megabyte of fresh memory to touch before the
+// first card shows.
+constexpr int32_t kPresentBandRows = 64;
+
 // The surface's 0x00RRGGBB words become the canvas's R, G, B, A bytes here rather than in the
 // page's script: the first frames come before the script's loop would have been optimised.
 void WebPresent(const Rect& dirty) {
     const Surface& surface = gState.surface;
     const Rect part = IntersectRect(dirty, surface.Bounds());
     if (part.IsEmpty()) return;
-    std::vector<uint32_t>& out = gState.canvasPixels;
-    out.resize(surface.pixels.size());
-    for (int32_t y = part.top; y < part.bottom; ++y) {
-        const size_t row = static_cast<size_t>(y) * static_cast<size_t>(surface.width);
-        for (size_t i = row + static_cast<size_t>(part.left), end = row + static_cast<size_t>(part.right);
-             i < end; ++i) {
-            const uint32_t p = surface.pixels[i];
-            out[i] = 0xFF000000u | ((p & 0xFFu) << 16) | (p & 0xFF00u) | ((p >> 16) & 0xFFu);
+    const int32_t width = part.right - part.left;
+    std::vector<uint32_t>& band = gState.canvasBand;
+    band.resize(std::max(band.size(), static_cast<size_t>(width) * kPresentBandRows));
+    for (int32_t top = part.top; top < part.bottom; top += kPresentBandRows) {
+        const int32_t bottom = std::min(part.bottom, top + kPresentBandRows);
+        uint32_t* out = band.data();
+        for (int32_t y = top; y < bottom; ++y) {
+            const uint32_t* row = surface.Row(y) + part.left;
+            for (int32_t x = 0; x < width; ++x) {
+                const uint32_t p = row[x];
+                *out++ = 0xFF000000u | ((p & 0xFFu) << 16) | (p & 0xFF00u) | ((p >> 16) & 0xFFu);
+            }
         }
+        QbJsPresent(band.data(), width, bottom - top, part.left, top, surface.width, surface.height,
+                    bottom == part.bottom ? 1 : 0);
     }
-    QbJsPresent(out.data(), surface.width, surface.height, part.left, part.top, part.right, part.bottom);
     DescribeCardIfChanged();
 }
 

@@ -2,18 +2,19 @@
 // through EM_JS. A player sets Module.qbCanvas (and, optionally, the qbOn* hooks) before the
 // module starts; Module.qbFontBase is the URL the font files are fetched from.
 
-// `ptr` holds the whole surface as the canvas takes it (R, G, B, A bytes); the rectangle from
-// `left`, `top` to `right`, `bottom` has changed.
-Module.qbPresent = function (ptr, width, height, left, top, right, bottom) {
+// `ptr` holds a band of a frame as the canvas takes it (R, G, B, A bytes): `width` by `rows` pixels
+// of the window, from `left`, `top`. The frame's `last` band tells the page that a frame is shown.
+Module.qbPresent = function (ptr, width, rows, left, top, windowWidth, windowHeight, last) {
   var canvas = Module.qbCanvas;
   if (!canvas) return;
-  if (canvas.width !== width || canvas.height !== height) {
-    canvas.width = width;
-    canvas.height = height;
+  if (canvas.width !== windowWidth || canvas.height !== windowHeight) {
+    canvas.width = windowWidth;
+    canvas.height = windowHeight;
   }
   var context = Module.qbContext || (Module.qbContext = canvas.getContext('2d'));
-  var image = new ImageData(new Uint8ClampedArray(HEAPU8.buffer, ptr, width * height * 4), width, height);
-  context.putImageData(image, 0, 0, left, top, right - left, bottom - top);
+  var pixels = new Uint8ClampedArray(HEAPU8.buffer, ptr, width * rows * 4);
+  context.putImageData(new ImageData(pixels, width, rows), left, top);
+  if (!last) return;
   if (!Module.qbPresented) {
     Module.qbPresented = true;
     if (Module.qbAudioPendingRate) qbAfterFrame(qbOpenPendingAudio);

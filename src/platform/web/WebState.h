@@ -11,9 +11,8 @@
 
 struct WebState {
     Surface surface{1, 1};  // what the core draws into; the canvas shows it
-    // The surface as the canvas takes it (R, G, B, A bytes), redone rectangle by rectangle as
-    // parts of the surface are shown.
-    std::vector<uint32_t> canvasPixels;
+    // A band of the surface's rows as the canvas takes them (R, G, B, A bytes), on their way to it.
+    std::vector<uint32_t> canvasBand;
     // Input from the page, translated, waiting for the main loop or a dialog.
     std::deque<HostEvent> events;
     // Counts the input put into `events`: a wait ends when this changes, not on input that was
