@@ -100,8 +100,8 @@ Module.qbMessage = function (title, text) {
 // Files fetched on first use and written into this module's memory file system: font files from
 // beside the player's script (`base` 0; one download serves every player of the page), and files a
 // streamed stack names beside itself, relative to the stack's URL (`base` 1). The file system keeps
-// the download itself rather than a copy (`canOwn`): a fetched file is only ever read, and a font
-// file is then in memory once for all the page's players.
+// the download itself rather than a copy (`canOwn`): a stack's file is its player's own download,
+// and a font file, in memory once for all the page's players, is only ever read.
 Module.qbFetchFile = function (path, base, relative) {
   var root = base === 0 ? Module.qbFontBase : Module.qbStackUrl;
   if (!root || !relative) return Promise.resolve(0);
