@@ -122,7 +122,7 @@ build_freetype-3() {
   rm -rf "$build"
   # Only the modules that draw the player's TrueType faces the way the desktop does: its glyphs are
   # loaded with the TrueType hinter and never the auto-hinter, and drawn anti-aliased. The other
-  # drivers would be a fifth of the wasm, which every visitor downloads and compiles. The list is
+  # drivers would be a sixth of the wasm, which every visitor downloads and compiles. The list is
   # read from the build's include folder, which comes before the source's.
   mkdir -p "$build/include/freetype/config"
   cat >"$build/include/freetype/config/ftmodule.h" <<'EOF'
