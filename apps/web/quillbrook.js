@@ -40,33 +40,44 @@
     return response.arrayBuffer().then(function (bytes) { return WebAssembly.compile(bytes); });
   }
 
-  function compilePlain() {
-    return fetch(scriptBase + WASM).then(function (response) {
-      if (!response.ok) throw new Error(WASM + ': HTTP ' + response.status);
-      return compileResponse(response);
-    });
-  }
-
-  // quillbrook.wasm.gz is a third of the wasm's size, for servers that send files as they are:
-  // the browser unpacks it as it arrives. Where the packed file is missing, or the browser cannot
-  // unpack it, or the server has already unpacked it on the way, the plain file is fetched.
-  function compilePacked() {
-    return fetch(scriptBase + WASM + '.gz').then(function (response) {
-      if (!response.ok || !response.body) throw new Error(WASM + '.gz: HTTP ' + response.status);
-      return compileResponse(new Response(response.body.pipeThrough(new DecompressionStream('gzip')),
-          {headers: {'Content-Type': 'application/wasm'}}));
-    });
+  // The wasm and the font files lie beside this script also packed (name.gz, a third to a half of
+  // the size), for servers that send files as they are: the browser unpacks the packed file as it
+  // arrives, and `use` takes it as a response of `type`. Where the packed file is missing, or the
+  // browser cannot unpack it, or the server has already unpacked it on the way, `use` gets the
+  // file itself.
+  function fetchPacked(url, type, use) {
+    function plain() {
+      return fetch(url).then(function (response) {
+        if (!response.ok) throw new Error(url.split('/').pop() + ': HTTP ' + response.status);
+        return use(response);
+      });
+    }
+    if (typeof DecompressionStream !== 'function' || typeof Response !== 'function') return plain();
+    return fetch(url + '.gz').then(function (response) {
+      if (!response.ok || !response.body) throw new Error(url + '.gz: HTTP ' + response.status);
+      return use(new Response(response.body.pipeThrough(new DecompressionStream('gzip')),
+          {headers: {'Content-Type': type}}));
+    }).catch(plain);
   }
 
   function compileWasm() {
     if (!compiledWasm) {
-      var packed = typeof DecompressionStream === 'function' && typeof Response === 'function';
-      compiledWasm = (packed ? compilePacked().catch(compilePlain) : compilePlain()).then(function (module) {
+      compiledWasm = fetchPacked(scriptBase + WASM, 'application/wasm', compileResponse).then(function (module) {
         mark('compiled');
         return module;
       });
     }
     return compiledWasm;
+  }
+
+  // A font file's bytes, fetched once for every player of the page.
+  function fetchFont(url) {
+    var download = sharedFiles.get(url);
+    if (!download) {
+      download = fetchPacked(url, 'font/ttf', function (response) { return response.arrayBuffer(); });
+      sharedFiles.set(url, download);
+    }
+    return download;
   }
 
   // The module's factory (QuillbrookModule), from the script emscripten wrote.
@@ -84,17 +95,11 @@
     return moduleFactory;
   }
 
-  // The same download WebHost.js's qbFetchFile makes for a font file, begun ahead of it.
+  // The downloads WebHost.js's qbFetchFile asks for when the first card wants its faces, begun
+  // ahead of it.
   function prefetchFonts() {
     FIRST_FACES.forEach(function (relative) {
-      var url = scriptBase + 'fonts/' + relative;
-      if (sharedFiles.has(url)) return;
-      var download = fetch(url).then(function (response) {
-        if (!response.ok) throw new Error(url + ': HTTP ' + response.status);
-        return response.arrayBuffer();
-      });
-      download.catch(function () {});
-      sharedFiles.set(url, download);
+      fetchFont(scriptBase + 'fonts/' + relative).catch(function () {});
     });
   }
 
@@ -313,7 +318,7 @@
       qbCanvas: this.canvas,
       qbFontBase: scriptBase + 'fonts/',
       qbStackUrl: this.url,
-      qbSharedFiles: sharedFiles,
+      qbFetchFont: fetchFont,
       qbOnMessage: function (title, text) { console.log('quillbrook: ' + title + ': ' + text); },
       qbOnAudioBlocked: function (context) { self.offerAudio(context); },
       qbOnCard: function (text) {

@@ -344,18 +344,21 @@ const CASES = [
     }
     return [wrong.length === 0, wrong.join('; ')];
   }],
-  // The packed wasm is what a page fetches; where the server has none, the plain file plays alike.
-  ['the packed wasm is fetched, and the plain one where it is missing', 'one.html', async (tab) => {
-    const wasmFetched = () => tab.evaluate(() => performance.getEntriesByType('resource')
-      .map((entry) => entry.name.split('/').pop()).filter((name) => /\.wasm/.test(name)).join(' '));
+  // The packed wasm and fonts are what a page fetches; where the server has none, the plain files
+  // play alike.
+  ['the packed wasm and fonts are fetched, and the plain ones where they are missing', 'one.html', async (tab) => {
+    const fetched = () => tab.evaluate(() => performance.getEntriesByType('resource')
+      .map((entry) => entry.name.split('/').pop()).filter((name) => /\.(wasm|ttf)/.test(name)).sort().join(' '));
     const packedDiff = await settlesOn(tab, 0, 'welcome.png');
-    const packed = await wasmFetched();
-    await tab.route('**/quillbrook.wasm.gz', (route) => route.fulfill({ status: 404, body: '' }));
+    const packed = await fetched();
+    await tab.route('**/*.gz', (route) => route.fulfill({ status: 404, body: '' }));
     await tab.reload();
     const plainDiff = await settlesOn(tab, 0, 'welcome.png');
-    const plain = await wasmFetched();
-    const ok = packedDiff === 0 && plainDiff === 0 && packed === 'quillbrook.wasm.gz' &&
-      plain === 'quillbrook.wasm.gz quillbrook.wasm';
+    const plain = await fetched();
+    const faces = ['LiberationSans-Bold.ttf', 'LiberationSans-Regular.ttf'];
+    const ok = packedDiff === 0 && plainDiff === 0 &&
+      packed === [...faces.map((face) => `${face}.gz`), 'quillbrook.wasm.gz'].join(' ') &&
+      plain === [...faces.flatMap((face) => [face, `${face}.gz`]), 'quillbrook.wasm', 'quillbrook.wasm.gz'].join(' ');
     return [ok, `fetched ${packed}, then ${plain}; ${packedDiff} and ${plainDiff} pixels differ`];
   }],
   // Typing, a paste from the page's clipboard (once: its keydown is not handed in besides) and a

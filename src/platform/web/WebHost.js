@@ -98,23 +98,19 @@ Module.qbMessage = function (title, text) {
 };
 
 // Files fetched on first use and written into this module's memory file system: font files from
-// beside the player's script (`base` 0; one download serves every player of the page), and files a
-// streamed stack names beside itself, relative to the stack's URL (`base` 1). The file system keeps
-// the download itself rather than a copy (`canOwn`): a stack's file is its player's own download,
-// and a font file, in memory once for all the page's players, is only ever read.
+// beside the player's script (`base` 0), through the page script's Module.qbFetchFont, which
+// downloads each once for every player of the page; and files a streamed stack names beside
+// itself, relative to the stack's URL (`base` 1). The file system keeps the download itself rather
+// than a copy (`canOwn`): a stack's file is its player's own download, and a font file, in memory
+// once for all the page's players, is only ever read.
 Module.qbFetchFile = function (path, base, relative) {
   var root = base === 0 ? Module.qbFontBase : Module.qbStackUrl;
   if (!root || !relative) return Promise.resolve(0);
   var url = new URL(relative.split('/').map(encodeURIComponent).join('/'), root).href;
-  var shared = Module.qbSharedFiles || (Module.qbSharedFiles = new Map());
-  var download = base === 0 ? shared.get(url) : null;
-  if (!download) {
-    download = fetch(url).then(function (response) {
-      if (!response.ok) throw new Error(url + ': HTTP ' + response.status);
-      return response.arrayBuffer();
-    });
-    if (base === 0) shared.set(url, download);
-  }
+  var download = base === 0 && Module.qbFetchFont ? Module.qbFetchFont(url) : fetch(url).then(function (response) {
+    if (!response.ok) throw new Error(url + ': HTTP ' + response.status);
+    return response.arrayBuffer();
+  });
   return download.then(function (buffer) {
     FS.mkdirTree(path.slice(0, path.lastIndexOf('/')));
     FS.writeFile(path, new Uint8Array(buffer), {canOwn: true});
