@@ -13,7 +13,6 @@
 #include <string>
 
 #include "FuzzImage.h"
-#include "base/ByteOrder.h"
 #include "card/OffscreenCard.h"
 #include "gfx/Palette.h"
 #include "host/Application.h"
@@ -25,7 +24,6 @@
 #include "player/Navigation.h"
 #include "player/StackFlows.h"
 #include "stack/CardList.h"
-#include "stack/CardRecord.h"
 #include "stack/Document.h"
 #include "stack/PathSlot.h"
 #include "transitions/Transition.h"
@@ -133,6 +131,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             PlayFirstCard();
         }
     }
-    GetHeadlessState().alertsShown.clear();
     return 0;
 }
