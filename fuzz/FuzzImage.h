@@ -1,5 +1,5 @@
-// What the fuzz targets share: the stop on a broken promise, a read of every byte a handle claims,
-// and the picture a pixel decoder fills, shaped by the input's first four bytes (width 1 to 512,
+// What the fuzz targets share: the stop on a broken promise, the input file of the targets that
+// read files, a read of every byte a handle claims, and the picture a pixel decoder fills, shaped by the input's first four bytes (width 1 to 512,
 // height 1 to 128, depth 1 to 32). Its slack bytes carry a mark a decoder must leave alone: they
 // are inside the block, where AddressSanitizer cannot see them.
 #pragma once
@@ -8,6 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+
+#include <unistd.h>
 
 #include "gfx/DibImage.h"
 #include "memory/MemRef.h"
@@ -20,6 +23,24 @@ inline constexpr uint8_t kSlackMark = 0xA5;
     std::fprintf(stderr, "%s: %s\n", target, what);
     std::fflush(stderr);
     std::abort();
+}
+
+// A new, empty temporary file for `target`'s inputs, in TMPDIR or /tmp; the process stops when
+// none can be made.
+inline std::string MakeFuzzInputFile(const char* target) {
+    const char* dir = std::getenv("TMPDIR");
+    std::string pattern = std::string(dir && *dir ? dir : "/tmp") + "/qb-" + target + "-XXXXXX";
+    const int fd = mkstemp(pattern.data());
+    if (fd < 0) FuzzBroken(target, "cannot make a temporary file");
+    close(fd);
+    return pattern;
+}
+
+// The input as the whole of the file at `path`; the process stops when it can't be written.
+inline void WriteFuzzInput(const char* target, const std::string& path, const uint8_t* data, size_t size) {
+    FILE* file = std::fopen(path.c_str(), "wb");
+    const bool written = file && (size == 0 || std::fwrite(data, 1, size, file) == size);
+    if (!file || std::fclose(file) != 0 || !written) FuzzBroken(target, "cannot write the input file");
 }
 
 // Reads every byte a handle claims to hold, so a size that overstates the block is caught.

@@ -1,10 +1,8 @@
 // Opens arbitrary bytes as a stack, fetches every record and closes it. It stops on broken promises:
 // an opened stack without cards or store, a refusal without an alert, handles left after CloseStack.
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 
 #include "FuzzImage.h"
@@ -20,22 +18,10 @@ struct Harness { std::string path; int16_t baseline = 0; };
 
 [[noreturn]] void Broken(const char* what) { FuzzBroken("fuzz_open", what); }
 
-bool WriteInput(const std::string& path, const uint8_t* data, size_t size) {
-    FILE* file = std::fopen(path.c_str(), "wb");
-    if (!file) return false;
-    const bool written = size == 0 || std::fwrite(data, 1, size, file) == size;
-    return std::fclose(file) == 0 && written;
-}
-
 Harness& GetHarness() {
     static Harness harness = [] {
         Harness h;
-        const char* dir = getenv("TMPDIR");
-        std::string pattern = std::string(dir && *dir ? dir : "/tmp") + "/qb-fuzz-open-XXXXXX";
-        const int fd = mkstemp(pattern.data());
-        if (fd < 0) Broken("cannot make a temporary file");
-        close(fd);
-        h.path = pattern;
+        h.path = MakeFuzzInputFile("fuzz_open");
         if (!InitMemRefs()) Broken("InitMemRefs failed");
         // A first, failing read sets up what lives for the whole process (the path slots).
         LoadFault fault;
@@ -52,7 +38,7 @@ Harness& GetHarness() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Harness& h = GetHarness();
-    if (!WriteInput(h.path, data, size)) Broken("cannot write the input file");
+    WriteFuzzInput("fuzz_open", h.path, data, size);
 
     LoadFault fault;
     const int32_t code = ReadStackFile(h.path, &fault);

@@ -5,11 +5,8 @@
 // run. Cards larger than kMaxCardSide on a side are passed over: their cost is memory, not parsing.
 // It stops on what the sanitizers and libFuzzer catch (a crash, an overflow, a leak, a hang), and
 // on a broken promise: the open flow must leave a stack, read or blank.
-#include <stdlib.h>
-#include <unistd.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 
 #include "FuzzImage.h"
@@ -39,24 +36,13 @@ inline constexpr uint32_t kSettleMs = 3000;  // after the last
 
 std::string& InputPath() {
     static std::string path = [] {
-        const char* dir = getenv("TMPDIR");
-        std::string pattern = std::string(dir && *dir ? dir : "/tmp") + "/qb-fuzz-play-XXXXXX";
-        const int fd = mkstemp(pattern.data());
-        if (fd < 0) Broken("cannot make a temporary file");
-        close(fd);
+        std::string made = MakeFuzzInputFile("fuzz_play");
         if (!InitMemRefs() || !InitPathSlots()) Broken("the memory or the path slots did not start");
         SetHost(HeadlessHost());
         InitApplication(nullptr);
-        return pattern;
+        return made;
     }();
     return path;
-}
-
-bool WriteInput(const std::string& path, const uint8_t* data, size_t size) {
-    FILE* file = std::fopen(path.c_str(), "wb");
-    if (!file) return false;
-    const bool written = size == 0 || std::fwrite(data, 1, size, file) == size;
-    return std::fclose(file) == 0 && written;
 }
 
 void DrawEveryCard() {
@@ -114,7 +100,7 @@ void PlayFirstCard() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string& path = InputPath();
-    if (!WriteInput(path, data, size)) Broken("cannot write the input file");
+    WriteFuzzInput("fuzz_play", path, data, size);
     // Each input starts from a player that has seen nothing yet.
     ResetHeadlessState();
     SetHost(HeadlessHost());
